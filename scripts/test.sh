@@ -1,0 +1,8 @@
+#!/usr/bin/env bash
+# From a fresh clone: installs what is missing, builds, runs every test.
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+bash "$root/scripts/setup.sh"
+bash "$root/scripts/build.sh"
+cd "$root/build"
+QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j2 --timeout 600

@@ -1,0 +1,99 @@
+#include "util/Text.h"
+
+#include <algorithm>
+
+namespace morvane {
+namespace {
+constexpr std::string_view kIdeographicSpace = "\xE3\x80\x80";
+
+bool IsBlankAt(std::string_view s, size_t pos, size_t& len) {
+    const char c = s[pos];
+    if (c == ' ' || c == '\t' || c == '\r' || c == '\n') {
+        len = 1;
+        return true;
+    }
+    if (s.substr(pos, 3) == kIdeographicSpace) {
+        len = 3;
+        return true;
+    }
+    return false;
+}
+}  // namespace
+
+std::string_view TrimView(std::string_view s) {
+    size_t len = 0;
+    while (!s.empty() && IsBlankAt(s, 0, len)) s.remove_prefix(len);
+    while (!s.empty()) {
+        if (s.back() == ' ' || s.back() == '\t' || s.back() == '\r' || s.back() == '\n') {
+            s.remove_suffix(1);
+        } else if (s.size() >= 3 && s.substr(s.size() - 3) == kIdeographicSpace) {
+            s.remove_suffix(3);
+        } else {
+            break;
+        }
+    }
+    return s;
+}
+
+std::string Trim(std::string_view s) { return std::string(TrimView(s)); }
+
+std::string ToUpperAscii(std::string_view s) {
+    std::string out(s);
+    std::transform(out.begin(), out.end(), out.begin(),
+                   [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; });
+    return out;
+}
+
+bool EqualsNoCase(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) return false;
+    for (size_t i = 0; i < a.size(); ++i) {
+        char x = a[i], y = b[i];
+        if (x >= 'a' && x <= 'z') x = static_cast<char>(x - 32);
+        if (y >= 'a' && y <= 'z') y = static_cast<char>(y - 32);
+        if (x != y) return false;
+    }
+    return true;
+}
+
+std::vector<std::string> Split(std::string_view s, std::string_view sep) {
+    std::vector<std::string> parts;
+    if (sep.empty()) {
+        parts.emplace_back(s);
+        return parts;
+    }
+    size_t start = 0;
+    for (;;) {
+        const size_t at = s.find(sep, start);
+        if (at == std::string_view::npos) {
+            parts.emplace_back(s.substr(start));
+            return parts;
+        }
+        parts.emplace_back(s.substr(start, at - start));
+        start = at + sep.size();
+    }
+}
+
+std::string Join(const std::vector<std::string>& parts, std::string_view sep) {
+    std::string out;
+    for (size_t i = 0; i < parts.size(); ++i) {
+        if (i) out += sep;
+        out += parts[i];
+    }
+    return out;
+}
+
+std::string ReplaceAll(std::string s, std::string_view from, std::string_view to) {
+    if (from.empty()) return s;
+    size_t pos = 0;
+    while ((pos = s.find(from, pos)) != std::string::npos) {
+        s.replace(pos, from.size(), to);
+        pos += to.size();
+    }
+    return s;
+}
+
+bool StartsWith(std::string_view s, std::string_view prefix) {
+    return s.substr(0, prefix.size()) == prefix;
+}
+
+}  // namespace morvane

@@ -1,0 +1,21 @@
+// Small text helpers over UTF-8 std::string used across the component.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace morvane {
+
+// Outer blanks (space, tab, CR, LF and the ideographic space) removed.
+std::string_view TrimView(std::string_view s);
+std::string Trim(std::string_view s);
+// ASCII letters folded; other bytes, Japanese among them, are kept as they are.
+std::string ToUpperAscii(std::string_view s);
+bool EqualsNoCase(std::string_view a, std::string_view b);
+std::vector<std::string> Split(std::string_view s, std::string_view sep);
+std::string Join(const std::vector<std::string>& parts, std::string_view sep);
+std::string ReplaceAll(std::string s, std::string_view from, std::string_view to);
+bool StartsWith(std::string_view s, std::string_view prefix);
+
+}  // namespace morvane
