@@ -17,6 +17,8 @@ std::string NzString(const Value& v);
 // number that it begins with, rounded the same way. Out of the Long range gives 0.
 std::int32_t NzLong(const Value& v);
 std::int32_t NzLong(std::string_view text);
+inline std::int32_t NzLong(const std::string& text) { return NzLong(std::string_view(text)); }
+inline std::int32_t NzLong(const char* text) { return NzLong(std::string_view(text)); }
 // The date's text when the value is a date (or a text that reads as one), else "".
 std::string NzDateText(const Value& v);
 

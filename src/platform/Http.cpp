@@ -1,0 +1,93 @@
+#include "platform/Http.h"
+
+#include <curl/curl.h>
+
+#include <memory>
+#include <mutex>
+
+namespace morvane::platform {
+namespace {
+
+void GlobalInitOnce() {
+    static std::once_flag once;
+    std::call_once(once, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
+}
+
+size_t Collect(char* data, size_t size, size_t count, void* user) {
+    static_cast<std::string*>(user)->append(data, size * count);
+    return size * count;
+}
+
+struct EasyDeleter {
+    void operator()(CURL* c) const { curl_easy_cleanup(c); }
+};
+struct SlistDeleter {
+    void operator()(curl_slist* l) const { curl_slist_free_all(l); }
+};
+
+}  // namespace
+
+HttpClient::HttpClient(HttpOptions options) : options_(std::move(options)) { GlobalInitOnce(); }
+HttpClient::~HttpClient() = default;
+
+HttpReply HttpClient::Post(const std::string& url, const HttpHeaders& headers,
+                           std::string_view body) {
+    HttpReply reply;
+    std::unique_ptr<CURL, EasyDeleter> curl(curl_easy_init());
+    if (!curl) {
+        reply.error = "curl_easy_init failed";
+        return reply;
+    }
+    std::unique_ptr<curl_slist, SlistDeleter> list;
+    for (const auto& [name, value] : headers) {
+        const std::string line = name + ": " + value;
+        curl_slist* grown = curl_slist_append(list.get(), line.c_str());
+        if (!grown) {
+            reply.error = "out of memory";
+            return reply;
+        }
+        list.release();
+        list.reset(grown);
+    }
+    // Keep curl from adding "Expect: 100-continue" to larger bodies.
+    if (curl_slist* grown = curl_slist_append(list.get(), "Expect:")) {
+        list.release();
+        list.reset(grown);
+    }
+
+    CURL* c = curl.get();
+    char errbuf[CURL_ERROR_SIZE] = {0};
+    curl_easy_setopt(c, CURLOPT_URL, url.c_str());
+    curl_easy_setopt(c, CURLOPT_POST, 1L);
+    curl_easy_setopt(c, CURLOPT_POSTFIELDS, body.data());
+    curl_easy_setopt(c, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
+    curl_easy_setopt(c, CURLOPT_HTTPHEADER, list.get());
+    curl_easy_setopt(c, CURLOPT_WRITEFUNCTION, Collect);
+    curl_easy_setopt(c, CURLOPT_WRITEDATA, &reply.body);
+    curl_easy_setopt(c, CURLOPT_ERRORBUFFER, errbuf);
+    curl_easy_setopt(c, CURLOPT_NOSIGNAL, 1L);
+    curl_easy_setopt(c, CURLOPT_SSL_VERIFYPEER, 1L);
+    curl_easy_setopt(c, CURLOPT_SSL_VERIFYHOST, 2L);
+    if (!options_.caFile.empty()) {
+        // The private CA comes in addition to the system's store.
+        curl_easy_setopt(c, CURLOPT_CAINFO, options_.caFile.c_str());
+        curl_easy_setopt(c, CURLOPT_CAPATH, "/etc/ssl/certs");
+    }
+    curl_easy_setopt(c, CURLOPT_CONNECTTIMEOUT, options_.connectTimeoutSeconds);
+    curl_easy_setopt(c, CURLOPT_LOW_SPEED_LIMIT, 1L);
+    curl_easy_setopt(c, CURLOPT_LOW_SPEED_TIME, options_.stallTimeoutSeconds);
+    curl_easy_setopt(c, CURLOPT_FOLLOWLOCATION, 0L);
+    curl_easy_setopt(c, CURLOPT_PROTOCOLS_STR, "https,http");
+
+    const CURLcode rc = curl_easy_perform(c);
+    if (rc != CURLE_OK) {
+        reply.body.clear();
+        reply.error = errbuf[0] ? errbuf : curl_easy_strerror(rc);
+        return reply;
+    }
+    curl_easy_getinfo(c, CURLINFO_RESPONSE_CODE, &reply.status);
+    reply.transported = true;
+    return reply;
+}
+
+}  // namespace morvane::platform

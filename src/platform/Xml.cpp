@@ -1,0 +1,129 @@
+#include "platform/Xml.h"
+
+#include <pugixml.hpp>
+
+#include "util/Text.h"
+
+namespace morvane::platform {
+
+struct XmlDocument::Impl {
+    pugi::xml_document doc;
+};
+
+namespace {
+void AppendText(const pugi::xml_node& node, std::string& out) {
+    for (pugi::xml_node child = node.first_child(); child; child = child.next_sibling()) {
+        if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata)
+            out += child.value();
+        else if (child.type() == pugi::node_element)
+            AppendText(child, out);
+    }
+}
+}  // namespace
+
+std::string XmlNode::Name() const { return node_ ? pugi::xml_node(node_).name() : ""; }
+
+std::string XmlNode::Text() const {
+    std::string out;
+    if (node_) AppendText(pugi::xml_node(node_), out);
+    return out;
+}
+
+std::vector<XmlNode> XmlNode::Children() const {
+    std::vector<XmlNode> out;
+    if (!node_) return out;
+    for (pugi::xml_node c = pugi::xml_node(node_).first_child(); c; c = c.next_sibling())
+        if (c.type() == pugi::node_element) out.push_back(XmlNode(c.internal_object()));
+    return out;
+}
+
+std::vector<XmlNode> XmlNode::SelectNodes(std::string_view name) const {
+    std::vector<XmlNode> out;
+    if (!node_) return out;
+    for (pugi::xml_node c = pugi::xml_node(node_).first_child(); c; c = c.next_sibling())
+        if (c.type() == pugi::node_element && name == c.name())
+            out.push_back(XmlNode(c.internal_object()));
+    return out;
+}
+
+std::vector<XmlNode> XmlNode::SelectNodesNoCase(std::string_view name) const {
+    std::vector<XmlNode> out;
+    if (!node_) return out;
+    for (pugi::xml_node c = pugi::xml_node(node_).first_child(); c; c = c.next_sibling())
+        if (c.type() == pugi::node_element && EqualsNoCase(name, c.name()))
+            out.push_back(XmlNode(c.internal_object()));
+    return out;
+}
+
+XmlDocument::XmlDocument(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
+XmlDocument::~XmlDocument() = default;
+
+std::unique_ptr<XmlDocument> XmlDocument::Load(std::string_view text) {
+    if (text.empty()) return nullptr;
+    auto impl = std::make_unique<Impl>();
+    // pugixml resolves no external entity and reads no DTD: nothing leaves the process.
+    const pugi::xml_parse_result result = impl->doc.load_buffer(
+        text.data(), text.size(), pugi::parse_default, pugi::encoding_auto);
+    if (!result || !impl->doc.document_element()) return nullptr;
+    return std::unique_ptr<XmlDocument>(new XmlDocument(std::move(impl)));
+}
+
+XmlNode XmlDocument::DocumentElement() const {
+    return XmlNode(impl_->doc.document_element().internal_object());
+}
+
+std::string XmlEscape(std::string_view text) {
+    std::string out;
+    out.reserve(text.size());
+    for (char c : text) {
+        switch (c) {
+            case '&': out += "&amp;"; break;
+            case '<': out += "&lt;"; break;
+            case '>': out += "&gt;"; break;
+            case '"': out += "&quot;"; break;
+            case '\r': out += "&#13;"; break;
+            default: out += c;
+        }
+    }
+    return out;
+}
+
+XmlWriter::XmlWriter(std::string_view rootName) {
+    out_ = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+    Open(rootName);
+}
+
+XmlWriter& XmlWriter::Open(std::string_view name) {
+    out_ += '<';
+    out_ += name;
+    out_ += '>';
+    open_.emplace_back(name);
+    return *this;
+}
+
+XmlWriter& XmlWriter::Close() {
+    if (open_.empty()) return *this;
+    out_ += "</";
+    out_ += open_.back();
+    out_ += '>';
+    open_.pop_back();
+    return *this;
+}
+
+XmlWriter& XmlWriter::Element(std::string_view name, std::string_view text) {
+    out_ += '<';
+    out_ += name;
+    out_ += '>';
+    out_ += XmlEscape(text);
+    out_ += "</";
+    out_ += name;
+    out_ += '>';
+    return *this;
+}
+
+std::string XmlWriter::Finish() {
+    while (!open_.empty()) Close();
+    return std::move(out_);
+}
+
+}  // namespace morvane::platform

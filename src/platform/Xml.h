@@ -1,0 +1,70 @@
+// XML documents as the readers walk them: a parsed tree of elements with names and texts,
+// and a writer for the documents the test and reference servers send.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace pugi {
+struct xml_node_struct;
+}
+
+namespace morvane::platform {
+
+class XmlNode {
+public:
+    XmlNode() = default;
+
+    explicit operator bool() const { return node_ != nullptr; }
+    std::string Name() const;
+    // The concatenated text of every text node below this one.
+    std::string Text() const;
+    // Element children, in document order.
+    std::vector<XmlNode> Children() const;
+    // Element children of exactly this name.
+    std::vector<XmlNode> SelectNodes(std::string_view name) const;
+    // Element children whose name matches without regard to ASCII case.
+    std::vector<XmlNode> SelectNodesNoCase(std::string_view name) const;
+
+private:
+    friend class XmlDocument;
+    explicit XmlNode(pugi::xml_node_struct* node) : node_(node) {}
+    pugi::xml_node_struct* node_ = nullptr;
+};
+
+class XmlDocument {
+public:
+    ~XmlDocument();
+    XmlDocument(const XmlDocument&) = delete;
+    XmlDocument& operator=(const XmlDocument&) = delete;
+
+    // Parses without resolving anything external; nullptr for an empty or malformed text.
+    static std::unique_ptr<XmlDocument> Load(std::string_view text);
+    XmlNode DocumentElement() const;
+
+private:
+    struct Impl;
+    explicit XmlDocument(std::unique_ptr<Impl> impl);
+    std::unique_ptr<Impl> impl_;
+};
+
+// Builds a UTF-8 document; texts are escaped on the way out.
+class XmlWriter {
+public:
+    explicit XmlWriter(std::string_view rootName);
+    XmlWriter& Open(std::string_view name);
+    XmlWriter& Close();
+    // One element with text content.
+    XmlWriter& Element(std::string_view name, std::string_view text);
+    std::string Finish();
+
+private:
+    std::string out_;
+    std::vector<std::string> open_;
+};
+
+std::string XmlEscape(std::string_view text);
+
+}  // namespace morvane::platform

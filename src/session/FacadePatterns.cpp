@@ -1,0 +1,12 @@
+#include "session/FacadePatterns.h"
+
+#include "transport/mdlServerReply.h"
+
+namespace morvane::facade {
+
+std::string Fetch(const Request& request) {
+    if (request.routine == Routine::Plain) return SendRequest(request.path, request.body);
+    return SendRequestProgress(request.path, request.body, "", nullptr);
+}
+
+}  // namespace morvane::facade

@@ -1,0 +1,90 @@
+// The one process-wide state of the component: the login record, the compare stamps, the
+// clock offsets, the object usage option, the lock states, the pending error, and the
+// platform services (toolkit, settings store, clock, HTTP options) the host or a test set.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "platform/Clock.h"
+#include "platform/Forms.h"
+#include "platform/Http.h"
+#include "platform/SettingsStore.h"
+#include "util/RuntimeError.h"
+
+namespace morvane {
+
+struct LoginRecord {
+    std::int32_t loginState = 0;
+    std::string loginId;
+    std::string password;
+    std::string userName;
+    std::string contractorName;
+    std::string contractBegin;
+    std::string contractEnd;
+    std::int32_t sharedCount = 0;
+    std::int32_t maxCustomer = 0;
+};
+
+class ProcessState {
+public:
+    ProcessState();
+    ~ProcessState();
+    ProcessState(const ProcessState&) = delete;
+    ProcessState& operator=(const ProcessState&) = delete;
+
+    LoginRecord login;
+    // The form that owns the login keep-alive timer, while one runs.
+    std::unique_ptr<forms::Form> loginTimer;
+
+    std::int32_t objectUsage = 0;
+
+    // Local clock minus the server's, and minus the data folder host's, in days.
+    double inetServerTimeOffset = 0.0;
+    double inetDataFolderTimeOffset = 0.0;
+    bool dataFolderOffsetMeasured = false;
+
+    // The stamps of the last comparison that found a difference, as they were passed.
+    std::string inetDateServer;
+    std::string inetDateLocal;
+    std::string inetDateCheck;
+
+    // Read from the settings once per process.
+    std::optional<std::string> serverName;
+    std::optional<std::string> contractNo;
+
+    // Server locks held by this process, and the forms that renew them.
+    std::int32_t customerLockState = 0;
+    std::int32_t masterLockState = 0;
+    std::unique_ptr<forms::Form> customerLockTimer;
+    std::unique_ptr<forms::Form> masterLockTimer;
+
+    PendingError err;
+
+    // Platform services. The host may replace them before the first call.
+    forms::Toolkit& Toolkit();
+    void SetToolkit(std::shared_ptr<forms::Toolkit> toolkit);
+    const platform::SettingsStore& Settings();
+    void SetSettingsRoot(const std::filesystem::path& root);
+    const platform::Clock& Clock();
+    void SetClock(std::shared_ptr<platform::Clock> clock);
+    // Connect and stall time-outs, and the CA file: the environment variable
+    // MORVANE_CA_FILE, else the setting "CAFile".
+    platform::HttpOptions HttpOptions();
+    void SetHttpOptions(std::optional<platform::HttpOptions> options);
+
+    // Everything back to the start of a process, services included; for tests.
+    void Reset();
+
+private:
+    std::shared_ptr<forms::Toolkit> toolkit_;
+    std::optional<platform::SettingsStore> settings_;
+    std::shared_ptr<platform::Clock> clock_;
+    std::optional<platform::HttpOptions> httpOptions_;
+};
+
+ProcessState& State();
+
+}  // namespace morvane

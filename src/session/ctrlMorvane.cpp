@@ -1,0 +1,36 @@
+#include "session/ctrlMorvane.h"
+
+#include "session/ProcessState.h"
+#include "session/mdlLogin.h"
+
+namespace morvane {
+
+ctrlMorvane::ctrlMorvane() {
+    State().objectUsage = 0;
+    ResetLogin();
+}
+
+ctrlMorvane::~ctrlMorvane() {
+    StopLoginTimer();
+    // The slots empty themselves, each by itself, as the members go.
+}
+
+void ctrlMorvane::UseToolkit(std::shared_ptr<forms::Toolkit> toolkit) {
+    State().SetToolkit(std::move(toolkit));
+}
+
+void ctrlMorvane::setObjectUsage(std::int32_t n) { State().objectUsage = n; }
+std::int32_t ctrlMorvane::LoginState() const { return GetLoginState(); }
+void ctrlMorvane::SetDisableMorvane() { SetLoginState(99); }
+std::string ctrlMorvane::LoginAccountUserName() const { return GetLoginUserName(); }
+std::string ctrlMorvane::LoginAccountContractorName() const { return GetLoginContractorName(); }
+std::string ctrlMorvane::LoginAccountContractBegin() const { return GetLoginContractBegin(); }
+std::string ctrlMorvane::LoginAccountContractEnd() const { return GetLoginContractEnd(); }
+std::string ctrlMorvane::LoginAccountSharedCount() const {
+    return std::to_string(GetLoginSharedCount());
+}
+std::string ctrlMorvane::LoginAccountMaxCustomer() const {
+    return std::to_string(GetLoginMaxCustomer());
+}
+
+}  // namespace morvane

@@ -1,0 +1,110 @@
+#include "transport/mdlServerReply.h"
+
+#include <optional>
+
+#include "platform/Xml.h"
+#include "session/ProcessState.h"
+#include "session/mdlLogin.h"
+#include "transport/frmSendRequestProgress.h"
+#include "transport/mdlServerCommon.h"
+#include "util/Nz.h"
+#include "util/Text.h"
+
+namespace morvane {
+namespace {
+
+void ShowWarning(const char* text, const char* title) {
+    forms::MessageBoxRequest box;
+    box.text = text;
+    box.title = title;
+    box.icon = forms::MsgIcon::Exclamation;
+    State().Toolkit().MessageBox(box);
+}
+
+void ReLogin() {
+    ResetLogin();
+    ShowLoginDlg(nullptr, 1);
+}
+
+}  // namespace
+
+bool ParseSystemNode(std::string_view reply, std::int32_t& flags, std::string& token) {
+    const auto doc = platform::XmlDocument::Load(reply);
+    if (!doc) return false;
+    const auto systems = doc->DocumentElement().SelectNodes("system");
+    if (systems.size() != 1) return false;
+    const auto flagNodes = systems.front().SelectNodes("flags");
+    const auto tokenNodes = systems.front().SelectNodes("token");
+    if (flagNodes.size() != 1 || tokenNodes.size() != 1) return false;
+    flags = NzLong(flagNodes.front().Text());
+    token = tokenNodes.front().Text();
+    return true;
+}
+
+std::int32_t CheckServerReply(std::string_view reply) {
+    std::int32_t flags = 0;
+    std::string token;
+    if (!ParseSystemNode(reply, flags, token)) {
+        ShowWarning(msg::kCommFailNoNetwork, msg::kCommFailTitle);
+        ResetLogin();
+        return 0;
+    }
+    // The token rotates with every reply that has a system element, whatever its status.
+    SetLoginState(flags);
+    SetLoginToken(token);
+    switch (flags) {
+        case 1: return 1;
+        case 0: ReLogin(); return 0;
+        case -1:
+        case -2:
+            if (flags == -1)
+                ShowWarning(msg::kCommFail, msg::kCommFailTitle);
+            else
+                ShowWarning(msg::kLockFail, msg::kLockFailTitle);
+            // A failure told with a valid token costs the operation, not the login.
+            if (token.empty())
+                ReLogin();
+            else
+                SetLoginState(1);
+            return 0;
+        default: return 0;
+    }
+}
+
+std::string SendRequest(std::string_view path, std::string_view postData) {
+    std::string reply = PostToServer(path, postData);
+    if (CheckServerReply(reply) < 1) return {};
+    return reply;
+}
+
+std::string SendRequestProgress(std::string_view path, std::string_view postData,
+                                std::string_view msg, forms::Form* owner) {
+    if (State().objectUsage == 1) return SendRequest(path, postData);
+    frmSendRequestProgress form(State().Toolkit());
+    form.Load();
+    form.SetURL(std::string(path));
+    form.SetPostData(std::string(postData));
+    form.ShowMsgString(msg);
+    form.ShowModal(owner);
+    std::string reply = form.ReturnString();
+    form.Unload();
+    return reply;
+}
+
+bool TestConnection(std::string_view url, std::string_view contractNo, std::string_view userId,
+                    std::string_view password) {
+    const std::string reply = PostConnectionTest(url, contractNo, userId, password);
+    if (reply.empty()) return false;
+    const auto doc = platform::XmlDocument::Load(reply);
+    if (!doc) return false;
+    const auto systems = doc->DocumentElement().SelectNodes("system");
+    if (systems.size() != 1) return false;
+    std::optional<std::string> flags, token;
+    for (const auto& child : systems.front().Children()) {
+        if (EqualsNoCase(child.Name(), "flags")) flags = child.Text();
+        if (EqualsNoCase(child.Name(), "token")) token = child.Text();
+    }
+    return flags && token && NzLong(*flags) == 1;
+}
+
+}  // namespace morvane
