@@ -1,0 +1,99 @@
+// The login exchange end to end: the body sent, and what each kind of reply leaves behind.
+#include <gtest/gtest.h>
+
+#include "session/ProcessState.h"
+#include "session/ctrlMorvane.h"
+#include "session/mdlLogin.h"
+#include "session/mdlRegConstMorvane.h"
+#include "support/MorvaneTest.h"
+
+namespace morvane::test {
+namespace {
+
+class LoginTest : public MorvaneTest {};
+
+TEST_F(LoginTest, SuccessfulLoginTakesStateTokenAndAccount) {
+    server_->On("login.php", LoginReply(1, "TOKEN-A"));
+    ctrlMorvane obj;
+    EXPECT_TRUE(DoLogin("user1", "p&ss=1", "C-1001"));
+
+    const auto requests = server_->RequestsTo("login.php");
+    ASSERT_EQ(requests.size(), 1u);
+    // Values travel unescaped; the "&" in the password splits it at the server.
+    EXPECT_EQ(requests[0].body, "no=C-1001&ID=user1&PW=p&ss=1&");
+    EXPECT_EQ(requests[0].Header("content-type"), "application/x-www-form-urlencoded");
+    EXPECT_EQ(requests[0].Header("if-modified-since"), "Thu, 01 Jun 1970 00:00:00 GMT");
+
+    EXPECT_EQ(obj.LoginState(), 1);
+    EXPECT_EQ(GetLoginID(), "user1");
+    EXPECT_EQ(GetLoginToken(), "TOKEN-A");
+    EXPECT_EQ(Setting(reg::kParam2), "TOKEN-A");
+    EXPECT_EQ(obj.LoginAccountUserName(), "山田 太郎");
+    EXPECT_EQ(obj.LoginAccountContractorName(), "山田建設事務所");
+    EXPECT_EQ(obj.LoginAccountContractBegin(), "2024/04/01");
+    EXPECT_EQ(obj.LoginAccountContractEnd(), "2027/03/31");
+    EXPECT_EQ(obj.LoginAccountSharedCount(), "3");
+    EXPECT_EQ(obj.LoginAccountMaxCustomer(), "250");
+    EXPECT_TRUE(kit_->Boxes().empty());
+}
+
+TEST_F(LoginTest, FlagsOneWithoutAccountLogsInButReportsFalse) {
+    server_->On("login.php", LoginReply(1, "TOKEN-B", /*withAccount=*/false));
+    ctrlMorvane obj;
+    EXPECT_FALSE(DoLogin("user1", "pw", "C-1001"));
+    EXPECT_EQ(obj.LoginState(), 1);
+    EXPECT_EQ(GetLoginToken(), "TOKEN-B");
+    EXPECT_EQ(obj.LoginAccountUserName(), "");
+    EXPECT_EQ(obj.LoginAccountMaxCustomer(), "0");
+}
+
+TEST_F(LoginTest, FlagsTwoMeansLoggedInElsewhere) {
+    server_->On("login.php", LoginReply(2, "TOKEN-C", /*withAccount=*/false));
+    EXPECT_FALSE(DoLogin("user1", "pw", "C-1001"));
+    EXPECT_EQ(GetLoginState(), 2);
+    EXPECT_EQ(GetLoginToken(), "TOKEN-C");
+}
+
+TEST_F(LoginTest, AccountWithMissingFieldChangesNoField) {
+    server_->On("login.php",
+                "<r><system><flags>1</flags><token>T</token></system><account><UserName>x</UserName>"
+                "<ContractorName>y</ContractorName><ContractBegin>a</ContractBegin>"
+                "<ContractEnd>b</ContractEnd><SharedCount>1</SharedCount></account></r>");
+    EXPECT_FALSE(DoLogin("user1", "pw", "C-1001"));
+    EXPECT_EQ(GetLoginState(), 1);
+    EXPECT_EQ(GetLoginUserName(), "");
+}
+
+TEST_F(LoginTest, MalformedEmptyAndUnreachableRepliesLeaveStateZero) {
+    SetSetting(reg::kParam2, "OLD");
+    for (const std::string reply : {"<r><system><flags>1</flags>", "", "<r><account/></r>",
+                                    "<r><system><flags>1</flags></system></r>"}) {
+        server_->On("login.php", reply);
+        EXPECT_FALSE(DoLogin("user1", "pw", "C-1001")) << reply;
+        EXPECT_EQ(GetLoginState(), 0) << reply;
+        EXPECT_EQ(GetLoginToken(), "OLD") << reply;
+    }
+    // The login exchange shows nothing itself: the dialog tells the user.
+    EXPECT_TRUE(kit_->Boxes().empty());
+}
+
+TEST_F(LoginTest, ResetKeepsTheTokenInTheStore) {
+    LogIn("KEEP");
+    ResetLogin();
+    EXPECT_EQ(GetLoginState(), 0);
+    EXPECT_EQ(GetLoginID(), "");
+    EXPECT_EQ(GetLoginToken(), "KEEP");
+}
+
+TEST_F(LoginTest, NewObjectResetsTheLoginAndOption) {
+    LogIn();
+    State().objectUsage = 1;
+    ctrlMorvane second;
+    EXPECT_EQ(second.LoginState(), 0);
+    EXPECT_EQ(State().objectUsage, 0);
+    second.SetDisableMorvane();
+    EXPECT_EQ(second.LoginState(), 99);
+}
+
+}  // namespace
+}  // namespace morvane::test
