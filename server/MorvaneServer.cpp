@@ -1,0 +1,95 @@
+#include "server/MorvaneServer.h"
+
+#include <stdexcept>
+
+#include "server/core/Storage.h"
+#include "server/net/HttpsListener.h"
+#include "server/net/SelfSigned.h"
+#include "server/pages/Service.h"
+
+namespace morvane::server {
+
+namespace fs = std::filesystem;
+
+MorvaneServer::MorvaneServer(ServerOptions options) : options_(std::move(options)) {
+    if (options_.dataDir.empty()) throw std::invalid_argument("a data folder is required");
+    fs::create_directories(options_.dataDir);
+    if (!options_.clock) options_.clock = std::make_shared<SystemClock>();
+    if (options_.certFile.empty() != options_.keyFile.empty())
+        throw std::invalid_argument("give both a certificate and a key, or neither");
+    if (options_.certFile.empty()) {
+        certFile_ = options_.dataDir / "cert.pem";
+        keyFile_ = options_.dataDir / "key.pem";
+        if (!fs::exists(certFile_) || !fs::exists(keyFile_))
+            makeSelfSignedPair(certFile_, keyFile_);
+    } else {
+        certFile_ = options_.certFile;
+        keyFile_ = options_.keyFile;
+    }
+    ServiceOptions serviceOptions;
+    serviceOptions.tokenIdle = options_.tokenIdle;
+    serviceOptions.lockExpiry = options_.lockExpiry;
+    serviceOptions.maxUploadBytes = options_.maxUploadBytes;
+    service_ = std::make_unique<Service>(options_.dataDir, serviceOptions, *options_.clock);
+}
+
+MorvaneServer::~MorvaneServer() {
+    stop();
+}
+
+void MorvaneServer::start() {
+    if (listener_) return;
+    Service* service = service_.get();
+    auto listener = std::make_unique<HttpsListener>(
+        certFile_, keyFile_, [service](const HttpRequest& r) { return service->handle(r); },
+        service_->maxBodyBytes(), options_.log);
+    port_ = listener->bind(options_.address, options_.port);
+    listener->start();
+    listener_ = std::move(listener);
+}
+
+void MorvaneServer::stop() {
+    if (listener_) listener_->stop();
+    listener_.reset();
+}
+
+std::string MorvaneServer::serverName() const {
+    return options_.address + ":" + std::to_string(port_);
+}
+
+std::string MorvaneServer::baseUrl() const {
+    return "https://" + serverName() + "/";
+}
+
+std::int64_t MorvaneServer::createAccount(const AccountFields& fields) {
+    return service_->createAccount(fields);
+}
+
+void MorvaneServer::addUser(const std::string& contractNo, const std::string& userId,
+                            const std::string& password, const std::string& userName) {
+    service_->addUser(contractNo, userId, password, userName);
+}
+
+struct AccountAdmin::Impl {
+    Storage storage;
+    AccountStore accounts;
+    explicit Impl(const fs::path& dir) : storage(dir), accounts(storage.db()) {}
+};
+
+AccountAdmin::AccountAdmin(const fs::path& dataDir) {
+    fs::create_directories(dataDir);
+    impl_ = std::make_unique<Impl>(dataDir);
+}
+
+AccountAdmin::~AccountAdmin() = default;
+
+std::int64_t AccountAdmin::createAccount(const AccountFields& fields) {
+    return impl_->accounts.createAccount(fields);
+}
+
+void AccountAdmin::addUser(const std::string& contractNo, const std::string& userId,
+                           const std::string& password, const std::string& userName) {
+    impl_->accounts.addUser(contractNo, userId, password, userName);
+}
+
+}  // namespace morvane::server

@@ -1,0 +1,33 @@
+// The server's source of "now", so that expiry can be tested without waiting.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+
+namespace morvane::server {
+
+class Clock {
+  public:
+    using time_point = std::chrono::system_clock::time_point;
+    virtual ~Clock() = default;
+    virtual time_point now() const = 0;
+};
+
+class SystemClock final : public Clock {
+  public:
+    time_point now() const override { return std::chrono::system_clock::now(); }
+};
+
+// A clock that moves only when told to.
+class ManualClock final : public Clock {
+  public:
+    explicit ManualClock(time_point start = std::chrono::system_clock::now())
+        : ticks_(start.time_since_epoch().count()) {}
+    time_point now() const override { return time_point(time_point::duration(ticks_.load())); }
+    void advance(std::chrono::system_clock::duration d) { ticks_ += d.count(); }
+
+  private:
+    std::atomic<time_point::duration::rep> ticks_;
+};
+
+}  // namespace morvane::server

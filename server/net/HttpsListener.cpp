@@ -1,0 +1,101 @@
+#include "server/net/HttpsListener.h"
+
+#include <httplib.h>
+
+#include <chrono>
+#include <stdexcept>
+#include <thread>
+
+#include "server/util/Text.h"
+
+namespace morvane::server {
+
+struct HttpsListener::Impl {
+    httplib::SSLServer server;
+    Handler handler;
+    Log log;
+    std::thread thread;
+
+    Impl(const std::filesystem::path& cert, const std::filesystem::path& key, Handler h, Log l)
+        : server(cert.c_str(), key.c_str()), handler(std::move(h)), log(std::move(l)) {}
+
+    void logLine(const httplib::Request& req, int status, std::size_t bytes, int flags,
+                 std::chrono::steady_clock::time_point started) {
+        if (!log) return;
+        const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(
+                            std::chrono::steady_clock::now() - started)
+                            .count();
+        log(stampText(std::chrono::system_clock::now()) + " " + req.remote_addr + " " + req.method +
+            " " + req.path + " " + std::to_string(status) + " flags=" + std::to_string(flags) +
+            " in=" + std::to_string(req.body.size()) + " out=" + std::to_string(bytes) + " " +
+            std::to_string(ms) + "ms");
+    }
+};
+
+HttpsListener::HttpsListener(const std::filesystem::path& certFile,
+                             const std::filesystem::path& keyFile, Handler handler,
+                             std::size_t maxBodyBytes, Log log)
+    : impl_(std::make_unique<Impl>(certFile, keyFile, std::move(handler), std::move(log))) {
+    if (!impl_->server.is_valid())
+        throw std::runtime_error("cannot load certificate " + certFile.string() + " and key " +
+                                 keyFile.string());
+    auto& server = impl_->server;
+    server.set_payload_max_length(maxBodyBytes);
+    server.set_read_timeout(std::chrono::seconds(60));
+    server.set_write_timeout(std::chrono::seconds(60));
+    Impl* impl = impl_.get();
+    server.Post(R"(/.*)", [impl](const httplib::Request& req, httplib::Response& res) {
+        const auto started = std::chrono::steady_clock::now();
+        HttpRequest request;
+        request.path = req.path;
+        while (!request.path.empty() && request.path.front() == '/') request.path.erase(0, 1);
+        request.body = req.body;
+        std::map<std::string, std::string> lower;
+        for (const auto& [name, value] : req.headers) {
+            std::string n = name;
+            for (char& c : n) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+            lower[n] = value;
+        }
+        request.headers = std::move(lower);
+        const auto reply = impl->handler(request);
+        res.status = reply.status;
+        res.set_content(reply.body, reply.contentType.c_str());
+        impl->logLine(req, reply.status, reply.body.size(), reply.flags, started);
+    });
+    server.set_error_handler(httplib::Server::HandlerWithResponse(
+        [impl](const httplib::Request& req, httplib::Response& res) {
+            if (!res.body.empty()) return httplib::Server::HandlerResponse::Unhandled;
+            // An oversized or unreadable request still gets a reply that the client can judge.
+            res.set_content(envelopeReply(-1, ""), "text/xml; charset=UTF-8");
+            impl->logLine(req, res.status, res.body.size(), -1, std::chrono::steady_clock::now());
+            return httplib::Server::HandlerResponse::Handled;
+        }));
+}
+
+HttpsListener::~HttpsListener() {
+    stop();
+}
+
+int HttpsListener::bind(const std::string& address, int port) {
+    int bound = port == 0 ? impl_->server.bind_to_any_port(address)
+                          : (impl_->server.bind_to_port(address, port) ? port : -1);
+    if (bound < 0)
+        throw std::runtime_error("cannot listen on " + address + ":" + std::to_string(port));
+    return bound;
+}
+
+void HttpsListener::start() {
+    impl_->thread = std::thread([this] { impl_->server.listen_after_bind(); });
+    // stop() only reaches a server that has begun listening.
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (!impl_->server.is_running() && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+}
+
+void HttpsListener::stop() {
+    if (!impl_) return;
+    impl_->server.stop();
+    if (impl_->thread.joinable()) impl_->thread.join();
+}
+
+}  // namespace morvane::server

@@ -1,0 +1,73 @@
+// Stored records, lists, stamps and the customer roster of each account, in the server database.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "server/db/Database.h"
+
+namespace morvane::server {
+
+using Fields = std::map<std::string, std::string>;
+
+struct StoredItem {
+    std::string itemId;
+    Fields fields;
+};
+
+struct CustomerRow {
+    std::int32_t customerId = 0;
+    std::int32_t inetEnableFlag = 0;
+};
+
+// Where data lives: the account, the customer (0 for office data) and an extra scope text.
+struct Place {
+    std::int64_t account = 0;
+    std::int64_t customer = 0;
+    std::string scope;
+};
+
+class RecordStore {
+  public:
+    explicit RecordStore(Database& db) : db_(db) {}
+
+    // Roster.
+    bool customerExists(std::int64_t account, std::int64_t customer);
+    void createCustomer(std::int64_t account, std::int64_t customer, int inetEnableFlag);
+    // Removes the customer with all its records, lists and stamps.
+    void deleteCustomer(std::int64_t account, std::int64_t customer);
+    std::vector<CustomerRow> customers(std::int64_t account);
+    void setInetEnableFlag(std::int64_t account, std::int64_t customer, int flag);
+    int inetEnableFlag(std::int64_t account, std::int64_t customer);
+    int enabledCount(std::int64_t account);
+
+    // Stamps: the last accepted write per store.
+    void touch(std::int64_t account, std::int64_t customer, const std::string& store,
+               const std::string& stamp);
+    // The latest stamp among `stores`, "" when none was ever written.
+    std::string latestStamp(std::int64_t account, std::int64_t customer,
+                            const std::vector<std::string>& stores);
+
+    // Records: one item under the empty item ID.
+    Fields record(const Place& place, const std::string& store);
+    void updateRecord(const Place& place, const std::string& store,
+                      const std::vector<std::pair<std::string, std::string>>& fields);
+
+    // Lists, in order (order number, then arrival).
+    std::vector<StoredItem> list(const Place& place, const std::string& store);
+    void clearList(const Place& place, const std::string& store);
+    // Adds the item, replacing one with the same item ID.
+    void putItem(const Place& place, const std::string& store, const std::string& itemId,
+                 std::int64_t order,
+                 const std::vector<std::pair<std::string, std::string>>& fields);
+
+  private:
+    std::int64_t itemRow(const Place& place, const std::string& store, const std::string& itemId,
+                         bool create, std::int64_t order);
+    Database& db_;
+};
+
+}  // namespace morvane::server
