@@ -2,6 +2,7 @@
 
 #include <curl/curl.h>
 
+#include <chrono>
 #include <memory>
 #include <mutex>
 
@@ -16,6 +17,26 @@ void GlobalInitOnce() {
 size_t Collect(char* data, size_t size, size_t count, void* user) {
     static_cast<std::string*>(user)->append(data, size * count);
     return size * count;
+}
+
+// Gives up a transfer on which no byte has moved for the stall time-out. curl's own
+// low-speed check averages over several seconds and lets a short stall pass.
+struct StallWatch {
+    std::chrono::steady_clock::time_point lastMove = std::chrono::steady_clock::now();
+    curl_off_t lastDown = 0, lastUp = 0;
+    std::chrono::seconds limit;
+};
+
+int OnProgress(void* user, curl_off_t, curl_off_t dlnow, curl_off_t, curl_off_t ulnow) {
+    auto* watch = static_cast<StallWatch*>(user);
+    const auto now = std::chrono::steady_clock::now();
+    if (dlnow != watch->lastDown || ulnow != watch->lastUp) {
+        watch->lastDown = dlnow;
+        watch->lastUp = ulnow;
+        watch->lastMove = now;
+        return 0;
+    }
+    return now - watch->lastMove > watch->limit ? 1 : 0;
 }
 
 struct EasyDeleter {
@@ -74,8 +95,11 @@ HttpReply HttpClient::Post(const std::string& url, const HttpHeaders& headers,
         curl_easy_setopt(c, CURLOPT_CAPATH, "/etc/ssl/certs");
     }
     curl_easy_setopt(c, CURLOPT_CONNECTTIMEOUT, options_.connectTimeoutSeconds);
-    curl_easy_setopt(c, CURLOPT_LOW_SPEED_LIMIT, 1L);
-    curl_easy_setopt(c, CURLOPT_LOW_SPEED_TIME, options_.stallTimeoutSeconds);
+    StallWatch watch;
+    watch.limit = std::chrono::seconds(options_.stallTimeoutSeconds);
+    curl_easy_setopt(c, CURLOPT_XFERINFOFUNCTION, OnProgress);
+    curl_easy_setopt(c, CURLOPT_XFERINFODATA, &watch);
+    curl_easy_setopt(c, CURLOPT_NOPROGRESS, 0L);
     curl_easy_setopt(c, CURLOPT_FOLLOWLOCATION, 0L);
     curl_easy_setopt(c, CURLOPT_PROTOCOLS_STR, "https,http");
 

@@ -1,0 +1,87 @@
+// The settings key on disk: text values, sharing between store instances (and so between
+// processes), the file's mode, and writes that never leave a torn file.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fstream>
+
+#include "platform/SettingsStore.h"
+#include "support/TempDir.h"
+
+namespace morvane::test {
+namespace {
+
+using platform::SettingsKey;
+using platform::SettingsStore;
+
+const SettingsKey kKey{"SOFTWARE\\Tolmar\\", "ネルダ", "Morvane"};
+
+TEST(SettingsStoreTest, KeyMapsToOneFileUnderTheConfigFolder) {
+    TempDir dir;
+    SettingsStore store(dir.Path());
+    EXPECT_EQ(store.FileFor(kKey), dir.Path() / "Tolmar" / "ネルダ" / "Morvane.conf");
+    EXPECT_TRUE(store.Write(kKey, "ServerName", "backup.example.jp"));
+    struct stat st {};
+    ASSERT_EQ(::stat(store.FileFor(kKey).c_str(), &st), 0);
+    EXPECT_EQ(st.st_mode & 0777, 0600u);
+}
+
+TEST(SettingsStoreTest, ValuesRoundTripAndMissingOnesAreAbsent) {
+    TempDir dir;
+    SettingsStore store(dir.Path());
+    EXPECT_FALSE(store.Read(kKey, "Param2").has_value());
+    const std::string odd = "line1\nline2\\x = y\r 日本語 ";
+    EXPECT_TRUE(store.Write(kKey, "Odd", odd));
+    EXPECT_TRUE(store.Write(kKey, "Empty", ""));
+    EXPECT_EQ(store.Read(kKey, "Odd"), odd);
+    EXPECT_EQ(store.Read(kKey, "Empty"), "");
+    EXPECT_FALSE(store.Write(kKey, "bad=name", "x"));
+}
+
+TEST(SettingsStoreTest, SecondInstanceSeesEveryWriteAtOnce) {
+    TempDir dir;
+    SettingsStore first(dir.Path());
+    SettingsStore second(dir.Path());
+    ASSERT_TRUE(first.Write(kKey, "Param2", "TOKEN-1"));
+    EXPECT_EQ(second.Read(kKey, "Param2"), "TOKEN-1");
+    ASSERT_TRUE(second.Write(kKey, "Param2", "TOKEN-2"));
+    EXPECT_EQ(first.Read(kKey, "Param2"), "TOKEN-2");
+}
+
+TEST(SettingsStoreTest, ConcurrentProcessesLoseNoValue) {
+    TempDir dir;
+    constexpr int kChildren = 4, kWrites = 25;
+    std::vector<pid_t> children;
+    for (int c = 0; c < kChildren; ++c) {
+        const pid_t pid = ::fork();
+        ASSERT_GE(pid, 0);
+        if (pid == 0) {
+            SettingsStore store(dir.Path());
+            bool ok = true;
+            for (int i = 0; i < kWrites; ++i)
+                ok = store.Write(kKey, "V" + std::to_string(c) + "_" + std::to_string(i), "x") && ok;
+            ::_exit(ok ? 0 : 1);
+        }
+        children.push_back(pid);
+    }
+    for (pid_t pid : children) {
+        int status = 0;
+        ::waitpid(pid, &status, 0);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    }
+    EXPECT_EQ(SettingsStore(dir.Path()).ReadAll(kKey).size(),
+              static_cast<size_t>(kChildren * kWrites));
+}
+
+TEST(SettingsStoreTest, UnwritableFolderFailsQuietly) {
+    TempDir dir;
+    std::ofstream(dir.Path() / "Tolmar") << "a file where a folder should be";
+    SettingsStore store(dir.Path());
+    EXPECT_FALSE(store.Write(kKey, "ServerName", "x"));
+    EXPECT_FALSE(store.Read(kKey, "ServerName").has_value());
+}
+
+}  // namespace
+}  // namespace morvane::test

@@ -1,0 +1,74 @@
+// The raw exchange: URL composition, the cached server name, request body starts, the
+// token shared through the settings store, and the one escaping routine.
+#include <gtest/gtest.h>
+
+#include "platform/SettingsStore.h"
+#include "session/ProcessState.h"
+#include "session/mdlLogin.h"
+#include "session/mdlRegConstMorvane.h"
+#include "support/MorvaneTest.h"
+#include "transport/RequestBody.h"
+#include "transport/mdlServerCommon.h"
+#include "transport/mdlServerReply.h"
+
+namespace morvane::test {
+namespace {
+
+class ExchangeTest : public MorvaneTest {};
+
+TEST_F(ExchangeTest, ServerNameIsReadOnceAndTrimmed) {
+    SetSetting(reg::kServerName, "  backup.example.jp ");
+    State().serverName.reset();
+    EXPECT_EQ(GetServerBaseURL(), "https://backup.example.jp/");
+    SetSetting(reg::kServerName, "other.example.jp");
+    EXPECT_EQ(GetServerName(), "backup.example.jp");  // a restart is needed
+}
+
+TEST_F(ExchangeTest, EmptyServerNameFailsInSilenceAndTheCheckTells) {
+    SetSetting(reg::kServerName, "");
+    State().serverName.reset();
+    EXPECT_EQ(GetServerBaseURL(), "https:///");
+    EXPECT_EQ(PostToServer("login.php", "x=1&"), "");
+    EXPECT_TRUE(kit_->Boxes().empty());
+    EXPECT_EQ(SendRequest("login.php", "x=1&"), "");
+    EXPECT_EQ(kit_->Boxes().size(), 1u);
+}
+
+TEST_F(ExchangeTest, BodiesCarryIdAndTheTokenReadAnew) {
+    LogIn("T1");
+    EXPECT_EQ(UpperBody(), "ID=user1&token=T1&");
+    EXPECT_EQ(UpperCustomerBody(42), "ID=user1&token=T1&CustomerID=42&");
+    EXPECT_EQ(LowerCustomerBody(-3), "id=user1&token=T1&CustomerID=-3&");
+    EXPECT_EQ(LowerMasterBody(5), "id=user1&token=T1&MasterID=5&");
+    EXPECT_EQ(FileBody(42, "/data/決算 2024&a.pdf"),
+              "ID=user1&token=T1&CustomerID=42&FileName=決算 2024&a.pdf&");
+    // Another process wrote a newer token: the next body takes it.
+    platform::SettingsStore other(State().Settings().Root());
+    other.Write({reg::kBasePath, reg::kApplication, reg::kSection}, reg::kParam2, "T-OTHER");
+    EXPECT_EQ(UpperBody(), "ID=user1&token=T-OTHER&");
+}
+
+TEST_F(ExchangeTest, TokenRotatesThroughTheStoreAndIsSeenByASecondStore) {
+    LogIn("T1");
+    server_->OnSequence("master/getKessanTaioh.php", {Envelope(1, "T2"), Envelope(1, "T3")});
+    ASSERT_NE(SendRequest("master/getKessanTaioh.php", UpperBody()), "");
+    ASSERT_NE(SendRequest("master/getKessanTaioh.php", UpperBody()), "");
+    const auto requests = server_->RequestsTo("master/getKessanTaioh.php");
+    ASSERT_EQ(requests.size(), 2u);
+    EXPECT_EQ(requests[0].body, "ID=user1&token=T1&");
+    EXPECT_EQ(requests[1].body, "ID=user1&token=T2&");
+    platform::SettingsStore second(State().Settings().Root());
+    EXPECT_EQ(second.Read({reg::kBasePath, reg::kApplication, reg::kSection}, reg::kParam2), "T3");
+}
+
+TEST(EncodeURIValueTest, KeepsItsSetAndEscapesTheRestAsUtf8) {
+    EXPECT_EQ(EncodeURIValue(""), "");
+    EXPECT_EQ(EncodeURIValue("AZaz09-_.!~*'();,/?:@&=+$#"), "AZaz09-_.!~*'();,/?:@&=+$#");
+    EXPECT_EQ(EncodeURIValue("a b%\"<>\\^`{|}"), "a%20b%25%22%3C%3E%5C%5E%60%7B%7C%7D");
+    EXPECT_EQ(EncodeURIValue("決算書.pdf"), "%E6%B1%BA%E7%AE%97%E6%9B%B8.pdf");
+    EXPECT_EQ(EncodeURIValue("ｱ"), "%EF%BD%B1");
+    EXPECT_EQ(EncodeURIValue("\r\n"), "%0D%0A");
+}
+
+}  // namespace
+}  // namespace morvane::test

@@ -1,0 +1,188 @@
+// The judgement of replies: each flags value, what it does to the login state and token,
+// and the boxes the user sees, all through the real HTTPS exchange.
+#include <gtest/gtest.h>
+
+#include "session/ProcessState.h"
+#include "session/mdlLogin.h"
+#include "session/mdlRegConstMorvane.h"
+#include "support/MorvaneTest.h"
+#include "transport/frmSendRequestProgress.h"
+#include "transport/mdlServerReply.h"
+
+namespace morvane::test {
+namespace {
+
+using forms::MsgIcon;
+
+class ReplyCheckTest : public MorvaneTest {
+protected:
+    // Posts a judged request to a page answering `reply` and gives SendRequest's result.
+    std::string Send(const std::string& reply) {
+        server_->On("customer/getCompKihon.php", reply);
+        return SendRequest("customer/getCompKihon.php", "ID=user1&token=T1&CustomerID=7&");
+    }
+};
+
+TEST_F(ReplyCheckTest, FlagsOneKeepsLoginAndRotatesToken) {
+    LogIn("T1");
+    const std::string reply = Envelope(1, "T2", "<Customer><CustomerID>7</CustomerID></Customer>");
+    EXPECT_EQ(Send(reply), reply);
+    EXPECT_EQ(GetLoginState(), 1);
+    EXPECT_EQ(GetLoginToken(), "T2");
+    EXPECT_TRUE(kit_->Boxes().empty());
+    EXPECT_TRUE(kit_->ShownForms().empty());  // the plain routine shows no form
+}
+
+TEST_F(ReplyCheckTest, FlagsZeroResetsSilentlyAndAsksForLoginWithoutOwner) {
+    LogIn("T1");
+    EXPECT_EQ(Send(Envelope(0, "")), "");
+    EXPECT_EQ(GetLoginState(), 0);
+    EXPECT_EQ(GetLoginID(), "");
+    EXPECT_TRUE(kit_->Boxes().empty());
+}
+
+TEST_F(ReplyCheckTest, FlagsMinusOneWithTokenTellsAndStaysLoggedIn) {
+    LogIn("T1");
+    EXPECT_EQ(Send(Envelope(-1, "T3")), "");
+    EXPECT_EQ(GetLoginState(), 1);
+    EXPECT_EQ(GetLoginToken(), "T3");
+    ASSERT_EQ(kit_->Boxes().size(), 1u);
+    EXPECT_EQ(kit_->Boxes()[0].text, "データの通信に失敗しました。　");
+    EXPECT_EQ(kit_->Boxes()[0].title, "サーバー通信エラー");
+    EXPECT_EQ(kit_->Boxes()[0].icon, MsgIcon::Exclamation);
+}
+
+TEST_F(ReplyCheckTest, FlagsMinusOneWithoutTokenEndsTheLogin) {
+    LogIn("T1");
+    EXPECT_EQ(Send(Envelope(-1, "")), "");
+    EXPECT_EQ(GetLoginState(), 0);
+    EXPECT_EQ(GetLoginToken(), "");  // the empty token is stored too
+    ASSERT_EQ(kit_->Boxes().size(), 1u);
+    EXPECT_EQ(kit_->Boxes()[0].text, "データの通信に失敗しました。　");
+}
+
+TEST_F(ReplyCheckTest, FlagsMinusTwoTellsOfTheLock) {
+    LogIn("T1");
+    EXPECT_EQ(Send(Envelope(-2, "T4")), "");
+    EXPECT_EQ(GetLoginState(), 1);
+    ASSERT_EQ(kit_->Boxes().size(), 1u);
+    EXPECT_EQ(kit_->Boxes()[0].text,
+              "データをロックできないため、サーバーのデータを更新できませんでした。　\r\n"
+              "他のユーザーが同じデータを編集している可能性があります。");
+    EXPECT_EQ(kit_->Boxes()[0].title, "サーバーデータの更新");
+    EXPECT_EQ(kit_->Boxes()[0].icon, MsgIcon::Exclamation);
+
+    kit_->ClearRecords();
+    EXPECT_EQ(Send(Envelope(-2, "")), "");
+    EXPECT_EQ(GetLoginState(), 0);
+    EXPECT_EQ(kit_->Boxes().size(), 1u);
+}
+
+TEST_F(ReplyCheckTest, OtherFlagsStayAsSentWithoutAWord) {
+    LogIn("T1");
+    EXPECT_EQ(Send(Envelope(5, "T5")), "");
+    EXPECT_EQ(GetLoginState(), 5);
+    EXPECT_EQ(GetLoginToken(), "T5");
+    EXPECT_TRUE(kit_->Boxes().empty());
+}
+
+TEST_F(ReplyCheckTest, UnreadableRepliesTellOnceAndReset) {
+    const std::string kThreeLines =
+        "データの通信に失敗しました。　\r\n"
+        "インターネットに接続されているかご確認ください。　\r\n"
+        "また、ソラスタを再起動してみてください。　";
+    for (const std::string& reply :
+         {std::string(), std::string("<root><system><flags>1</flags>"),
+          std::string("<root><flags>1</flags><token>x</token></root>"),
+          std::string("<root><system><flags>1</flags><flags>1</flags><token>x</token></system></root>"),
+          std::string("not xml at all")}) {
+        LogIn("T1");
+        EXPECT_EQ(Send(reply), "") << reply;
+        EXPECT_EQ(GetLoginState(), 0) << reply;
+        EXPECT_EQ(GetLoginToken(), "T1") << reply;  // the store keeps the last token
+        ASSERT_EQ(kit_->Boxes().size(), 1u) << reply;
+        EXPECT_EQ(kit_->Boxes()[0].text, kThreeLines);
+        EXPECT_EQ(kit_->Boxes()[0].title, "サーバー通信エラー");
+    }
+}
+
+TEST_F(ReplyCheckTest, DeadServerIsAnEmptyReplyNotAHang) {
+    LogIn("T1");
+    server_.reset();  // nothing listens on the port any more
+    EXPECT_EQ(SendRequest("customer/getCompKihon.php", "ID=user1&token=T1&"), "");
+    EXPECT_EQ(GetLoginState(), 0);
+    EXPECT_EQ(kit_->Boxes().size(), 1u);
+}
+
+TEST_F(ReplyCheckTest, StalledServerIsGivenUp) {
+    LogIn("T1");
+    platform::HttpOptions http = State().HttpOptions();
+    http.stallTimeoutSeconds = 1;
+    State().SetHttpOptions(http);
+    server_->On("customer/getCompKihon.php", [](const RecordedRequest&) {
+        PageReply r{Envelope(1, "T9")};
+        r.delay = std::chrono::milliseconds(3000);
+        return r;
+    });
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(SendRequest("customer/getCompKihon.php", "ID=user1&token=T1&"), "");
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(2900));
+    EXPECT_EQ(GetLoginState(), 0);
+}
+
+TEST_F(ReplyCheckTest, UntrustedCertificateIsRefused) {
+    LogIn("T1");
+    platform::HttpOptions http = State().HttpOptions();
+    http.caFile = (temp_.Path() / "missing.pem").string();
+    State().SetHttpOptions(http);
+    server_->On("customer/getCompKihon.php", Envelope(1, "T2"));
+    EXPECT_EQ(SendRequest("customer/getCompKihon.php", "ID=user1&token=T1&"), "");
+    EXPECT_EQ(GetLoginState(), 0);
+}
+
+TEST_F(ReplyCheckTest, ProgressFormRunsTheExchangeOnceUnlessTheOptionIsOne) {
+    LogIn("T1");
+    server_->On("customer/getCompKihon.php", Envelope(1, "T2", "<x/>"));
+    EXPECT_NE(SendRequestProgress("customer/getCompKihon.php", "ID=a&", "", nullptr), "");
+    ASSERT_EQ(kit_->ShownForms().size(), 1u);
+    EXPECT_EQ(kit_->ShownForms()[0].form, "frmSendRequestProgress");
+    EXPECT_EQ(server_->RequestsTo("customer/getCompKihon.php").size(), 1u);
+    EXPECT_TRUE(kit_->Unanswered().empty());  // it hid itself
+
+    // An empty body sends nothing.
+    EXPECT_EQ(SendRequestProgress("customer/getCompKihon.php", "", "", nullptr), "");
+    EXPECT_EQ(server_->RequestsTo("customer/getCompKihon.php").size(), 1u);
+
+    kit_->ClearRecords();
+    State().objectUsage = 1;
+    EXPECT_NE(SendRequestProgress("customer/getCompKihon.php", "ID=a&", "", nullptr), "");
+    EXPECT_TRUE(kit_->ShownForms().empty());
+}
+
+TEST_F(ReplyCheckTest, ProgressFormLabelKeepsItsReversedRule) {
+    frmSendRequestProgress form(State().Toolkit());
+    form.ShowMsgString("");
+    EXPECT_EQ(form.Get<forms::Label>("lblInfo").Text(), "モルヴェインサーバーと通信しています・・・");
+    form.ShowMsgString("anything");
+    EXPECT_EQ(form.Get<forms::Label>("lblInfo").Text(), "");
+    EXPECT_EQ(form.Caption(), "モルヴェインサーバーと通信中");
+}
+
+TEST_F(ReplyCheckTest, ConnectionTestKeepsTheSessionAsItWas) {
+    LogIn("T1");
+    server_->On("login.php", LoginReply(1, "OTHER"));
+    const std::string url = "https://" + server_->HostName() + "/login.php";
+    EXPECT_TRUE(TestConnection(url, "C-9", "u9", "p9"));
+    EXPECT_EQ(server_->RequestsTo("login.php").back().body, "no=C-9&ID=u9&PW=p9&");
+    EXPECT_EQ(GetLoginToken(), "T1");
+    EXPECT_EQ(GetLoginState(), 1);
+
+    server_->On("login.php", LoginReply(2, "OTHER"));
+    EXPECT_FALSE(TestConnection(url, "C-9", "u9", "p9"));
+    server_->On("login.php", "<r><system><flags>1</flags></system></r>");
+    EXPECT_FALSE(TestConnection(url, "C-9", "u9", "p9"));
+    EXPECT_FALSE(TestConnection("https://127.0.0.1:1/login.php", "C", "u", "p"));
+}
+
+}  // namespace
+}  // namespace morvane::test
