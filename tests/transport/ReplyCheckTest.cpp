@@ -33,7 +33,7 @@ TEST_F(ReplyCheckTest, FlagsOneKeepsLoginAndRotatesToken) {
     EXPECT_TRUE(kit_->ShownForms().empty());  // the plain routine shows no form
 }
 
-TEST_F(ReplyCheckTest, FlagsZeroResetsSilentlyAndAsksForLoginWithoutOwner) {
+TEST_F(ReplyCheckTest, FlagsZeroEndsTheLoginWithoutAWord) {
     LogIn("T1");
     EXPECT_EQ(Send(Envelope(0, "")), "");
     EXPECT_EQ(GetLoginState(), 0);

@@ -1,0 +1,56 @@
+// Members by name: lookup, typed arguments, and the errors of a wrong call.
+#include <gtest/gtest.h>
+
+#include "session/DispatchTable.h"
+#include "session/ProcessState.h"
+#include "support/MorvaneTest.h"
+
+namespace morvane::test {
+namespace {
+
+class DispatchTableTest : public MorvaneTest {};
+
+TEST_F(DispatchTableTest, SessionMembersAreCallableByName) {
+    const DispatchTable& table = DispatchTable::Instance();
+    for (const char* name :
+         {"setObjectUsage", "LoginState", "SetDisableMorvane", "LoginAccountUserName",
+          "LoginAccountContractorName", "LoginAccountContractBegin", "LoginAccountContractEnd",
+          "LoginAccountSharedCount", "LoginAccountMaxCustomer"})
+        EXPECT_NE(table.Find(name), nullptr) << name;
+
+    ctrlMorvane obj;
+    table.Invoke(obj, "SETOBJECTUSAGE", {{Value("1")}});
+    EXPECT_EQ(State().objectUsage, 1);
+    table.Invoke(obj, "SetDisableMorvane", {});
+    EXPECT_EQ(table.Invoke(obj, "LoginState", {}), Value(std::int32_t{99}));
+    EXPECT_EQ(table.Invoke(obj, "LoginAccountMaxCustomer", {}), Value("0"));
+
+    const DispatchMember* m = table.Find("setObjectUsage");
+    ASSERT_EQ(m->params.size(), 1u);
+    EXPECT_EQ(m->params[0].first, "n");
+    EXPECT_EQ(m->params[0].second, ArgType::Long);
+    EXPECT_FALSE(m->result.has_value());
+    EXPECT_TRUE(table.Find("LoginState")->property);
+}
+
+TEST_F(DispatchTableTest, WrongCallsAreNumberedErrors) {
+    const DispatchTable& table = DispatchTable::Instance();
+    ctrlMorvane obj;
+    auto number = [&](std::string_view name, std::vector<DispatchArg> args) {
+        try {
+            table.Invoke(obj, name, args);
+        } catch (const RuntimeError& e) {
+            return e.Number();
+        }
+        return 0;
+    };
+    EXPECT_EQ(number("NoSuchMember", {}), 438);
+    EXPECT_EQ(number("setObjectUsage", {}), 450);
+    EXPECT_EQ(number("setObjectUsage", {{Value("abc")}}), 13);
+    EXPECT_EQ(number("setObjectUsage", {{Value("99999999999")}}), 6);
+    EXPECT_EQ(number("setObjectUsage", {{Value(" 2 ")}}), 0);
+    EXPECT_EQ(State().objectUsage, 2);
+}
+
+}  // namespace
+}  // namespace morvane::test
