@@ -1,0 +1,107 @@
+#include "ServerFixture.h"
+
+#include <httplib.h>
+#include <stdlib.h>
+
+namespace morvane::server::testing {
+
+Reply::Reply(std::string body) : text(std::move(body)) {
+    parsed = static_cast<bool>(doc.load_string(text.c_str()));
+}
+
+int Reply::flags() const {
+    auto node = doc.document_element().child("system").child("flags");
+    return node ? std::stoi(node.text().get()) : -99;
+}
+
+std::string Reply::token() const {
+    return doc.document_element().child("system").child("token").text().get();
+}
+
+pugi::xml_node Reply::payload(const char* name) const {
+    return doc.document_element().child(name);
+}
+
+void ServerTest::SetUp() {
+    std::string pattern =
+        (std::filesystem::temp_directory_path() / "morvane-server-XXXXXX").string();
+    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
+    dir_ = pattern;
+    clock_ = std::make_shared<ManualClock>();
+    options_.dataDir = dir_ / "data";
+    options_.clock = clock_;
+    options_.maxUploadBytes = 64 * 1024;
+    startServer();
+}
+
+void ServerTest::startServer() {
+    server_ = std::make_unique<MorvaneServer>(options_);
+    server_->start();
+    AccountFields account;
+    account.contractNo = "K100";
+    account.contractorName = "テスト建設";
+    account.contractBegin = "2024/04/01";
+    account.contractEnd = "2025/03/31";
+    account.sharedCount = 2;
+    account.maxCustomer = 3;
+    server_->createAccount(account);
+    server_->addUser("K100", "u1", "secret", "山田");
+    server_->addUser("K100", "u2", "other", "佐藤");
+}
+
+void ServerTest::TearDown() {
+    server_.reset();
+    std::error_code ec;
+    std::filesystem::remove_all(dir_, ec);
+}
+
+std::string ServerTest::rawPost(const std::string& path, const std::string& body,
+                                const std::multimap<std::string, std::string>& headers) {
+    httplib::SSLClient client("127.0.0.1", server_->port());
+    client.set_ca_cert_path(server_->certFile().c_str());
+    client.enable_server_certificate_verification(true);
+    httplib::Headers h;
+    for (const auto& [k, v] : headers) h.emplace(k, v);
+    auto res = client.Post(("/" + path).c_str(), h, body, "application/x-www-form-urlencoded");
+    if (!res) {
+        ADD_FAILURE() << "no reply from " << path;
+        return {};
+    }
+    return res->body;
+}
+
+Login ServerTest::login(const std::string& userId, const std::string& password) {
+    Reply r = post("login.php", "no=K100&ID=" + userId + "&PW=" + password + "&");
+    EXPECT_EQ(r.flags(), 1) << r.text;
+    return {userId, r.token()};
+}
+
+Reply ServerTest::call(Login& login, const std::string& path, const std::string& rest,
+                       const char* idKey) {
+    Reply r =
+        post(path, std::string(idKey) + "=" + login.userId + "&token=" + login.token + "&" + rest);
+    if (r.doc.document_element().child("system")) login.token = r.token();
+    return r;
+}
+
+Reply ServerTest::uploadFile(Login& login, const std::string& kind, int customer,
+                             const std::string& encodedName, const std::string& bytes) {
+    Reply r(rawPost("customer/set" + kind + "File.php", bytes,
+                    {{"CMD", "post"},
+                     {"USERID", login.userId},
+                     {"TOKEN", login.token},
+                     {"CUSTOMERID", std::to_string(customer)},
+                     {"FILENAME", encodedName}}));
+    if (r.doc.document_element().child("system")) login.token = r.token();
+    return r;
+}
+
+void ServerTest::createCustomer(Login& login, int customer, const std::string& code) {
+    Reply r = call(login, "customer/createCompKihon.php",
+                   "CustomerID=" + std::to_string(customer) + "&Code=" + code +
+                       "&CorpName0=名前&CorpKanaS=ナ&CorpKana0=ナ&",
+                   "id");
+    ASSERT_EQ(r.flags(), 1) << r.text;
+}
+
+}  // namespace morvane::server::testing

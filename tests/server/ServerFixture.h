@@ -1,0 +1,65 @@
+// Runs a real server on 127.0.0.1 over HTTPS in a temporary data folder, with a clock the test
+// moves, and posts to it the way the client does.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <pugixml.hpp>
+
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "server/MorvaneServer.h"
+
+namespace morvane::server::testing {
+
+// A parsed reply with the few look-ups the tests need.
+struct Reply {
+    std::string text;
+    pugi::xml_document doc;
+    bool parsed = false;
+
+    explicit Reply(std::string body);
+    int flags() const;
+    std::string token() const;
+    // The first element of the root with this name (exact case).
+    pugi::xml_node payload(const char* name) const;
+};
+
+// One user's login, carrying the token from reply to reply as the client does.
+struct Login {
+    std::string userId;
+    std::string token;
+};
+
+class ServerTest : public ::testing::Test {
+  protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    // Starts the server with the options as they stand (SetUp calls it once).
+    void startServer();
+
+    std::string rawPost(const std::string& path, const std::string& body,
+                        const std::multimap<std::string, std::string>& headers = {});
+    Reply post(const std::string& path, const std::string& body) {
+        return Reply(rawPost(path, body));
+    }
+    // Logs in; fails the test when the login is refused.
+    Login login(const std::string& userId = "u1", const std::string& password = "secret");
+    // Posts "ID=<id>&token=<token>&" + rest with the login's token and keeps the new token.
+    Reply call(Login& login, const std::string& path, const std::string& rest,
+               const char* idKey = "ID");
+    Reply uploadFile(Login& login, const std::string& kind, int customer,
+                     const std::string& encodedName, const std::string& bytes);
+
+    void createCustomer(Login& login, int customer, const std::string& code = "C");
+
+    std::filesystem::path dir_;
+    std::shared_ptr<ManualClock> clock_;
+    ServerOptions options_;
+    std::unique_ptr<MorvaneServer> server_;
+};
+
+}  // namespace morvane::server::testing
