@@ -11,6 +11,7 @@ constexpr std::int32_t kWrongArgCount = 450;
 DispatchTable Build() {
     DispatchTable table;
     RegisterSessionMembers(table);
+    RegisterLoginMembers(table);
     return table;
 }
 

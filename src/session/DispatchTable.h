@@ -175,5 +175,6 @@ void DispatchTable::Property(std::string name, R (ctrlMorvane::*fn)() const) {
 
 // Each family of members registers itself here; the table calls them all once.
 void RegisterSessionMembers(DispatchTable& table);
+void RegisterLoginMembers(DispatchTable& table);
 
 }  // namespace morvane

@@ -34,6 +34,15 @@ public:
     std::string LoginAccountSharedCount() const;
     std::string LoginAccountMaxCustomer() const;
 
+    // ---- Login dialog, keep-alive timer, login hand-over and settings dialog
+    std::int32_t ShowLogin(forms::Form* OwnerForm);
+    void StartLoginTimer(bool bMust);
+    std::int32_t RegLoginInfoToPrefCustom();
+    std::int32_t ClearLoginInfoToPrefCustom();
+    std::int32_t GetLoginInfoFromPrefCustom();
+    std::int32_t ShowSetting(forms::Form* OwnerForm);
+    std::int32_t ShowInfo(forms::Form* OwnerForm);
+
 private:
     // Worker slots, one per kind, added with the members that fill them.
 };

@@ -5,6 +5,8 @@
 
 #include "platform/Xml.h"
 #include "session/ProcessState.h"
+#include "session/frmLogin.h"
+#include "session/frmLoginTimer.h"
 #include "session/mdlErrTrap.h"
 #include "session/mdlRegConstMorvane.h"
 #include "session/mdlRegControlMorvane.h"
@@ -112,12 +114,26 @@ bool DoLogin(std::string_view id, std::string_view password, std::string_view co
     } catch (...) {
         CaptureError(std::current_exception());
     }
+    try {
+        // Created even after a failed login: its first refresh stops it then.
+        RunLoginTimer(false);
+    } catch (...) {
+        CaptureError(std::current_exception());
+    }
     ErrTrap();
     return result;
 }
 
-std::int32_t ShowLoginDlg(forms::Form* /*owner*/, std::int32_t /*showtype*/) {
-    // The login dialog is not part of the component yet: nobody can be asked.
+std::int32_t ShowLoginDlg(forms::Form* owner, std::int32_t showtype) {
+    try {
+        frmLogin form(State().Toolkit());
+        form.SetShowtype(showtype);
+        form.Load();
+        form.ShowModal(owner);
+    } catch (...) {
+        CaptureError(std::current_exception());
+        ErrTrap();
+    }
     return GetLoginState();
 }
 

@@ -37,6 +37,11 @@ bool ParseLoginAccount(std::string_view reply);
 
 // Shows the login dialog and gives the login state after it closed.
 std::int32_t ShowLoginDlg(forms::Form* owner, std::int32_t showtype);
+// Shows the settings dialog and unloads it; always 0.
+std::int32_t ShowSettingDlg(forms::Form* owner);
+// Creates and loads the keep-alive timer if none runs (refreshing at once only when must is
+// set); refreshes at once on a running one.
+void RunLoginTimer(bool must);
 // Stops and drops the keep-alive timer, if one runs.
 void StopLoginTimer();
 

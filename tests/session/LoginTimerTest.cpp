@@ -1,0 +1,129 @@
+// The login keep-alive: ticks counted by hand, the refresh on every 20th, the counter's wrap,
+// and the timer stopping itself once the login is gone.
+#include <gtest/gtest.h>
+
+#include "session/ProcessState.h"
+#include "session/ctrlMorvane.h"
+#include "session/frmLoginTimer.h"
+#include "session/mdlLogin.h"
+#include "support/MorvaneTest.h"
+
+namespace morvane::test {
+namespace {
+
+constexpr const char* kPage = "master/getKessanTaioh.php";
+
+class LoginTimerTest : public MorvaneTest {
+  protected:
+    void SetUp() override {
+        MorvaneTest::SetUp();
+        server_->On(kPage, Envelope(1, "T2"));
+    }
+    frmLoginTimer& Timer() {
+        auto* t = dynamic_cast<frmLoginTimer*>(State().loginTimer.get());
+        EXPECT_NE(t, nullptr);
+        return *t;
+    }
+    bool Tick() { return kit_->FireTimer("frmLoginTimer", "tmr"); }
+    size_t Refreshes() { return server_->RequestsTo(kPage).size(); }
+
+    ctrlMorvane obj_;
+};
+
+TEST_F(LoginTimerTest, LoginStartsATimerThatRefreshesOnEveryTwentiethTick) {
+    LogIn("T1");
+    for (int i = 0; i < 19; ++i) ASSERT_TRUE(Tick());
+    EXPECT_EQ(Refreshes(), 0u);
+    ASSERT_TRUE(Tick());
+    ASSERT_EQ(Refreshes(), 1u);
+    EXPECT_EQ(server_->RequestsTo(kPage)[0].body, "ID=user1&token=T1&");
+    // The reply renewed the token; the next refresh carries it.
+    for (int i = 0; i < 20; ++i) ASSERT_TRUE(Tick());
+    ASSERT_EQ(Refreshes(), 2u);
+    EXPECT_EQ(server_->RequestsTo(kPage)[1].body, "ID=user1&token=T2&");
+    EXPECT_EQ(Timer().Counter(), 40);
+}
+
+TEST_F(LoginTimerTest, CounterWrapsAfterTwoBillion) {
+    LogIn();
+    Timer().SetCounter(frmLoginTimer::kCounterLimit - 1);
+    ASSERT_TRUE(Tick());
+    // Exactly 2000000000 is kept, and divisible by 20.
+    EXPECT_EQ(Timer().Counter(), 2000000000);
+    EXPECT_EQ(Refreshes(), 1u);
+    ASSERT_TRUE(Tick());
+    EXPECT_EQ(Timer().Counter(), -1);
+    EXPECT_EQ(Refreshes(), 1u);
+    ASSERT_TRUE(Tick());
+    EXPECT_EQ(Timer().Counter(), 0);  // 0 after the wrap counts as a twentieth tick
+    EXPECT_EQ(Refreshes(), 2u);
+}
+
+TEST_F(LoginTimerTest, StopsItselfAfterSetDisableMorvane) {
+    LogIn();
+    obj_.SetDisableMorvane();
+    Timer().SetCounter(19);
+    ASSERT_TRUE(Tick());
+    EXPECT_EQ(Refreshes(), 0u);
+    EXPECT_FALSE(kit_->TimerLive("frmLoginTimer", "tmr"));
+    // The form stays until the login is reset; nothing restarts its timer.
+    EXPECT_NE(State().loginTimer, nullptr);
+    obj_.StartLoginTimer(false);
+    EXPECT_FALSE(kit_->TimerLive("frmLoginTimer", "tmr"));
+}
+
+TEST_F(LoginTimerTest, FailedLoginLeavesATimerThatStopsAtItsTwentiethTick) {
+    server_->On("login.php", LoginReply(3, "X", false));
+    EXPECT_FALSE(DoLogin("user1", "pw", "C-1001"));
+    for (int i = 0; i < 19; ++i) ASSERT_TRUE(Tick());
+    EXPECT_TRUE(Tick());
+    EXPECT_FALSE(Tick());
+    EXPECT_EQ(Refreshes(), 0u);
+}
+
+TEST_F(LoginTimerTest, StartLoginTimerCreatesOrRefreshes) {
+    SetLoginState(1);
+    obj_.StartLoginTimer(false);  // no timer yet: only created
+    EXPECT_TRUE(kit_->TimerLive("frmLoginTimer", "tmr"));
+    EXPECT_EQ(Refreshes(), 0u);
+    obj_.StartLoginTimer(false);  // a running one refreshes at once
+    EXPECT_EQ(Refreshes(), 1u);
+    EXPECT_EQ(Timer().Counter(), 0);
+
+    StopLoginTimer();
+    EXPECT_EQ(State().loginTimer, nullptr);
+    EXPECT_FALSE(Tick());
+    obj_.StartLoginTimer(true);  // a new one with must: created and refreshed
+    EXPECT_EQ(Refreshes(), 2u);
+}
+
+TEST_F(LoginTimerTest, ExpiryDuringTheRefreshOpensTheLoginDialog) {
+    LogIn("T1");
+    server_->On(kPage, Envelope(0, ""));
+    server_->On("login.php", LoginReply(1, "T9"));
+    kit_->OnShow("frmLogin", [](forms::Form& f) {
+        f.Get<forms::TextBox>("txtUID").SetText("user1");
+        f.Get<forms::TextBox>("txtPWD").SetText("pw");
+        f.Get<forms::Button>("cmdLogin").Click();
+    });
+    Timer().SetCounter(19);
+    // The reply check drops the ticking form and the new login makes a fresh one.
+    ASSERT_TRUE(Tick());
+    EXPECT_EQ(GetLoginState(), 1);
+    EXPECT_EQ(GetLoginToken(), "T9");
+    EXPECT_EQ(Timer().Counter(), 0);
+    EXPECT_TRUE(kit_->TimerLive("frmLoginTimer", "tmr"));
+}
+
+TEST_F(LoginTimerTest, ObjectEndStopsTheTimer) {
+    {
+        ctrlMorvane host;
+        LogIn();
+        EXPECT_TRUE(kit_->TimerLive("frmLoginTimer", "tmr"));
+    }
+    EXPECT_EQ(State().loginTimer, nullptr);
+    EXPECT_FALSE(Tick());
+}
+
+}  // namespace
+}  // namespace morvane::test
