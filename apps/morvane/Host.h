@@ -1,0 +1,20 @@
+// What every command of the command-line host sets up first: where the settings live,
+// which CA to trust, and the toolkit that shows dialogs and boxes on the terminal.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace morvane::cli {
+
+struct HostOptions {
+    std::filesystem::path configDir;  // empty: the user's own configuration folder
+    std::string caFile;               // empty: MORVANE_CA_FILE, else the "CAFile" setting
+};
+
+void PrepareHost(const HostOptions& options);
+
+// Reads a password: a prompt without echo on a terminal, else the first line of stdin.
+std::string ReadPassword(const std::string& prompt);
+
+}  // namespace morvane::cli

@@ -1,0 +1,73 @@
+#include "LoginCommands.h"
+
+#include <ostream>
+
+#include "session/ProcessState.h"
+#include "session/basTextEncrypt.h"
+#include "session/ctrlMorvane.h"
+#include "session/mdlLogin.h"
+#include "session/mdlLoginInfo.h"
+#include "session/mdlRegConstMorvane.h"
+#include "session/mdlRegControlMorvane.h"
+#include "util/Text.h"
+
+namespace morvane::cli {
+namespace {
+
+const char* StateText(int state) {
+    switch (state) {
+        case 0: return "not logged in";
+        case 1: return "logged in";
+        case 2: return "logged in elsewhere";
+        case 99: return "online backup not used";
+        default: return "refused by the server";
+    }
+}
+
+void PrintAccount(const ctrlMorvane& obj, std::ostream& out) {
+    out << "user:        " << obj.LoginAccountUserName() << '\n'
+        << "contractor:  " << obj.LoginAccountContractorName() << '\n'
+        << "contract:    " << obj.LoginAccountContractBegin() << " - "
+        << obj.LoginAccountContractEnd() << '\n'
+        << "shared by:   " << obj.LoginAccountSharedCount() << '\n'
+        << "customers:   up to " << obj.LoginAccountMaxCustomer() << '\n';
+}
+
+}  // namespace
+
+int RunLogin(const LoginRequest& request, std::ostream& out) {
+    ctrlMorvane obj;
+    // As the settings dialog stores them; the server name counts from the next process on,
+    // so this one uses the typed value directly.
+    WriteMorvaneSetting(reg::kEnabledMorvane, "True");
+    WriteMorvaneSetting(reg::kServerName, Trim(request.server));
+    WriteMorvaneSetting(reg::kContractNo, Trim(request.contractNo));
+    WriteMorvaneSetting(reg::kLoginUID, Trim(request.userId));
+    WriteMorvaneSetting(reg::kLoginPWD, request.savePassword ? EncryptText(request.password) : "");
+    WriteMorvaneSetting(reg::kSaveLoginPWD, request.savePassword ? "True" : "False");
+    State().serverName = Trim(request.server);
+    State().contractNo = Trim(request.contractNo);
+
+    DoLogin(Trim(request.userId), request.password, Trim(request.contractNo));
+    const int state = obj.LoginState();
+    out << "login: " << StateText(state) << " (state " << state << ")\n";
+    if (state == 1) {
+        PrintAccount(obj, out);
+        SaveLoginInfo(GetLoginID(), GetLoginToken(), std::to_string(state));
+    }
+    return state;
+}
+
+int RunStatus(std::ostream& out) {
+    ctrlMorvane obj;
+    LoadLoginInfo();
+    const int state = obj.LoginState();
+    out << "server:      " << ReadMorvaneSetting(reg::kServerName) << '\n'
+        << "contract no: " << ReadMorvaneSetting(reg::kContractNo) << '\n'
+        << "user ID:     " << GetLoginID() << '\n'
+        << "login:       " << StateText(state) << " (state " << state << ")\n";
+    if (state == 1) PrintAccount(obj, out);
+    return state == 1 ? 0 : 1;
+}
+
+}  // namespace morvane::cli

@@ -1,0 +1,69 @@
+// morvane: runs the component from the command line: log in, call members, run the demo.
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+
+#include "CallCommand.h"
+#include "DemoCommand.h"
+#include "Host.h"
+#include "LoginCommands.h"
+
+using namespace morvane::cli;
+
+int main(int argc, char** argv) {
+    CLI::App app{"Morvane: online backup of the office's databases and data files"};
+    app.require_subcommand(1);
+    HostOptions host;
+    app.add_option("--config", host.configDir,
+                   "Settings folder (default: $XDG_CONFIG_HOME or ~/.config)");
+    app.add_option("--ca-file", host.caFile,
+                   "PEM file of CA certificates for a private server (also MORVANE_CA_FILE)");
+
+    LoginRequest login;
+    auto* loginCmd = app.add_subcommand("login", "Log in and save the connection settings");
+    loginCmd->add_option("--server", login.server, "Server name, host[:port]")->required();
+    loginCmd->add_option("--contract", login.contractNo, "Contract number")->required();
+    loginCmd->add_option("--user", login.userId, "User ID")->required();
+    loginCmd->add_flag("--save-password", login.savePassword,
+                       "Keep the password (enciphered) for the login dialog");
+
+    auto* statusCmd = app.add_subcommand("status", "Show the login state and the account");
+
+    std::vector<std::string> callWords;
+    bool listMembers = false;
+    auto* callCmd = app.add_subcommand(
+        "call", "Call members by name: MEMBER ARGS... [--then MEMBER ARGS...]");
+    callCmd->add_flag("--list", listMembers, "List the members and their parameters");
+    callCmd->add_option("words", callWords, "Member and arguments");
+    callCmd->prefix_command();
+
+    DemoOptions demo;
+    auto* demoCmd = app.add_subcommand("demo", "Run the whole system against a local server");
+    demoCmd->add_option("--workdir", demo.workDir, "Work folder to use and keep");
+    demoCmd->add_flag("--keep", demo.keep, "Keep the temporary work folder");
+
+    CLI11_PARSE(app, argc, argv);
+    try {
+        if (*demoCmd) return RunDemo(demo, std::cout);
+        PrepareHost(host);
+        if (*loginCmd) {
+            login.password = ReadPassword("Password: ");
+            return RunLogin(login, std::cout) == 1 ? 0 : 1;
+        }
+        if (*statusCmd) return RunStatus(std::cout);
+        if (*callCmd) {
+            if (listMembers) {
+                ListMembers(std::cout);
+                return 0;
+            }
+            // prefix_command leaves the member's words to us, "--then" included.
+            std::vector<std::string> words = callWords;
+            for (const auto& w : callCmd->remaining()) words.push_back(w);
+            return RunCalls(SplitCalls(words), std::cout, std::cerr);
+        }
+    } catch (const std::exception& e) {
+        std::cerr << "morvane: " << e.what() << '\n';
+        return 1;
+    }
+    return 0;
+}
