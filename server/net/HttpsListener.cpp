@@ -19,16 +19,16 @@ struct HttpsListener::Impl {
     Impl(const std::filesystem::path& cert, const std::filesystem::path& key, Handler h, Log l)
         : server(cert.c_str(), key.c_str()), handler(std::move(h)), log(std::move(l)) {}
 
-    void logLine(const httplib::Request& req, int status, std::size_t bytes, int flags,
-                 std::chrono::steady_clock::time_point started) {
+    void logLine(const httplib::Request& req, int status, std::size_t in, std::size_t out,
+                 int flags, std::chrono::steady_clock::time_point started) {
         if (!log) return;
         const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(
                             std::chrono::steady_clock::now() - started)
                             .count();
         log(stampText(std::chrono::system_clock::now()) + " " + req.remote_addr + " " + req.method +
             " " + req.path + " " + std::to_string(status) + " flags=" + std::to_string(flags) +
-            " in=" + std::to_string(req.body.size()) + " out=" + std::to_string(bytes) + " " +
-            std::to_string(ms) + "ms");
+            " in=" + std::to_string(in) + " out=" + std::to_string(out) + " " + std::to_string(ms) +
+            "ms");
     }
 };
 
@@ -44,30 +44,47 @@ HttpsListener::HttpsListener(const std::filesystem::path& certFile,
     server.set_read_timeout(std::chrono::seconds(60));
     server.set_write_timeout(std::chrono::seconds(60));
     Impl* impl = impl_.get();
-    server.Post(R"(/.*)", [impl](const httplib::Request& req, httplib::Response& res) {
+    // The body is taken through a content reader: the plain handler would refuse any
+    // form-encoded body over 8 KiB, and client bodies of large records are longer than that.
+    server.Post(R"(/.*)", [impl, maxBodyBytes](const httplib::Request& req, httplib::Response& res,
+                                               const httplib::ContentReader& reader) {
         const auto started = std::chrono::steady_clock::now();
         HttpRequest request;
         request.path = req.path;
         while (!request.path.empty() && request.path.front() == '/') request.path.erase(0, 1);
-        request.body = req.body;
-        std::map<std::string, std::string> lower;
+        bool tooLarge = false;
+        const bool complete = reader([&](const char* data, std::size_t length) {
+            if (request.body.size() + length > maxBodyBytes) {
+                tooLarge = true;
+                return false;
+            }
+            request.body.append(data, length);
+            return true;
+        });
         for (const auto& [name, value] : req.headers) {
-            std::string n = name;
-            for (char& c : n) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-            lower[n] = value;
+            std::string lower = name;
+            for (char& c : lower)
+                c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+            request.headers[lower] = value;
         }
-        request.headers = std::move(lower);
-        const auto reply = impl->handler(request);
+        if (tooLarge || !complete) {
+            // A body cut short or over the limit is never handed to a page as it is.
+            request.body.clear();
+            request.bodyRefused = true;
+        }
+        const HttpReply reply = impl->handler(request);
         res.status = reply.status;
         res.set_content(reply.body, reply.contentType.c_str());
-        impl->logLine(req, reply.status, reply.body.size(), reply.flags, started);
+        impl->logLine(req, reply.status, request.body.size(), reply.body.size(), reply.flags,
+                      started);
     });
     server.set_error_handler(httplib::Server::HandlerWithResponse(
         [impl](const httplib::Request& req, httplib::Response& res) {
             if (!res.body.empty()) return httplib::Server::HandlerResponse::Unhandled;
             // An oversized or unreadable request still gets a reply that the client can judge.
             res.set_content(envelopeReply(-1, ""), "text/xml; charset=UTF-8");
-            impl->logLine(req, res.status, res.body.size(), -1, std::chrono::steady_clock::now());
+            impl->logLine(req, res.status, req.body.size(), res.body.size(), -1,
+                          std::chrono::steady_clock::now());
             return httplib::Server::HandlerResponse::Handled;
         }));
 }

@@ -90,6 +90,7 @@ HttpReply Service::fileUpload(const HttpRequest& request, const std::string& kin
     const auto token = headerOf(request, "token");
     return runJudged(request, FormBody{}, userId, token, [this, kind](Call& call) {
         const auto& req = call.request;
+        if (req.bodyRefused) throw PageFailure(-1, "file too large");
         const auto customer = parseInt32(headerOf(req, "customerid"));
         if (!customer || !records_.customerExists(call.user.accountId, *customer))
             throw PageFailure(-1, "unknown customer");

@@ -60,6 +60,11 @@ HttpReply Service::handle(const HttpRequest& request) {
     std::lock_guard guard(mutex_);
     try {
         const std::string& path = request.path;
+        if (request.bodyRefused) {
+            for (const std::string kind : {"Kessan", "Kyoka", "Other"})
+                if (path == "customer/set" + kind + "File.php") return fileUpload(request, kind);
+            return xmlReply(envelopeReply(-1, ""), -1, 413);
+        }
         if (path == "gettime.php") return getTime();
         if (path == "login.php") return login(request);
         for (const std::string kind : {"Kessan", "Kyoka", "Other"}) {

@@ -29,6 +29,8 @@ struct HttpRequest {
     std::string path;  // without the leading "/"
     std::string body;
     std::map<std::string, std::string> headers;  // names in lower case
+    // The body was over the size limit or cut short, and is empty here.
+    bool bodyRefused = false;
 };
 
 struct HttpReply {

@@ -265,9 +265,11 @@ TEST_F(ServerTest, EveryDeclaredListKindRoundTripsItsItems) {
         for (int n = 1; n <= items; ++n) {
             const auto& item = (*list)[static_cast<std::size_t>(n - 1)];
             EXPECT_EQ(item.at(upper(store.itemIdKey())), std::to_string(100 + n));
-            for (const auto& f : store.fields)
-                if (f != "vno" && f != "LocalIndex")
+            for (const auto& f : store.fields) {
+                if (f != "vno" && f != "LocalIndex") {
                     EXPECT_EQ(item.at(upper(f)), f + "<&>" + std::to_string(n)) << getPath;
+                }
+            }
         }
         EXPECT_EQ(page.scope == Scope::Office, !got.payload("Customer"));
         EXPECT_EQ(
@@ -358,6 +360,30 @@ TEST_F(ServerTest, EnableFlagsRespectTheAccountsLimit) {
     EXPECT_EQ(
         call(u, "customer/setInetEnableFlag.php", "CustomerID=4&InetEnableFlag=7&", "id").flags(),
         -1);
+}
+
+}  // namespace
+}  // namespace morvane::server::testing
+
+namespace morvane::server::testing {
+namespace {
+
+TEST_F(ServerTest, FormBodiesLongerThanCommonFormLimitsAreAccepted) {
+    Login u = login();
+    createCustomer(u, 1);
+    const std::string career(40000, 'k');
+    Reply set =
+        call(u, "customer/setCompShokuin.php",
+             "CustomerID=1&ShokuinItemID=1&DISABLEDALL=DISABLEDALL&keireki=" + career + "&vno=1&");
+    ASSERT_EQ(set.flags(), 1) << set.text;
+    Reply got = call(u, "customer/getCompShokuin.php", "CustomerID=1&");
+    EXPECT_EQ(std::string(got.payload("Customer")
+                              .child("ShokuinList")
+                              .child("ShokuinItem")
+                              .child("Keireki")
+                              .text()
+                              .get()),
+              career);
 }
 
 }  // namespace

@@ -3,6 +3,9 @@
 #include <httplib.h>
 #include <stdlib.h>
 
+#include <cstdio>
+#include <cstdlib>
+
 namespace morvane::server::testing {
 
 Reply::Reply(std::string body) : text(std::move(body)) {
@@ -31,6 +34,8 @@ void ServerTest::SetUp() {
     options_.dataDir = dir_ / "data";
     options_.clock = clock_;
     options_.maxUploadBytes = 64 * 1024;
+    if (std::getenv("MORVANE_SERVER_TEST_LOG"))
+        options_.log = [](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); };
     startServer();
 }
 
