@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <mutex>
@@ -34,8 +35,13 @@ int serve(ServerOptions options, const std::string& portFile, bool quiet) {
     MorvaneServer server(std::move(options));
     server.start();
     if (!portFile.empty()) {
-        std::ofstream out(portFile, std::ios::trunc);
-        out << server.port() << '\n';
+        // Written whole under another name first, so a script never reads half of it.
+        const std::string temp = portFile + ".tmp";
+        {
+            std::ofstream out(temp, std::ios::trunc);
+            out << server.port() << '\n';
+        }
+        std::filesystem::rename(temp, portFile);
     }
     std::cout << "morvane-server listening on " << server.baseUrl() << " certificate "
               << server.certFile().string() << std::endl;
