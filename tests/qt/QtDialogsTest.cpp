@@ -1,0 +1,256 @@
+// The Qt binding with real windows: the dialogs rendered to PNG files and checked for their
+// texts, placement on the work area, the login driven through its widgets, modality, the
+// refused close of a forced re-login, timers on Qt's event loop, and the clipboard.
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFontDatabase>
+#include <QImage>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "qt/QtToolkit.h"
+#include "session/ProcessState.h"
+#include "session/basTextEncrypt.h"
+#include "session/ctrlMorvane.h"
+#include "session/frmLogin.h"
+#include "session/frmMorvaneSetting.h"
+#include "session/mdlLogin.h"
+#include "session/mdlRegConstMorvane.h"
+#include "support/MorvaneTest.h"
+
+namespace morvane::test {
+namespace {
+
+// Answers every message box that comes up with its default button and keeps its text, and
+// fails the test rather than let a dialog hang it.
+class BoxAnswerer {
+  public:
+    BoxAnswerer() {
+        timer_.setInterval(10);
+        QObject::connect(&timer_, &QTimer::timeout, [this] {
+            if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+                texts.push_back(box->text().toStdString());
+                titles.push_back(box->windowTitle().toStdString());
+                icons.push_back(box->icon());
+                box->defaultButton() ? box->defaultButton()->click() : box->accept();
+            }
+            if (clock_.elapsed() > 20000) {
+                ADD_FAILURE() << "a dialog stayed up";
+                if (QWidget* w = QApplication::activeModalWidget()) w->hide();
+            }
+        });
+        clock_.start();
+        timer_.start();
+    }
+    std::vector<std::string> texts, titles;
+    std::vector<QMessageBox::Icon> icons;
+
+  private:
+    QTimer timer_;
+    QElapsedTimer clock_;
+};
+
+class QtDialogsTest : public MorvaneTest {
+  protected:
+    void SetUp() override {
+        MorvaneTest::SetUp();
+        qt_ = std::make_shared<qt::QtToolkit>();
+        State().SetToolkit(qt_);
+    }
+
+    // Renders the form to a PNG in the build folder and checks that every visible text of
+    // it is on its widget and leaves ink in the picture.
+    void Screenshot(forms::Form& form, const std::string& file, int minTexts) {
+        auto window = qt_->BuildWindow(form);
+        window->show();
+        QCoreApplication::processEvents();
+        const QImage image = window->grab().toImage();
+        ASSERT_FALSE(image.isNull());
+        ASSERT_TRUE(QDir().mkpath(MORVANE_SCREENSHOT_DIR));
+        const QString path = QString(MORVANE_SCREENSHOT_DIR) + "/" + QString::fromStdString(file);
+        ASSERT_TRUE(image.save(path));
+        EXPECT_EQ(QImage(path).size(), image.size());
+
+        // Placed on the work area at its free space over 2.0 and 2.8.
+        const forms::Rect area = qt_->WorkArea();
+        EXPECT_EQ(window->x(), area.left + static_cast<int>((area.width - window->width()) / 2.0));
+        EXPECT_EQ(window->y(), area.top + static_cast<int>((area.height - window->height()) / 2.8));
+        EXPECT_EQ(window->windowTitle().toStdString(), form.Caption());
+        EXPECT_EQ(form.Bounds().left, window->x());
+        EXPECT_EQ(form.Bounds().width, window->width());
+
+        const QColor background = image.pixelColor(2, 2);
+        int texts = 0;
+        for (const auto& c : form.Controls()) {
+            if (!c->Visible() || c->Text().empty()) continue;
+            auto* w = window->findChild<QWidget*>(QString::fromStdString(c->Name()));
+            ASSERT_NE(w, nullptr) << c->Name();
+            EXPECT_TRUE(w->isVisible()) << c->Name();
+            QString shown;
+            if (auto* label = qobject_cast<QLabel*>(w)) shown = label->text();
+            if (auto* button = qobject_cast<QAbstractButton*>(w)) shown = button->text();
+            if (auto* line = qobject_cast<QLineEdit*>(w)) shown = line->text();
+            if (auto* combo = qobject_cast<QComboBox*>(w)) shown = combo->currentText();
+            EXPECT_EQ(shown.toStdString(), c->Text()) << c->Name();
+            const QRect r(w->mapTo(window.get(), QPoint(0, 0)), w->size());
+            int ink = 0;
+            for (int y = r.top(); y <= r.bottom() && y < image.height(); ++y)
+                for (int x = r.left(); x <= r.right() && x < image.width(); ++x) {
+                    const QColor p = image.pixelColor(x, y);
+                    if (std::abs(p.lightness() - background.lightness()) > 80) ++ink;
+                }
+            EXPECT_GT(ink, 15) << c->Name() << " shows nothing";
+            ++texts;
+        }
+        EXPECT_GE(texts, minTexts);
+    }
+
+    std::shared_ptr<qt::QtToolkit> qt_;
+};
+
+TEST_F(QtDialogsTest, JapaneseFontIsInstalled) {
+    EXPECT_FALSE(QFontDatabase::families(QFontDatabase::Japanese).isEmpty());
+}
+
+TEST_F(QtDialogsTest, LoginDialogRendersItsTexts) {
+    SetSetting(reg::kLoginUID, "user1");
+    frmLogin form(*qt_);
+    Screenshot(form, "frmLogin.png", 20);
+}
+
+TEST_F(QtDialogsTest, SettingDialogRendersItsTexts) {
+    SetLoginState(99);
+    frmMorvaneSetting form(*qt_);
+    Screenshot(form, "frmMorvaneSetting.png", 22);
+}
+
+TEST_F(QtDialogsTest, LoginThroughTheRealWidgets) {
+    server_->On("login.php", LoginReply(1, "TOK"));
+    BoxAnswerer boxes;
+    bool shown = false;
+    qt_->onShown = [&](forms::Form& f, QDialog& dlg) {
+        if (f.Name() != "frmLogin") return;
+        shown = true;
+        EXPECT_TRUE(dlg.isVisible());
+        EXPECT_TRUE(dlg.isModal());
+        QTest::keyClicks(dlg.findChild<QLineEdit*>("txtUID"), "user1");
+        QTest::keyClicks(dlg.findChild<QLineEdit*>("txtPWD"), "secret");
+        dlg.findChild<QCheckBox*>("chkAutoLogin")->click();
+        dlg.findChild<QPushButton*>("cmdLogin")->click();
+    };
+    ctrlMorvane obj;
+    EXPECT_EQ(obj.ShowLogin(nullptr), 1);
+    EXPECT_TRUE(shown);
+    ASSERT_EQ(boxes.texts.size(), 1u);
+    EXPECT_EQ(boxes.texts[0], "ログインに成功しました。");
+    EXPECT_EQ(boxes.titles[0], "ログイン");
+    EXPECT_EQ(boxes.icons[0], QMessageBox::Information);
+    EXPECT_EQ(server_->RequestsTo("login.php").at(0).body, "no=C-1001&ID=user1&PW=secret&");
+    EXPECT_EQ(DecryptText(Setting(reg::kLoginPWD)), "secret");
+    EXPECT_EQ(qt_->WindowOf(*State().loginTimer), nullptr);
+}
+
+TEST_F(QtDialogsTest, ForcedReloginRefusesCloseAndEscape) {
+    qt_->onShown = [](forms::Form&, QDialog& dlg) {
+        EXPECT_FALSE(dlg.findChild<QPushButton*>("cmdCancel")->isEnabled());
+        dlg.close();
+        QTest::keyClick(&dlg, Qt::Key_Escape);
+        QCoreApplication::processEvents();
+        EXPECT_TRUE(dlg.isVisible());
+        dlg.findChild<QPushButton*>("cmdNoConnect")->click();
+    };
+    BoxAnswerer boxes;
+    EXPECT_EQ(ShowLoginDlg(nullptr, 1), 99);
+    EXPECT_TRUE(boxes.texts.empty());
+}
+
+TEST_F(QtDialogsTest, DialogIsModalOnItsOwnersWindow) {
+    // A host form, itself shown by the toolkit, opens the settings over it.
+    forms::Form host(*qt_, "frmHost", "host");
+    auto& open = host.Add<forms::Button>("cmdOpen", "open");
+    open.onClick = [&host] {
+        ShowSettingDlg(&host);
+        host.Unload();
+    };
+    bool nested = false;
+    qt_->onShown = [&](forms::Form& f, QDialog& dlg) {
+        if (f.Name() == "frmHost") {
+            dlg.findChild<QPushButton*>("cmdOpen")->click();
+            return;
+        }
+        nested = true;
+        EXPECT_EQ(dlg.parentWidget(), qt_->WindowOf(host));
+        EXPECT_EQ(dlg.windowModality(), Qt::WindowModal);
+        dlg.findChild<QPushButton*>("cmdCancel")->click();
+    };
+    host.ShowModal(nullptr);
+    EXPECT_TRUE(nested);
+    EXPECT_FALSE(host.Loaded());
+}
+
+TEST_F(QtDialogsTest, EscapeAndCloseBoxCancelTheSettings) {
+    SetSetting(reg::kLoginUID, "kept");
+    BoxAnswerer boxes;
+    qt_->onShown = [](forms::Form&, QDialog& dlg) {
+        QTest::keyClicks(dlg.findChild<QLineEdit*>("txtLoginUID"), "-typed");
+        dlg.close();
+    };
+    ctrlMorvane obj;
+    EXPECT_EQ(obj.ShowSetting(nullptr), 0);
+    EXPECT_EQ(Setting(reg::kLoginUID), "kept");
+    qt_->onShown = [](forms::Form&, QDialog& dlg) { QTest::keyClick(&dlg, Qt::Key_Escape); };
+    EXPECT_EQ(obj.ShowInfo(nullptr), 0);
+    EXPECT_TRUE(boxes.texts.empty());
+}
+
+TEST_F(QtDialogsTest, ClipboardMailShowsInTheFields) {
+    qt_->SetClipboardText("ServerName: mail.example.jp, ContractNo: C-55, UserID: u55");
+    EXPECT_EQ(qt_->ClipboardText(), "ServerName: mail.example.jp, ContractNo: C-55, UserID: u55");
+    SetSetting(reg::kContractNo, "");
+    qt_->onShown = [](forms::Form& f, QDialog& dlg) {
+        f.Get<forms::Timer>("tmrClipboard").Fire();
+        EXPECT_EQ(dlg.findChild<QComboBox*>("cboServerName")->currentText().toStdString(),
+                  "mail.example.jp");
+        EXPECT_EQ(dlg.findChild<QLineEdit*>("txtContractNo")->text().toStdString(), "C-55");
+        EXPECT_EQ(dlg.findChild<QLineEdit*>("txtLoginUID")->text().toStdString(), "u55");
+        dlg.findChild<QPushButton*>("cmdCancel")->click();
+    };
+    ctrlMorvane obj;
+    obj.ShowSetting(nullptr);
+}
+
+TEST_F(QtDialogsTest, TimersTickOnQtsEventLoopWhileTheirFormIsLoaded) {
+    forms::Form form(*qt_, "frmTicker", "ticker");
+    auto& timer = form.Add<forms::Timer>("tmr");
+    int ticks = 0;
+    timer.onTimer = [&] { ++ticks; };
+    timer.SetInterval(5);
+    timer.SetTimerEnabled(true);
+    QTest::qWait(30);
+    EXPECT_EQ(ticks, 0);  // not loaded yet
+    form.Load();
+    QElapsedTimer clock;
+    clock.start();
+    while (ticks < 3 && clock.elapsed() < 5000) QTest::qWait(5);
+    EXPECT_GE(ticks, 3);
+    form.Unload();
+    const int atUnload = ticks;
+    QTest::qWait(30);
+    EXPECT_EQ(ticks, atUnload);
+}
+
+}  // namespace
+}  // namespace morvane::test

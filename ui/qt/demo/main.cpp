@@ -1,0 +1,121 @@
+// morvane-qt-demo: opens each dialog of the component as a real Qt window, or with
+// --screenshot DIR renders them to PNG files without a person at the screen.
+#include <QApplication>
+#include <QDir>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <QWidget>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "qt/QtToolkit.h"
+#include "session/ProcessState.h"
+#include "session/ctrlMorvane.h"
+#include "session/frmLogin.h"
+#include "session/frmMorvaneSetting.h"
+#include "session/mdlLogin.h"
+
+namespace {
+
+using morvane::ctrlMorvane;
+
+struct Dialog {
+    const char* name;
+    const char* title;
+    std::function<std::unique_ptr<morvane::forms::Form>(morvane::forms::Toolkit&)> make;
+    std::function<void(ctrlMorvane&)> open;
+};
+
+std::vector<Dialog> Dialogs() {
+    return {
+        {"login", "ログイン", [](auto& kit) { return std::make_unique<morvane::frmLogin>(kit); },
+         [](ctrlMorvane& obj) { std::printf("ShowLogin -> %d\n", obj.ShowLogin(nullptr)); }},
+        {"relogin", "ログイン (再ログイン)",
+         [](auto& kit) {
+             auto form = std::make_unique<morvane::frmLogin>(kit);
+             form->SetShowtype(1);
+             return form;
+         },
+         [](ctrlMorvane&) {
+             std::printf("ShowLoginDlg(1) -> %d\n", morvane::ShowLoginDlg(nullptr, 1));
+         }},
+        {"setting", "モルヴェインの設定",
+         [](auto& kit) { return std::make_unique<morvane::frmMorvaneSetting>(kit); },
+         [](ctrlMorvane& obj) { obj.ShowSetting(nullptr); }},
+    };
+}
+
+bool HaveDisplay() {
+    for (const char* var : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        if (const char* v = std::getenv(var); v && *v) return true;
+    return false;
+}
+
+int Screenshots(morvane::qt::QtToolkit& kit, const QString& dir) {
+    QDir().mkpath(dir);
+    int failures = 0;
+    for (const auto& d : Dialogs()) {
+        auto form = d.make(kit);
+        auto window = kit.BuildWindow(*form);
+        window->show();
+        QCoreApplication::processEvents();
+        const QString path = dir + "/" + d.name + ".png";
+        if (window->grab().save(path)) {
+            std::printf("%s\n", path.toLocal8Bit().constData());
+        } else {
+            std::fprintf(stderr, "could not write %s\n", path.toLocal8Bit().constData());
+            ++failures;
+        }
+        window->hide();
+    }
+    return failures == 0 ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QString screenshotDir;
+    for (int i = 1; i < argc; ++i) {
+        const std::string arg = argv[i];
+        if (arg == "--screenshot" && i + 1 < argc) {
+            screenshotDir = QString::fromLocal8Bit(argv[++i]);
+        } else {
+            std::fprintf(stderr,
+                         "usage: morvane-qt-demo [--screenshot DIR]\n"
+                         "  without arguments: a window with one button per dialog\n");
+            return 2;
+        }
+    }
+    if (!screenshotDir.isEmpty() && !HaveDisplay()) qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (screenshotDir.isEmpty() && !HaveDisplay()) {
+        std::fprintf(stderr, "morvane-qt-demo: no display; use --screenshot DIR\n");
+        return 2;
+    }
+
+    QApplication app(argc, argv);
+    auto kit = morvane::qt::InstallQtToolkit();
+    ctrlMorvane obj;
+    if (!screenshotDir.isEmpty()) return Screenshots(*kit, screenshotDir);
+
+    QWidget launcher;
+    launcher.setWindowTitle("morvane-qt-demo");
+    auto* layout = new QVBoxLayout(&launcher);  // owned by the launcher
+    layout->addWidget(new QLabel("開くダイアログを選んでください", &launcher));
+    for (const auto& d : Dialogs()) {
+        auto* button = new QPushButton(QString::fromUtf8(d.title), &launcher);
+        QObject::connect(button, &QPushButton::clicked, [&obj, open = d.open] { open(obj); });
+        layout->addWidget(button);
+    }
+    auto* quit = new QPushButton("終了", &launcher);
+    QObject::connect(quit, &QPushButton::clicked, &app, &QApplication::quit);
+    layout->addWidget(quit);
+    launcher.show();
+    const int rc = app.exec();
+    morvane::State().SetToolkit(nullptr);  // the Qt toolkit goes before the application
+    return rc;
+}
