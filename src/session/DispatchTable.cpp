@@ -12,6 +12,9 @@ DispatchTable Build() {
     DispatchTable table;
     RegisterSessionMembers(table);
     RegisterLoginMembers(table);
+    RegisterStoreMembers(table);
+    RegisterServerTimeMembers(table);
+    RegisterRosterMembers(table);
     return table;
 }
 

@@ -176,5 +176,8 @@ void DispatchTable::Property(std::string name, R (ctrlMorvane::*fn)() const) {
 // Each family of members registers itself here; the table calls them all once.
 void RegisterSessionMembers(DispatchTable& table);
 void RegisterLoginMembers(DispatchTable& table);
+void RegisterStoreMembers(DispatchTable& table);
+void RegisterServerTimeMembers(DispatchTable& table);
+void RegisterRosterMembers(DispatchTable& table);
 
 }  // namespace morvane

@@ -1,5 +1,8 @@
 #include "session/ctrlMorvane.h"
 
+#include "roster/cCustList.h"
+#include "store/cCustListSync.h"
+
 #include "session/ProcessState.h"
 #include "session/mdlLogin.h"
 

@@ -11,6 +11,9 @@
 
 namespace morvane {
 
+class cCustList;
+class cCustListSync;
+
 class ctrlMorvane {
 public:
     // Starts with the object usage option 0 and a reset login, for every object of the process.
@@ -43,8 +46,39 @@ public:
     std::int32_t ShowSetting(forms::Form* OwnerForm);
     std::int32_t ShowInfo(forms::Form* OwnerForm);
 
+    // ---- Comparison stamps and the user's choice between two versions
+    std::string InetDateServer() const;
+    std::string InetDateLocal() const;
+    std::string InetDateCheck() const;
+    std::int32_t ShowCompareMsg(forms::Form* OwnerForm, const std::string& DataTitle,
+                                const Value& Param1, const Value& Param2, const Value& Param3,
+                                const Value& Param4);
+
+    // ---- Clock offsets
+    void UpdateServerTimeOffset();
+    std::string InetServerTimeOffset() const;
+    std::string InetDataFolderTimeOffset() const;
+
+    // ---- Customer roster and the per-table snapshot of its comparison
+    std::int32_t CompareCustomerList(const std::string& LocalDB);
+    std::int32_t CompareCustomerListItem(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncDownloadCustomerList(const std::string& LocalDB);
+    // The three texts are in-out parameters.
+    std::int32_t GetUploadCustomerListIDs(const std::string& LocalDB, std::string& AddIDs,
+                                          std::string& DelIDs, std::string& UpdateIDs);
+    bool CustmerBackuped(std::int32_t CustID) const;
+    bool CustmerBackupedTable(std::int32_t CustID, std::int32_t Index) const;
+    std::int32_t CustmerBackupedTableSyncFlag(std::int32_t CustID, std::int32_t Index) const;
+    std::string CustmerRecordUpdateTable_Local(std::int32_t CustID, std::int32_t Index) const;
+    std::string CustmerRecordUpdateTable_Server(std::int32_t CustID, std::int32_t Index) const;
+    std::string CustmerRecordUpdateTable_Comper(std::int32_t CustID, std::int32_t Index) const;
+    std::string CustmerRecordUpdate_Local(std::int32_t CustID) const;
+    std::string CustmerRecordUpdate_Server(std::int32_t CustID) const;
+
 private:
     // Worker slots, one per kind, added with the members that fill them.
+    std::unique_ptr<cCustList> custList_;
+    std::unique_ptr<cCustListSync> custListSync_;
 };
 
 }  // namespace morvane

@@ -1,0 +1,157 @@
+// The host's file databases as the workers use them: a small DAO-shaped layer (workspace,
+// database, recordset, field) over SQLite that speaks the Jet dialect the workers write.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "util/Value.h"
+
+struct sqlite3;
+
+namespace morvane::dao {
+
+// The host's constants, with its numbers.
+inline constexpr std::int32_t dbUseJet = 2;
+inline constexpr std::int32_t dbOpenDynaset = 2;
+inline constexpr std::int32_t dbReadOnly = 4;
+
+// Error numbers of the database engine, as the error trap shows them.
+namespace daoerr {
+inline constexpr std::int32_t kUpdateWithoutEdit = 3020;
+inline constexpr std::int32_t kNoCurrentRecord = 3021;
+inline constexpr std::int32_t kDuplicateKey = 3022;
+inline constexpr std::int32_t kFileNotFound = 3024;
+inline constexpr std::int32_t kReadOnly = 3027;
+inline constexpr std::int32_t kNeedsRepair = 3049;
+inline constexpr std::int32_t kCannotOpen = 3051;
+inline constexpr std::int32_t kSyntax = 3075;
+inline constexpr std::int32_t kNoSuchTable = 3078;
+inline constexpr std::int32_t kEngine = 3146;
+inline constexpr std::int32_t kLocked = 3218;
+inline constexpr std::int32_t kItemNotFound = 3265;
+inline constexpr std::int32_t kNotUpdatable = 3326;
+inline constexpr std::int32_t kNotADatabase = 3343;
+inline constexpr std::int32_t kTypeConversion = 3421;
+}  // namespace daoerr
+
+// A statement of the Jet dialect in SQLite's: "..." text constants, #date# constants,
+// SELECT TOP n, DELETE * FROM. [names] and the rest pass as they are.
+std::string TranslateJetSql(std::string_view jet);
+
+class Database;
+class Recordset;
+
+// One column of the current row of a recordset.
+class Field {
+  public:
+    const std::string& Name() const;
+    // Null for a database Null; a date for a DATETIME column or a MAX() of one.
+    Value GetValue() const;
+    // Writes into the row being edited or added; kept until Update.
+    void PutValue(const Value& value);
+
+  private:
+    friend class Recordset;
+    Field(Recordset& rs, int column) : rs_(&rs), column_(column) {}
+    Recordset* rs_;
+    int column_;
+};
+
+class Recordset {
+  public:
+    ~Recordset();
+    Recordset(const Recordset&) = delete;
+    Recordset& operator=(const Recordset&) = delete;
+
+    bool Bof() const;
+    bool Eof() const;
+    void MoveFirst();
+    void MoveNext();
+    // The column of that name, matched without regard to case; error 3265 if none.
+    Field Fields(std::string_view name);
+    Value operator[](std::string_view name) { return Fields(name).GetValue(); }
+    // Fields.Count and Fields(i), from 0.
+    int FieldCount() const;
+    Field FieldAt(int index);
+
+    // Writing, on a recordset opened without dbReadOnly over one table.
+    void AddNew();
+    void Edit();
+    void Update();
+    void Close();
+
+  private:
+    friend class Database;
+    friend class Field;
+    struct Impl;
+    explicit Recordset(std::unique_ptr<Impl> impl);
+    std::unique_ptr<Impl> impl_;
+};
+
+class Database {
+  public:
+    ~Database();
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+
+    const std::string& Name() const { return path_; }
+    std::unique_ptr<Recordset> OpenRecordset(std::string_view sql,
+                                             std::int32_t type = dbOpenDynaset,
+                                             std::int32_t options = 0);
+    void Execute(std::string_view sql);
+    void Close();
+    bool IsOpen() const { return db_ != nullptr; }
+
+  private:
+    friend class Workspace;
+    Database(std::string path, bool exclusive);
+    void Exec(const char* nativeSql);
+    std::string path_;
+    sqlite3* db_ = nullptr;
+};
+
+// A session over one or more databases; its transaction spans every database it opened.
+// An open transaction is rolled back when the workspace closes.
+class Workspace {
+  public:
+    Workspace(std::string name, std::string userName);
+    ~Workspace();
+    Workspace(const Workspace&) = delete;
+    Workspace& operator=(const Workspace&) = delete;
+
+    // The file must exist and be a database; errors 3024, 3343, 3051 otherwise.
+    Database& OpenDatabase(const std::string& path, bool exclusive = false);
+    void BeginTrans();
+    void CommitTrans();
+    void Rollback();
+    bool InTransaction() const { return inTrans_; }
+    void Close();
+
+  private:
+    std::string name_;
+    std::string userName_;
+    std::vector<std::unique_ptr<Database>> databases_;
+    bool inTrans_ = false;
+};
+
+// The engine: creates workspaces. It holds nothing, so every caller may have its own.
+class DBEngine {
+  public:
+    static std::unique_ptr<Workspace> CreateWorkspace(const std::string& name,
+                                                      const std::string& userName,
+                                                      const std::string& password,
+                                                      std::int32_t useType = dbUseJet);
+};
+
+// Creates a new database file (an existing one is an error) and runs the native SQL script
+// in it, in one transaction: what builds the host's databases and their sample data.
+void CreateDatabaseFile(const std::filesystem::path& path, std::string_view script);
+// Runs a native SQL script in one transaction on an existing database file.
+void RunScript(const std::filesystem::path& path, std::string_view script);
+
+}  // namespace morvane::dao

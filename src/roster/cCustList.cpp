@@ -1,0 +1,376 @@
+#include "roster/cCustList.h"
+
+#include <bitset>
+#include <charconv>
+#include <exception>
+#include <unordered_set>
+
+#include "platform/Dao.h"
+#include "platform/Xml.h"
+#include "session/mdlErrTrap.h"
+#include "store/LocalDatabases.h"
+#include "store/cCustListSync.h"
+#include "store/mdlMorvaneCommon.h"
+#include "util/KeyedCollection.h"
+#include "util/Nz.h"
+#include "util/Text.h"
+
+namespace morvane {
+namespace {
+
+constexpr const char* kCustomerTable = "tCustomer";
+
+// Flags of the tags a compItem must hold: five fields and the 53 stamps.
+enum Tag { kCustomerID, kCode, kCorpName0, kCorpKanaS, kInetEnableFlag, kFirstStamp };
+constexpr size_t kTagCount = kFirstStamp + kBackupTableCount;
+
+// The index of an exact "RecordUpdate<n>" name, or -1.
+int StampIndex(std::string_view name) {
+    constexpr std::string_view prefix = "RecordUpdate";
+    if (name.size() <= prefix.size() || name.substr(0, prefix.size()) != prefix) return -1;
+    const std::string_view digits = name.substr(prefix.size());
+    if (digits.size() > 2 || (digits.size() == 2 && digits[0] == '0')) return -1;
+    int n = -1;
+    const auto [end, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), n);
+    if (ec != std::errc() || end != digits.data() + digits.size()) return -1;
+    return n < kBackupTableCount ? n : -1;
+}
+
+// The error trap at a worker's closing block.
+void Trap() {
+    CaptureError(std::current_exception());
+    ErrTrap();
+}
+
+std::string Key(std::int32_t id) {
+    return "K" + std::to_string(id);
+}
+
+}  // namespace
+
+// ---- The collection --------------------------------------------------------------------
+
+cCustListItem& cCustList::Add(std::int32_t id, std::int32_t index) {
+    auto item = std::make_unique<cCustListItem>();
+    item->id = id;
+    item->Key = Key(id);
+    cCustListItem& ref = *item;
+    if (index >= 1 && index <= Count()) {
+        items_.insert(items_.begin() + (index - 1), std::move(item));
+        Reindex();
+    } else {
+        byKey_.emplace(ref.Key, items_.size());
+        items_.push_back(std::move(item));
+    }
+    return ref;
+}
+
+std::string cCustList::SearchItemKey(std::int32_t id) const {
+    const std::string key = Key(id);
+    return byKey_.count(key) ? key : std::string();
+}
+
+cCustListItem* cCustList::Item(std::string_view key) {
+    const auto it = byKey_.find(std::string(key));
+    return it == byKey_.end() ? nullptr : items_[it->second].get();
+}
+
+cCustListItem* cCustList::ItemAt(std::int32_t position) {
+    if (position < 1 || position > Count()) return nullptr;
+    return items_[static_cast<size_t>(position - 1)].get();
+}
+
+void cCustList::Remove(std::string_view key) {
+    const auto it = byKey_.find(std::string(key));
+    if (it == byKey_.end()) return;
+    items_.erase(items_.begin() + static_cast<std::ptrdiff_t>(it->second));
+    Reindex();
+}
+
+void cCustList::Clear() {
+    items_.clear();
+    byKey_.clear();
+}
+
+void cCustList::Reindex() {
+    byKey_.clear();
+    for (size_t i = 0; i < items_.size(); ++i) byKey_.emplace(items_[i]->Key, i);
+}
+
+// ---- Reading the reply -----------------------------------------------------------------
+
+bool cCustList::ReadXML(std::string_view xml) {
+    Clear();
+    return ParseCompList(xml);
+}
+
+bool cCustList::ParseCompList(std::string_view xml) {
+    const auto doc = platform::XmlDocument::Load(xml);
+    if (!doc) return false;
+    const platform::XmlNode root = doc->DocumentElement();
+    if (!root) return false;
+    const auto lists = root.SelectNodes("compList");
+    if (lists.size() != 1) return false;
+    bool countSeen = false;
+    std::int32_t count = 0;
+    bool anyItem = false;
+    bool lastItem = false;
+    for (const platform::XmlNode& child : lists[0].Children()) {
+        const std::string name = child.Name();
+        if (EqualsNoCase(name, "CompCount")) {
+            count = NzLong(child.Text());
+            countSeen = true;
+        } else if (EqualsNoCase(name, "compItem")) {
+            anyItem = true;
+            lastItem = AnalyzeCustListItem(child);
+            if (!lastItem) break;
+        }
+    }
+    // The count is not held against the number of items.
+    return anyItem ? lastItem : countSeen && count == 0;
+}
+
+bool cCustList::AnalyzeCustListItem(const platform::XmlNode& node) {
+    std::bitset<kTagCount> seen;
+    cCustListItem read;
+    for (const platform::XmlNode& child : node.Children()) {
+        const std::string name = child.Name();
+        if (const int index = StampIndex(name); index >= 0) {
+            read.RecordUpdate[static_cast<size_t>(index)] = child.Text();
+            seen.set(kFirstStamp + static_cast<size_t>(index));
+        } else if (name == "CustomerID") {
+            read.id = NzLong(child.Text());
+            seen.set(kCustomerID);
+        } else if (name == "Code") {
+            read.Code = child.Text();
+            seen.set(kCode);
+        } else if (name == "CorpName0") {
+            read.CorpName0 = child.Text();
+            seen.set(kCorpName0);
+        } else if (name == "CorpKanaS") {
+            read.CorpKanaS = child.Text();
+            seen.set(kCorpKanaS);
+        } else if (name == "InetEnableFlag") {
+            read.InetEnableFlag = NzLong(child.Text());
+            seen.set(kInetEnableFlag);
+        }
+        // "disabled" and unknown tags are passed over.
+    }
+    if (!seen.all()) return false;
+    if (byKey_.count(Key(read.id))) return false;  // a number twice is a broken roster
+    cCustListItem& item = Add(read.id);
+    item.Code = std::move(read.Code);
+    item.CorpName0 = std::move(read.CorpName0);
+    item.CorpKanaS = std::move(read.CorpKanaS);
+    item.InetEnableFlag = read.InetEnableFlag;
+    item.RecordUpdate = std::move(read.RecordUpdate);
+    return true;
+}
+
+// ---- Comparing with tCustomer ----------------------------------------------------------
+
+std::int32_t cCustList::CompareLocalDB(const std::string& localDb) {
+    localDb_ = localDb;
+    std::int32_t result = 0;
+    try {
+        const std::int32_t s = Count();
+        std::int32_t code = s == 0 ? 4 : 3;
+        auto ws = CreateMorvaneWorkspace();
+        dao::Database& db = ws->OpenDatabase(localDb);
+        std::int32_t l = 0;
+        {
+            auto rs = db.OpenRecordset(std::string("SELECT COUNT(*) AS reccnt FROM ") +
+                                           kCustomerTable + " WHERE disabled = 0",
+                                       dao::dbOpenDynaset, dao::dbReadOnly);
+            if (!rs->Eof()) l = NzLong(rs->Fields("reccnt").GetValue());
+        }
+        bool differ = l != s;
+        bool onlySample = false;
+        if (l == 1) {
+            auto rs = db.OpenRecordset(
+                std::string("SELECT CorpName0 FROM ") + kCustomerTable + " WHERE disabled = 0",
+                dao::dbOpenDynaset, dao::dbReadOnly);
+            onlySample =
+                !rs->Eof() && NzString(rs->Fields("CorpName0").GetValue()) == kSampleCustomerName;
+        }
+        if (l == 0 || onlySample) {
+            differ = true;
+            code = code == 4 ? 0 : 5;
+        }
+        if (differ) return code;
+        // Only the numbers take part, so only they are read.
+        auto rs = db.OpenRecordset(
+            std::string("SELECT id FROM ") + kCustomerTable + " WHERE disabled = 0 ORDER BY id",
+            dao::dbOpenDynaset, dao::dbReadOnly);
+        size_t i = 0;
+        for (; !rs->Eof(); rs->MoveNext(), ++i) {
+            if (i >= items_.size() || NzLong(rs->Fields("ID").GetValue()) != items_[i]->id)
+                return code;
+        }
+        result = 0;
+    } catch (...) {
+        Trap();
+        result = 0;
+    }
+    return result;
+}
+
+// ---- The table scan --------------------------------------------------------------------
+
+void cCustList::CompareLocalDBTable(const std::string& localDb, const std::string& prefDb,
+                                    cCustListSync& sync, std::int32_t custId) {
+    try {
+        auto ws = CreateMorvaneWorkspace();
+        dao::Database& local = ws->OpenDatabase(localDb);
+        dao::Database* pref = nullptr;  // opened when the scan reaches its tables
+        for (int index = 0; index < kBackupTableCount; ++index) {
+            const std::string sql = BackupTableStatement(index, custId);
+            if (sql.empty()) continue;
+            if (BackupTables()[index].inPrefCustom && !pref) pref = &ws->OpenDatabase(prefDb);
+            dao::Database& db = BackupTables()[index].inPrefCustom ? *pref : local;
+            const bool main = index == kIndexCustomer;
+            auto rs = db.OpenRecordset(sql, dao::dbOpenDynaset, dao::dbReadOnly);
+            const dao::Field keyField = rs->Fields(main ? "id" : "CustomerID");
+            const dao::Field localField = rs->Fields(main ? "RecordUpdate" : "rumax");
+            const dao::Field checkField = rs->Fields(main ? "InetCheckDate" : "cdmax");
+
+            auto judge = [&](cCustListSyncItem& item, const std::string& key, Value lc, Value cd,
+                             bool hasRows) {
+                const cCustListItem* listed = Item(key);
+                std::string server =
+                    listed ? listed->RecordUpdate[static_cast<size_t>(index)] : std::string();
+                const std::int32_t result = CompareInetDates(Value(server), lc, cd);
+                bool backuped = false;
+                if (result == 0)
+                    backuped = true;
+                else if (index == kIndexGyoshu)
+                    backuped = item.Backuped(kIndexCustomer);
+                else if (index == kIndexPrintCustomerData)
+                    backuped = true;
+                else if (index == kIndexT28KyokaShinseiHyoshi && hasRows)
+                    backuped = true;
+                item.SetBackuped(index, backuped);
+                item.SetStamps(index, lc.IsNull() ? Value() : std::move(lc), std::move(server),
+                               cd.IsNull() ? Value() : std::move(cd));
+                item.SetSyncFlag(index, result);
+            };
+
+            if (!rs->Eof()) {
+                for (; !rs->Eof(); rs->MoveNext()) {
+                    const std::string key = "K" + NzString(keyField.GetValue());
+                    cCustListSyncItem* item = sync.Item(key);
+                    if (!item) continue;  // a customer the server does not know
+                    judge(*item, key, localField.GetValue(), checkField.GetValue(), true);
+                }
+            } else if (custId > 0) {
+                const std::string key = Key(custId);
+                if (cCustListSyncItem* item = sync.Item(key))
+                    judge(*item, key, Value(), Value(), false);
+            }
+        }
+    } catch (...) {
+        Trap();  // the items keep what was stored so far
+    }
+}
+
+// ---- Taking the server's roster --------------------------------------------------------
+
+std::int32_t cCustList::SyncDownload(const std::string& localDb) {
+    try {
+        auto ws = CreateMorvaneWorkspace();
+        dao::Database& db = ws->OpenDatabase(localDb);
+        ws->BeginTrans();
+        try {
+            db.Execute(std::string("UPDATE ") + kCustomerTable +
+                       " SET disabled = 999 WHERE disabled = 0");
+            for (const auto& item : items_) {
+                auto rs =
+                    db.OpenRecordset(std::string("SELECT * FROM ") + kCustomerTable +
+                                     " WHERE id = " + std::to_string(item->id) + " ORDER BY Code");
+                auto clearStamps = [&] {
+                    rs->Fields("RecordUpdate").PutValue(Value::Null());
+                    rs->Fields("InetCheckDate").PutValue(Value::Null());
+                    rs->Fields("InetSyncFlag").PutValue(Value(1));
+                };
+                if (rs->Eof()) {
+                    rs->AddNew();
+                    rs->Fields("id").PutValue(Value(item->id));
+                    clearStamps();
+                } else {
+                    const bool same =
+                        NzString(rs->Fields("Code").GetValue()) == item->Code &&
+                        NzString(rs->Fields("CorpName0").GetValue()) == item->CorpName0 &&
+                        NzString(rs->Fields("CorpKanaS").GetValue()) == item->CorpKanaS;
+                    const bool comesBack = NzLong(rs->Fields("disabled").GetValue()) == 1;
+                    rs->Edit();
+                    if (!same || comesBack) clearStamps();
+                }
+                rs->Fields("Code").PutValue(Value(item->Code));
+                rs->Fields("CorpName0").PutValue(Value(item->CorpName0));
+                rs->Fields("CorpKanaS").PutValue(Value(item->CorpKanaS));
+                rs->Fields("disabled").PutValue(Value(0));
+                rs->Update();
+            }
+            db.Execute(std::string("UPDATE ") + kCustomerTable +
+                       " SET disabled = 1 WHERE disabled = 999");
+            ws->CommitTrans();
+        } catch (...) {
+            if (ws->InTransaction()) ws->Rollback();
+            throw;
+        }
+        return 1;
+    } catch (...) {
+        Trap();
+        return 0;
+    }
+}
+
+std::int32_t cCustList::GetUploadIDs(const std::string& localDb, std::string& addIDs,
+                                     std::string& delIDs, std::string& updateIDs) {
+    try {
+        struct Row {
+            std::string code, name, kana;
+        };
+        std::unordered_map<std::int32_t, Row> rows;
+        CLong local;
+        {
+            auto ws = CreateMorvaneWorkspace();
+            dao::Database& db = ws->OpenDatabase(localDb);
+            auto rs = db.OpenRecordset(
+                std::string("SELECT * FROM ") + kCustomerTable + " WHERE disabled = 0 ORDER BY id",
+                dao::dbOpenDynaset, dao::dbReadOnly);
+            for (; !rs->Eof(); rs->MoveNext()) {
+                const std::int32_t id = NzLong(rs->Fields("ID").GetValue());
+                local.Add(id);
+                rows.emplace(id, Row{NzString(rs->Fields("Code").GetValue()),
+                                     NzString(rs->Fields("CorpName0").GetValue()),
+                                     NzString(rs->Fields("CorpKanaS").GetValue())});
+            }
+        }
+        CLong server;
+        for (const auto& item : items_) server.Add(item->id);
+        CLong add, del, update;
+        for (const auto& entry : local)
+            if (!server.FindValue(entry.item)) add.Add(entry.item);
+        for (const auto& entry : server)
+            if (!local.FindValue(entry.item)) del.Add(entry.item);
+        for (const auto& entry : server) {
+            if (del.FindValue(entry.item)) continue;
+            const auto row = rows.find(entry.item);
+            const cCustListItem* item = Item(Key(entry.item));
+            if (row == rows.end() || !item) continue;
+            if (row->second.code != item->Code || row->second.name != item->CorpName0 ||
+                row->second.kana != item->CorpKanaS)
+                update.Add(entry.item);
+        }
+        addIDs = add.CommaText();
+        delIDs = del.CommaText();
+        updateIDs = update.CommaText();
+        return 1;
+    } catch (...) {
+        Trap();
+        return 0;
+    }
+}
+
+}  // namespace morvane

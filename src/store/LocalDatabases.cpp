@@ -1,0 +1,142 @@
+#include "store/LocalDatabases.h"
+
+#include <SchemaSql.h>
+
+#include <system_error>
+#include <vector>
+
+#include "platform/Dao.h"
+#include "store/BackupTableIndex.h"
+#include "util/RuntimeError.h"
+
+namespace morvane {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Numbers 1..n and, per number, 1..rows, as a common table expression.
+std::string Sequences(std::int32_t n, std::int32_t rows) {
+    return "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " +
+           std::to_string(n) + "), r(j) AS (SELECT 1 UNION ALL SELECT j + 1 FROM r WHERE j < " +
+           std::to_string(rows) + ") ";
+}
+
+// A stamp from 2024-01-01 on, Null for one row in `nullEvery` (seeded by `salt`).
+std::string Stamp(const std::string& seed, int salt, int nullEvery, int shiftMinutes) {
+    const std::string k = "((" + seed + ") * 7919 + " + std::to_string(salt * 104729) + ")";
+    return "CASE WHEN " + k + " % " + std::to_string(nullEvery) +
+           " = 0 THEN NULL ELSE datetime('2024-01-01', '+' || (" + k + " % 500000 + 1000 + " +
+           std::to_string(shiftMinutes) + ") || ' minutes') END";
+}
+
+std::string CustomerRows(const SampleDataOptions& o) {
+    std::string sql;
+    if (o.customers > 0) {
+        sql += Sequences(o.customers, 1) +
+               "INSERT INTO tCustomer (id, Code, CorpName0, CorpKanaS, CorpKana0, ZipCode0, "
+               "ZipCode1, Addr0, Tel0, TEL1, TEL2, disabled, InetSyncFlag, RecordUpdate, "
+               "InetCheckDate) SELECT i, printf('C%05d', i), 'モルヴェイン建設' || i || "
+               "'株式会社', 'ﾓﾙｳﾞｪｲﾝｹﾝｾﾂ' || i, 'ﾓﾙｳﾞｪｲﾝｹﾝｾﾂ', '100', '0001', '東京都千代田区', "
+               "'03', '1234', printf('%04d', i % 10000), 0, 0, " +
+               Stamp("i", 0, 7, 0) + ", " + Stamp("i", 0, 5, 3) + " FROM n;\n";
+    }
+    if (o.hostSampleCustomer) {
+        sql +=
+            "INSERT INTO tCustomer (id, Code, CorpName0, CorpKanaS, disabled, InetSyncFlag) "
+            "VALUES (" +
+            std::to_string(o.customers + 1) + ", 'SAMPLE', '" + kSampleCustomerName +
+            "', 'ﾄﾙﾏｰｹﾝｾﾂ', 0, 0);\n";
+    }
+    return sql;
+}
+
+// Rows for every customer in a table owned by customers: deleted ones, unstamped ones.
+std::string OwnedRows(const std::string& table, int salt, const SampleDataOptions& o,
+                      const std::string& extraColumns = {}, const std::string& extraValues = {}) {
+    return Sequences(o.customers, o.rowsPerTable) + "INSERT INTO [" + table +
+           "] (CustomerID, disabled, RecordUpdate, InetCheckDate" + extraColumns +
+           ") SELECT i, CASE WHEN (i + j * 3 + " + std::to_string(salt) +
+           ") % 11 = 0 THEN 1 ELSE 0 END, " + Stamp("i * 31 + j", salt, 9, 0) + ", " +
+           Stamp("i * 31 + j", salt, 6, (salt % 3 == 0) ? -600 : 2) + extraValues + " FROM n, r;\n";
+}
+
+std::string ChildRows(bool prefcustom, const SampleDataOptions& o) {
+    std::string sql;
+    if (o.customers <= 0 || o.rowsPerTable <= 0) return sql;
+    for (int index = 1; index < kBackupTableCount; ++index) {
+        const BackupTable& t = BackupTables()[index];
+        if (t.inPrefCustom != prefcustom) continue;
+        if (index == kIndexNyusatsuKanri) {
+            // The second row of each customer is a blank grid row.
+            sql += OwnedRows(t.name, index, o, ", KikanName, Nendo1",
+                             ", CASE WHEN j = 1 THEN '国土交通省' || i ELSE '' END, "
+                             "CASE WHEN j = 1 THEN '2024' ELSE '' END");
+        } else if (index == kIndexKyokaHistory) {
+            sql += OwnedRows(t.name, index, o, ", Ver511HideFlag",
+                             ", CASE WHEN (i + j) % 13 = 0 THEN 1 ELSE 0 END");
+        } else {
+            sql += OwnedRows(t.name, index, o);
+        }
+    }
+    if (!prefcustom) {
+        sql +=
+            Sequences(o.customers, 1) +
+            "INSERT INTO tCustomerKeisin (CustomerID, disabled, CheckEx) SELECT i, 0, 1 FROM n;\n" +
+            Sequences(o.customers, 1) +
+            "INSERT INTO tCustomerNyusatsu (CustomerID, disabled, Manage) SELECT i, 0, 0 FROM "
+            "n;\n";
+    }
+    return sql;
+}
+
+std::string MasterRows(const SampleDataOptions& o) {
+    if (o.masterRows <= 0 || o.customers <= 0) return {};
+    const std::vector<std::pair<std::string, std::string>> masters = {
+        {"tBunsekiKikan", "KikanName"},   {"tKessanTaioh", "Taioh"},   {"tMinister", "MinName"},
+        {"tNyusatsuKikan", "KikanName"},  {"tNyusatsuShorui", "Name"}, {"tSakuseisha", "UserName"},
+        {"tUserStaff", "[事務所職員名]"}, {"tYakushoku", "Yakushoku"}};
+    std::string sql;
+    int salt = 100;
+    for (const auto& [table, column] : masters) {
+        sql += Sequences(o.masterRows, 1) + "INSERT INTO [" + table + "] (" + column +
+               ", RecordUpdate, InetCheckDate) SELECT '" + table + "' || i, " +
+               Stamp("i", salt, 97, 0) + ", " + Stamp("i", salt, 97, 2) + " FROM n;\n";
+        ++salt;
+    }
+    return sql;
+}
+
+}  // namespace
+
+std::string CustomerSchemaSql() {
+    return schema::k_customer;
+}
+std::string MasterSchemaSql() {
+    return schema::k_master;
+}
+std::string PrefCustomSchemaSql() {
+    return schema::k_prefcustom;
+}
+
+LocalDatabasePaths CreateLocalDatabases(const fs::path& folder, const SampleDataOptions& options) {
+    std::error_code ec;
+    fs::create_directories(folder, ec);
+    if (ec) throw RuntimeError(errnum::kPathNotFound, "Cannot create " + folder.string());
+    LocalDatabasePaths paths{folder / kCustomerDatabaseName, folder / kMasterDatabaseName,
+                             folder / kPrefCustomDatabaseName};
+    std::vector<fs::path> made;
+    try {
+        dao::CreateDatabaseFile(paths.customer, CustomerSchemaSql() + CustomerRows(options) +
+                                                    ChildRows(false, options));
+        made.push_back(paths.customer);
+        dao::CreateDatabaseFile(paths.master, MasterSchemaSql() + MasterRows(options));
+        made.push_back(paths.master);
+        dao::CreateDatabaseFile(paths.prefcustom, PrefCustomSchemaSql() + ChildRows(true, options));
+    } catch (...) {
+        for (const auto& p : made) fs::remove(p, ec);
+        throw;
+    }
+    return paths;
+}
+
+}  // namespace morvane

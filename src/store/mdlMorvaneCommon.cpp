@@ -1,0 +1,200 @@
+#include "store/mdlMorvaneCommon.h"
+
+#include <cmath>
+#include <cstdio>
+
+#include "session/ProcessState.h"
+#include "util/Nz.h"
+#include "util/Text.h"
+
+namespace morvane {
+namespace {
+
+constexpr double kOneMinute = 1.0 / 1440.0;
+constexpr double kMovedMargin = 1.0 / 8640.0;  // ten seconds
+
+// The condition as " WHERE ..." or "", or nullopt when the call is to do nothing.
+std::optional<std::string> WhereClause(std::string_view localDb, std::string_view cond) {
+    if (!EqualsNoCase(DatabaseFileName(localDb), "Master.dat") && cond.empty()) return std::nullopt;
+    if (cond.empty()) return std::string();
+    return " WHERE " + NormalizeWhere(cond);
+}
+
+Value NewestStamp(std::string_view localDb, std::string_view table, std::string_view cond,
+                  const char* column) {
+    try {
+        const auto where = WhereClause(localDb, cond);
+        if (!where) return Value();
+        auto ws = CreateMorvaneWorkspace();
+        dao::Database& db = ws->OpenDatabase(std::string(localDb));
+        const std::string sql = std::string("SELECT TOP 1 ") + column + " FROM " +
+                                std::string(table) + " " + *where + " ORDER BY " + column + " DESC";
+        auto rs = db.OpenRecordset(sql, dao::dbOpenDynaset, dao::dbReadOnly);
+        if (rs->Bof() && rs->Eof()) return Value();
+        const std::string text = NzString(rs->Fields(column).GetValue());
+        if (IsDateText(text)) return Value(text);
+        return Value();
+    } catch (...) {
+        return Value();  // a missing stamp, as the callers read it
+    }
+}
+
+}  // namespace
+
+std::unique_ptr<dao::Workspace> CreateMorvaneWorkspace() {
+    return dao::DBEngine::CreateWorkspace("Morvane", "admin", "", dao::dbUseJet);
+}
+
+std::string DatabaseFileName(std::string_view path) {
+    const size_t sep = path.find_last_of("/\\");
+    return std::string(sep == std::string_view::npos ? path : path.substr(sep + 1));
+}
+
+std::string SiblingPath(std::string_view path, std::string_view fileName) {
+    const size_t sep = path.find_last_of("/\\");
+    if (sep == std::string_view::npos) return std::string(fileName);
+    return std::string(path.substr(0, sep + 1)) + std::string(fileName);
+}
+
+std::string NormalizeWhere(std::string_view cond) {
+    const std::string upper = ToUpperAscii(cond);
+    if (!StartsWith(upper, " WHERE ") && !StartsWith(upper, "WHERE ")) return std::string(cond);
+    const size_t at = upper.find("WHERE ");
+    return std::string(cond.substr(0, at)) + " " + std::string(cond.substr(at + 6));
+}
+
+Value GetRecordUpdateLocal(std::string_view localDb, std::string_view table,
+                           std::string_view cond) {
+    return NewestStamp(localDb, table, cond, "RecordUpdate");
+}
+
+Value GetInetCheckDateLocal(std::string_view localDb, std::string_view table,
+                            std::string_view cond) {
+    return NewestStamp(localDb, table, cond, "InetCheckDate");
+}
+
+void SetInetCheckDate(std::string_view localDb, std::string_view table, std::string_view cond) {
+    try {
+        const auto where = WhereClause(localDb, cond);
+        if (!where) return;
+        auto ws = CreateMorvaneWorkspace();
+        dao::Database& db = ws->OpenDatabase(std::string(localDb));
+        const std::string now = State().Clock().Now().Text();
+        db.Execute("UPDATE " + std::string(table) + " SET InetCheckDate = #" + now + "# " + *where);
+    } catch (...) {
+        // Nothing written: the difference stays and is found again.
+    }
+}
+
+DateValue UnstampedLocalDate() {
+    return DateValue::FromCivil({2011, 10, 1, 12, 0, 0});
+}
+
+std::int32_t DecideInetDates(std::optional<DateValue> server, std::optional<DateValue> local,
+                             std::optional<DateValue> check, double serverOffsetDays) {
+    const double s = server ? server->Days() + serverOffsetDays : 0.0;
+    double l = local ? local->Days() : 0.0;
+    const double c = check ? check->Days() + kOneMinute : 0.0;
+    if (s == 0 && l == 0 && c == 0) return 0;
+    if (l == 0) l = UnstampedLocalDate().Days();
+    if (s == 0) {
+        if (c == 0) return 2;
+        return l < c ? 3 : 2;
+    }
+    if (c == 0) return s > l ? 1 : 2;
+    const bool serverMoved = std::fabs(c - s) >= kMovedMargin && !(c > s);
+    const bool localMoved = std::fabs(c - l) >= kMovedMargin && !(c > l);
+    if (!serverMoved && !localMoved) return 0;
+    if (s > c && l > c) return 3;
+    return s > l ? 1 : 2;
+}
+
+std::optional<DateValue> AsDate(const Value& v) {
+    if (v.IsDateValue()) return v.AsDate();
+    if (v.IsText()) return DateValue::Parse(v.AsText());
+    return std::nullopt;
+}
+
+std::int32_t CompareInetDates(const Value& server, const Value& local, const Value& check) {
+    ProcessState& state = State();
+    state.inetDateServer.clear();
+    state.inetDateLocal.clear();
+    state.inetDateCheck.clear();
+    const std::int32_t result =
+        DecideInetDates(AsDate(server), AsDate(local), AsDate(check), state.inetServerTimeOffset);
+    if (result != 0) {
+        state.inetDateServer = NzString(server);
+        state.inetDateLocal = NzString(local);
+        state.inetDateCheck = NzString(check);
+    }
+    return result;
+}
+
+std::string FormatDate(DateValue date, std::string_view p) {
+    const CivilTime t = date.ToCivil();
+    std::string out;
+    bool afterHour = false;
+    auto run = [&](size_t i, char c) {
+        size_t n = 0;
+        while (i + n < p.size() && p[i + n] == c) ++n;
+        return n;
+    };
+    auto num = [&](int value, size_t width) {
+        char buf[16];
+        std::snprintf(buf, sizeof buf, width >= 2 ? "%02d" : "%d", value);
+        out += buf;
+    };
+    for (size_t i = 0; i < p.size();) {
+        const char c = p[i];
+        const size_t n = run(i, c);
+        switch (c) {
+            case 'y':
+                if (n >= 3) {
+                    char buf[8];
+                    std::snprintf(buf, sizeof buf, "%04d", t.year);
+                    out += buf;
+                } else {
+                    num(t.year % 100, 2);
+                }
+                break;
+            case 'M':
+                num(t.month, n);
+                break;
+            case 'm':
+                if (afterHour)
+                    num(t.minute, n);
+                else
+                    num(t.month, n);
+                break;
+            case 'd':
+                num(t.day, n);
+                break;
+            case 'h':
+            case 'H':
+                num(t.hour, n);
+                afterHour = true;
+                break;
+            case 'n':
+                num(t.minute, n);
+                break;
+            case 's':
+                num(t.second, n);
+                break;
+            default:
+                out.append(p.substr(i, n));
+                break;
+        }
+        if (c == 'y' || c == 'M' || c == 'd') afterHour = false;
+        i += n;
+    }
+    return out;
+}
+
+std::int32_t DiffDateText(std::string_view a, std::string_view b, std::string_view format) {
+    const auto da = DateValue::Parse(a);
+    const auto db = DateValue::Parse(b);
+    if (da && db) return FormatDate(*da, format) != FormatDate(*db, format) ? 1 : 0;
+    return a != b ? 1 : 0;
+}
+
+}  // namespace morvane

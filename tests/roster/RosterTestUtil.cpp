@@ -1,0 +1,32 @@
+#include "RosterTestUtil.h"
+
+#include "platform/Xml.h"
+#include "support/TestServer.h"
+
+namespace morvane::test {
+
+std::string CompItem(const RosterEntry& e) {
+    std::string s = "<compItem><CustomerID>" + std::to_string(e.id) +
+                    "</CustomerID><disabled>0</disabled>" + "<Code>" + platform::XmlEscape(e.code) +
+                    "</Code><CorpName0>" + platform::XmlEscape(e.name) + "</CorpName0><CorpKanaS>" +
+                    platform::XmlEscape(e.kana) + "</CorpKanaS><InetEnableFlag>" +
+                    std::to_string(e.enableFlag) + "</InetEnableFlag>";
+    for (int i = 0; i < kBackupTableCount; ++i) {
+        const auto it = e.stamps.find(i);
+        const std::string tag = "RecordUpdate" + std::to_string(i);
+        s += "<" + tag + ">" + (it == e.stamps.end() ? "" : it->second) + "</" + tag + ">";
+    }
+    return s + "</compItem>";
+}
+
+std::string RosterReply(const std::vector<RosterEntry>& entries, const std::string& token) {
+    std::string list = "<compList><CompCount>" + std::to_string(entries.size()) + "</CompCount>";
+    for (const auto& e : entries) list += CompItem(e);
+    return Envelope(1, token, list + "</compList>");
+}
+
+std::string TimeReply(const std::string& text) {
+    return "<?xml version=\"1.0\"?><r><datetime>" + text + "</datetime></r>";
+}
+
+}  // namespace morvane::test

@@ -1,0 +1,44 @@
+// Rosters as the server sends them, and a clock that moves by a set step on every reading.
+#pragma once
+
+#include <array>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "platform/Clock.h"
+#include "store/BackupTableIndex.h"
+
+namespace morvane::test {
+
+struct RosterEntry {
+    int id = 0;
+    std::string code;
+    std::string name;
+    std::string kana;
+    int enableFlag = 1;
+    std::map<int, std::string> stamps;  // index -> server stamp; the others are ""
+};
+
+// The compItem of one customer.
+std::string CompItem(const RosterEntry& e);
+// The whole judged reply: envelope, compList, CompCount, items.
+std::string RosterReply(const std::vector<RosterEntry>& entries, const std::string& token = "T1");
+// A gettime.php reply.
+std::string TimeReply(const std::string& text);
+
+class StepClock final : public platform::Clock {
+  public:
+    StepClock(DateValue start, double stepSeconds) : now_(start), step_(stepSeconds) {}
+    DateValue Now() const override {
+        const DateValue t = now_;
+        now_ = DateValue(now_.Days() + step_ * DateValue::kOneSecond);
+        return t;
+    }
+
+  private:
+    mutable DateValue now_;
+    double step_;
+};
+
+}  // namespace morvane::test

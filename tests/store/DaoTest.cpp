@@ -1,0 +1,172 @@
+// The DAO layer over real SQLite files: the dialect, dates and Nulls, writing, transactions,
+// and the numbered errors of missing or broken files.
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "platform/Dao.h"
+#include "store/LocalDatabases.h"
+#include "store/StoreTestUtil.h"
+#include "support/TempDir.h"
+#include "util/RuntimeError.h"
+
+namespace morvane::test {
+namespace {
+
+class DaoTest : public ::testing::Test {
+  protected:
+    void SetUp() override { paths_ = CreateLocalDatabases(temp_.Path()); }
+    std::string Customer() const { return paths_.customer.string(); }
+    TempDir temp_;
+    LocalDatabasePaths paths_;
+};
+
+std::int32_t ErrorNumber(const std::function<void()>& f) {
+    try {
+        f();
+    } catch (const RuntimeError& e) {
+        return e.Number();
+    }
+    return 0;
+}
+
+TEST(JetDialect, TranslatesLiteralsTopAndDelete) {
+    EXPECT_EQ(
+        dao::TranslateJetSql(
+            R"(SELECT TOP 1 RecordUpdate FROM t WHERE (a<>"") AND b="it's ""x""" ORDER BY RecordUpdate DESC)"),
+        "SELECT RecordUpdate FROM t WHERE (a<>'') AND b='it''s \"x\"' ORDER BY "
+        "RecordUpdate DESC LIMIT 1");
+    EXPECT_EQ(dao::TranslateJetSql("UPDATE t SET InetCheckDate = #2024/03/05 7:08:09# WHERE x=1"),
+              "UPDATE t SET InetCheckDate = '2024-03-05 07:08:09' WHERE x=1");
+    EXPECT_EQ(dao::TranslateJetSql(" DELETE * FROM t99_ININ_SUB;"), "DELETE FROM t99_ININ_SUB;");
+    // Keywords inside a text constant are left alone.
+    EXPECT_EQ(dao::TranslateJetSql("SELECT * FROM [t] WHERE n = \"SELECT TOP 5 \""),
+              "SELECT * FROM [t] WHERE n = 'SELECT TOP 5 '");
+    EXPECT_EQ(ErrorNumber([] { dao::TranslateJetSql("SELECT * FROM t WHERE d = #no date#"); }),
+              dao::daoerr::kSyntax);
+}
+
+TEST_F(DaoTest, MissingBrokenAndFolderPathsAreNumberedErrors) {
+    dao::Workspace ws("Morvane", "admin");
+    EXPECT_EQ(ErrorNumber([&] { ws.OpenDatabase((temp_.Path() / "none.dat").string()); }),
+              dao::daoerr::kFileNotFound);
+    const auto broken = temp_.Path() / "broken.dat";
+    std::ofstream(broken) << std::string(4096, 'x');
+    EXPECT_EQ(ErrorNumber([&] { ws.OpenDatabase(broken.string()); }), dao::daoerr::kNotADatabase);
+    EXPECT_EQ(ErrorNumber([&] { ws.OpenDatabase(temp_.Path().string()); }),
+              dao::daoerr::kCannotOpen);
+    dao::Database& db = ws.OpenDatabase(Customer());
+    EXPECT_EQ(ErrorNumber([&] { db.OpenRecordset("SELECT * FROM tNothing"); }),
+              dao::daoerr::kNoSuchTable);
+    auto rs = db.OpenRecordset("SELECT id FROM tCustomer", dao::dbOpenDynaset, dao::dbReadOnly);
+    EXPECT_TRUE(rs->Bof() && rs->Eof());
+    EXPECT_EQ(ErrorNumber([&] { rs->Fields("Nope"); }), dao::daoerr::kItemNotFound);
+    EXPECT_EQ(ErrorNumber([&] { rs->MoveNext(); }), dao::daoerr::kNoCurrentRecord);
+    EXPECT_EQ(ErrorNumber([&] { rs->AddNew(); }), dao::daoerr::kReadOnly);
+}
+
+TEST_F(DaoTest, WritesDatesNullsAndNumbersAndReadsThemBackTyped) {
+    dao::Workspace ws("Morvane", "admin");
+    dao::Database& db = ws.OpenDatabase(Customer());
+    {
+        auto rs = db.OpenRecordset("SELECT * FROM tCustomer WHERE id = 7");
+        ASSERT_TRUE(rs->Eof());
+        rs->AddNew();
+        rs->Fields("id").PutValue(Value(7));
+        rs->Fields("Code").PutValue(Value("A&B"));
+        rs->Fields("RecordUpdate").PutValue(Value("2024/02/03 04:05:06"));
+        rs->Fields("InetCheckDate").PutValue(Value::Null());
+        rs->Fields("PmtCheck0").PutValue(Value(" 12 "));
+        rs->Fields("PmtCheck1").PutValue(Value(2.5));
+        rs->Update();
+        EXPECT_TRUE(rs->Eof());  // an added row joins no traversal
+    }
+    auto rs = db.OpenRecordset("SELECT * FROM tCustomer WHERE id = 7", dao::dbOpenDynaset,
+                               dao::dbReadOnly);
+    ASSERT_FALSE(rs->Eof());
+    const Value stamp = rs->Fields("RecordUpdate").GetValue();
+    ASSERT_TRUE(stamp.IsDateValue());
+    EXPECT_EQ(stamp.AsDate().StampText(), "2024/02/03 04:05:06");
+    EXPECT_TRUE(rs->Fields("InetCheckDate").GetValue().IsNull());
+    EXPECT_EQ(rs->Fields("PmtCheck0").GetValue(), Value(12));
+    EXPECT_EQ(rs->Fields("pmtcheck1").GetValue(), Value(2.5));
+    EXPECT_EQ(rs->Fields("disabled").GetValue(), Value(0));  // the schema's default
+    EXPECT_EQ(rs->Fields("Code").GetValue(), Value("A&B"));
+    // The aggregate of a date column reads as a date too.
+    EXPECT_TRUE(db.OpenRecordset("SELECT MAX(RecordUpdate) AS m FROM tCustomer")
+                    ->Fields("m")
+                    .GetValue()
+                    .IsDateValue());
+    // Text that is no number does not go into a number column.
+    auto edit = db.OpenRecordset("SELECT * FROM tCustomer WHERE id = 7");
+    edit->Edit();
+    edit->Fields("PmtCheck0").PutValue(Value("abc"));
+    EXPECT_EQ(ErrorNumber([&] { edit->Update(); }), dao::daoerr::kTypeConversion);
+}
+
+TEST_F(DaoTest, RollbackAndAnOpenTransactionAtCloseLeaveTheRowsAsTheyWere) {
+    Sql(paths_.customer, "INSERT INTO tCustomer (id, Code) VALUES (1, 'a'), (2, 'b');");
+    {
+        dao::Workspace ws("Morvane", "admin");
+        dao::Database& db = ws.OpenDatabase(Customer());
+        ws.BeginTrans();
+        db.Execute("UPDATE tCustomer SET Code = \"z\" WHERE id = 1");
+        auto rs = db.OpenRecordset("SELECT * FROM tCustomer ORDER BY id");
+        rs->MoveNext();
+        rs->Edit();
+        rs->Fields("Code").PutValue(Value("y"));
+        rs->Update();
+        ws.Rollback();
+    }
+    EXPECT_EQ(Rows(paths_.customer, "SELECT id, Code FROM tCustomer ORDER BY id"),
+              (std::vector<std::string>{"1|a", "2|b"}));
+    {
+        dao::Workspace ws("Morvane", "admin");
+        dao::Database& db = ws.OpenDatabase(Customer());
+        ws.BeginTrans();
+        db.Execute("DELETE * FROM tCustomer");
+    }  // closed without a commit
+    EXPECT_EQ(One(paths_.customer, "SELECT COUNT(*) FROM tCustomer"), "2");
+    {
+        dao::Workspace ws("Morvane", "admin");
+        dao::Database& db = ws.OpenDatabase(Customer());
+        ws.BeginTrans();
+        db.Execute("UPDATE tCustomer SET Code = \"c\" WHERE id = 2");
+        ws.CommitTrans();
+    }
+    EXPECT_EQ(One(paths_.customer, "SELECT Code FROM tCustomer WHERE id = 2"), "c");
+}
+
+TEST(LocalDatabases, SampleDataFillsEveryTableWithDeletedAndUnstampedRows) {
+    TempDir temp;
+    SampleDataOptions options;
+    options.customers = 20;
+    options.hostSampleCustomer = true;
+    const auto paths = CreateLocalDatabases(temp.Path(), options);
+    EXPECT_EQ(One(paths.customer, "SELECT COUNT(*) FROM tCustomer WHERE disabled = 0"), "21");
+    EXPECT_EQ(One(paths.customer, "SELECT CorpName0 FROM tCustomer WHERE id = 21"),
+              kSampleCustomerName);
+    for (const char* table :
+         {"tCustomerGyoshu", "tCustomerKyokaHistory", "tCustomerNyusatsuKanri"}) {
+        EXPECT_EQ(One(paths.customer, std::string("SELECT COUNT(*) FROM ") + table), "40") << table;
+        EXPECT_NE(One(paths.customer,
+                      std::string("SELECT COUNT(*) FROM ") + table + " WHERE disabled = 1"),
+                  "0")
+            << table;
+    }
+    EXPECT_NE(One(paths.prefcustom,
+                  "SELECT COUNT(*) FROM t99_PRINT_CUSTOMERDATA WHERE "
+                  "RecordUpdate IS NULL"),
+              "0");
+    EXPECT_NE(One(paths.prefcustom,
+                  "SELECT COUNT(*) FROM t13_HENKOTODOKE_TEISEI WHERE "
+                  "InetCheckDate IS NULL"),
+              "0");
+    EXPECT_EQ(One(paths.master, "SELECT COUNT(*) FROM tUserStaff"), "3");
+    // A second build in the same folder is refused and leaves the first intact.
+    EXPECT_THROW(CreateLocalDatabases(temp.Path(), options), RuntimeError);
+    EXPECT_EQ(One(paths.customer, "SELECT COUNT(*) FROM tCustomer"), "21");
+}
+
+}  // namespace
+}  // namespace morvane::test
