@@ -1,0 +1,81 @@
+// The clock measurement's tries against the HTTPS test server, with a clock that moves by a
+// set step at every reading, and the data folder's offset on a local disk.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "RosterTestUtil.h"
+#include "session/ProcessState.h"
+#include "session/ctrlMorvane.h"
+#include "session/mdlServerTime.h"
+#include "store/StoreTestUtil.h"
+#include "support/MorvaneTest.h"
+
+namespace morvane::test {
+namespace {
+
+class ServerTimeTest : public MorvaneTest {
+  protected:
+    double Seconds(double days) { return std::round(days * 86400.0 * 1000.0) / 1000.0; }
+    const DateValue start_ = DateValue::FromCivil({2024, 5, 1, 10, 0, 0});
+};
+
+TEST_F(ServerTimeTest, OneFastExchangeDecidesAtOnce) {
+    // The server's clock is 10 seconds behind.
+    server_->On("gettime.php", TimeReply("2024/05/01 09:59:50"));
+    State().SetClock(std::make_shared<StepClock>(start_, 0.0));
+    ctrlMorvane obj;
+    obj.UpdateServerTimeOffset();
+    EXPECT_EQ(server_->RequestsTo("gettime.php").size(), 1u);
+    EXPECT_EQ(server_->RequestsTo("gettime.php")[0].body, "");
+    EXPECT_EQ(Seconds(State().inetServerTimeOffset), 9.0);  // less the one second
+    EXPECT_EQ(obj.InetServerTimeOffset(), DoubleText(State().inetServerTimeOffset));
+}
+
+TEST_F(ServerTimeTest, SlowExchangesAreAveragedOverThreeSamples) {
+    server_->On("gettime.php", TimeReply("2024/05/01 10:00:00"));
+    // Every exchange takes 3 seconds: midpoints at +1.5, +7.5 and +13.5 seconds.
+    State().SetClock(std::make_shared<StepClock>(start_, 3.0));
+    EXPECT_EQ(Seconds(MeasureServerTimeOffset()), 7.5 - 1.0);
+    EXPECT_EQ(server_->RequestsTo("gettime.php").size(), 3u);
+}
+
+TEST_F(ServerTimeTest, NoAnswerOrOnlyVerySlowOnesGiveMinusOneSecond) {
+    server_->On("gettime.php", TimeReply("2024/05/01 10:00:00"));
+    State().SetClock(std::make_shared<StepClock>(start_, 6.0));
+    EXPECT_EQ(Seconds(MeasureServerTimeOffset()), -1.0);
+    EXPECT_EQ(server_->RequestsTo("gettime.php").size(), 10u);
+    server_->ClearRequests();
+    server_->On("gettime.php", "");
+    EXPECT_EQ(Seconds(MeasureServerTimeOffset()), -1.0);
+    EXPECT_EQ(server_->RequestsTo("gettime.php").size(), 10u);
+    EXPECT_TRUE(kit_->Boxes().empty());  // no answer is silent
+    // A reply that does not parse is told each time.
+    server_->On("gettime.php", "<r><datetime>");
+    EXPECT_EQ(Seconds(MeasureServerTimeOffset()), -1.0);
+    EXPECT_EQ(kit_->Boxes().size(), 10u);
+    EXPECT_EQ(kit_->Boxes()[0].text, "loadXML エラー");
+    EXPECT_EQ(kit_->Boxes()[0].title, "GetXmlDateTime");
+}
+
+TEST_F(ServerTimeTest, DataFolderOnALocalDiskIsZeroAndMeasuredOncePerProcess) {
+    const auto paths = CreateLocalDatabases(temp_.Path() / "data");
+    EXPECT_EQ(MeasureDataFolderTimeOffset(paths.customer.string()), 0.0);
+    EXPECT_EQ(MeasureDataFolderTimeOffset((temp_.Path() / "none.dat").string()), 0.0);
+    server_->On("gettime.php", TimeReply(State().Clock().Now().StampText()));
+    server_->On("customer/getCompList.php", RosterReply({}));
+    LogIn();
+    ctrlMorvane obj;
+    EXPECT_EQ(obj.CompareCustomerList(paths.customer.string()), 0);
+    EXPECT_TRUE(State().dataFolderOffsetMeasured);
+    EXPECT_EQ(obj.InetDataFolderTimeOffset(), "0");
+    // A second comparison measures the server again but not the folder.
+    State().inetDataFolderTimeOffset = 0.5;
+    const size_t before = server_->RequestsTo("gettime.php").size();
+    EXPECT_EQ(obj.CompareCustomerList(paths.customer.string()), 0);
+    EXPECT_EQ(State().inetDataFolderTimeOffset, 0.5);
+    EXPECT_GT(server_->RequestsTo("gettime.php").size(), before);
+}
+
+}  // namespace
+}  // namespace morvane::test
