@@ -1,0 +1,169 @@
+// The terminal binding with scripted input: the dialogs answered by a person, the same
+// dialogs with nobody at the terminal, boxes, timers, and the programs it starts.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <thread>
+
+#include "session/ProcessState.h"
+#include "session/basTextEncrypt.h"
+#include "session/ctrlMorvane.h"
+#include "session/mdlLogin.h"
+#include "session/mdlMsgBox.h"
+#include "session/mdlRegConstMorvane.h"
+#include "support/MorvaneTest.h"
+#include "tty/TtyToolkit.h"
+
+namespace morvane::test {
+namespace {
+
+class TtyTest : public MorvaneTest {
+  protected:
+    // Installs a terminal toolkit that reads the given lines.
+    void UseTty(const std::string& input, bool interactive) {
+        in_.str(input);
+        in_.clear();
+        out_.str("");
+        tty::TtyOptions options;
+        options.interactive = interactive;
+        options.openCommand = {"true"};
+        options.trashCommand = {"false"};
+        tty_ = std::make_shared<tty::TtyToolkit>(in_, out_, options);
+        State().SetToolkit(tty_);
+    }
+    std::string Out() const { return out_.str(); }
+
+    std::istringstream in_;
+    std::ostringstream out_;
+    std::shared_ptr<tty::TtyToolkit> tty_;
+};
+
+TEST_F(TtyTest, PersonLogsInByControlNamesAndNumbers) {
+    server_->On("login.php", LoginReply(1, "TOK"));
+    // Garbage and an out-of-range number are asked again; a password is not shown.
+    UseTty("txtUID\nuser1\nbogus\n99\ntxtPWD\nsecret\nchkAutoLogin\ncmdLogin\n", true);
+    ctrlMorvane obj;
+    EXPECT_EQ(obj.ShowLogin(nullptr), 1);
+    const std::string out = Out();
+    EXPECT_NE(out.find("=== ログイン ==="), std::string::npos);
+    EXPECT_NE(out.find("ソラスタ - モルヴェインへ接続"), std::string::npos);
+    EXPECT_NE(out.find("<ログイン>"), std::string::npos);
+    EXPECT_NE(out.find("[ログイン] (i) ログインに成功しました。"), std::string::npos);
+    EXPECT_NE(out.find("[********]"), std::string::npos);
+    EXPECT_EQ(out.find("secret"), std::string::npos);
+    EXPECT_NE(out.find("?\n"), std::string::npos);
+    EXPECT_EQ(server_->RequestsTo("login.php").at(0).body, "no=C-1001&ID=user1&PW=secret&");
+    EXPECT_EQ(DecryptText(Setting(reg::kLoginPWD)), "secret");
+}
+
+TEST_F(TtyTest, WithoutATerminalDialogsAreCancelledAndBoxesTakeTheirDefault) {
+    UseTty("cmdNoConnect\n", false);
+    ctrlMorvane obj;
+    SetLoginState(0);
+    EXPECT_EQ(obj.ShowLogin(nullptr), 0);
+    EXPECT_NE(Out().find("(no terminal: dialog cancelled)"), std::string::npos);
+    EXPECT_NE(Out().find("ユーザーID :"), std::string::npos);
+    // A forced re-login that cannot be closed still ends.
+    EXPECT_EQ(ShowLoginDlg(nullptr, 1), 0);
+    EXPECT_EQ(obj.ShowSetting(nullptr), 0);
+    EXPECT_EQ(Setting(reg::kEnabledMorvane), "");
+
+    forms::MessageBoxRequest box;
+    box.text = "a\r\nb";
+    box.title = "T";
+    box.buttons = forms::MsgButtons::YesNo;
+    box.defaultButton = 1;
+    EXPECT_EQ(tty_->MessageBox(box), forms::MsgResult::No);
+    EXPECT_NE(Out().find("[T] a\nb\n(no terminal: No)"), std::string::npos);
+    // Nothing was read: the input is still there.
+    std::string rest;
+    std::getline(in_, rest);
+    EXPECT_EQ(rest, "cmdNoConnect");
+}
+
+TEST_F(TtyTest, ForcedReloginRefusesToCloseAndEndsWithTheInput) {
+    UseTty("0\ncmdCancel\n", true);
+    EXPECT_EQ(ShowLoginDlg(nullptr, 1), 0);
+    EXPECT_NE(Out().find("(this dialog cannot be closed)"), std::string::npos);
+    EXPECT_NE(Out().find("<キャンセル> (-)"), std::string::npos);
+    UseTty("0\ncmdNoConnect\n", true);
+    EXPECT_EQ(ShowLoginDlg(nullptr, 1), 99);
+}
+
+TEST_F(TtyTest, SettingsEditedAndStored) {
+    UseTty("cboServerName\n#1\ntxtContractNo\n-\ntxtContractNo\nC-77\ntxtLoginUID\nu7\ncmdOK\n",
+           true);
+    ctrlMorvane obj;
+    EXPECT_EQ(obj.ShowSetting(nullptr), 0);
+    EXPECT_EQ(Setting(reg::kServerName), "morvane.example.jp");
+    EXPECT_EQ(Setting(reg::kContractNo), "C-77");
+    EXPECT_EQ(Setting(reg::kLoginUID), "u7");
+    EXPECT_EQ(Setting(reg::kEnabledMorvane), "True");
+    EXPECT_NE(Out().find("[モルヴェインの設定] (i) モルヴェインの設定が変更されました。\n"),
+              std::string::npos);
+}
+
+TEST_F(TtyTest, BoxWithChoicesIsAnswered) {
+    UseTty("x\n2\n\n", true);
+    EXPECT_EQ(MsgBox("q", forms::MsgIcon::Question, "t", forms::MsgButtons::YesNoCancel),
+              forms::MsgResult::No);
+    // An empty answer is the default button.
+    EXPECT_EQ(MsgBox("q", forms::MsgIcon::Question, "t", forms::MsgButtons::OKCancel),
+              forms::MsgResult::OK);
+    // The end of the input too.
+    EXPECT_EQ(MsgBox("q", forms::MsgIcon::Question, "t", forms::MsgButtons::RetryCancel),
+              forms::MsgResult::Retry);
+}
+
+TEST_F(TtyTest, TimersTickWhenPumpedOnlyWhileLive) {
+    UseTty("", false);
+    forms::Form form(*tty_, "frmTicker", "ticker");
+    auto& timer = form.Add<forms::Timer>("tmr");
+    int ticks = 0;
+    timer.onTimer = [&] { ++ticks; };
+    timer.SetInterval(1);
+    timer.SetTimerEnabled(true);
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    tty_->PumpTimers();
+    EXPECT_EQ(ticks, 0);  // not loaded
+    form.Load();
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    tty_->DoEvents();
+    EXPECT_EQ(ticks, 1);
+    form.Unload();
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    tty_->PumpTimers();
+    EXPECT_EQ(ticks, 1);
+}
+
+TEST_F(TtyTest, ProgramsAreStartedWithoutAShell) {
+    UseTty("", false);
+    EXPECT_EQ(tty_->OpenUrl("https://example.jp/?a=1&b=$(touch x)"), 33);
+    EXPECT_NE(Out().find("-> https://example.jp/?a=1&b=$(touch x)"), std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists("x"));
+    EXPECT_EQ(tty_->MoveToTrash("/nonexistent"), 1);
+
+    // A missing program and a failing one are both "no application".
+    tty::TtyOptions options;
+    options.openCommand = {"/nonexistent/xdg-open"};
+    tty::TtyToolkit missing(in_, out_, options);
+    EXPECT_EQ(missing.OpenUrl("https://x/"), 31);
+    options.openCommand = {"false"};
+    tty::TtyToolkit failing(in_, out_, options);
+    EXPECT_EQ(failing.OpenUrl("https://x/"), 31);
+
+    // The trash command gets the path as one argument, blanks and all.
+    const auto file = temp_.Path() / "a file;rm -rf x";
+    std::ofstream(file) << "data";
+    options.trashCommand = {"rm", "--"};
+    tty::TtyToolkit trashing(in_, out_, options);
+    EXPECT_EQ(trashing.MoveToTrash(file.string()), 0);
+    EXPECT_FALSE(std::filesystem::exists(file));
+}
+
+}  // namespace
+}  // namespace morvane::test
