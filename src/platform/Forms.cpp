@@ -1,6 +1,7 @@
 #include "platform/Forms.h"
 
 #include <algorithm>
+#include <map>
 #include <stdexcept>
 
 namespace morvane::forms {
@@ -221,6 +222,28 @@ void Form::PlaceOnWorkArea() {
     left = std::max(area.left, std::min(left, area.left + area.width - bounds_.width));
     top = std::max(area.top, std::min(top, area.top + area.height - bounds_.height));
     SetPosition(left, top);
+}
+
+std::vector<std::vector<Control*>> LayoutRows(const Form& form) {
+    std::map<int, std::vector<Control*>> rows;
+    int next = 0;
+    for (const auto& c : form.Controls()) next = std::max(next, c->Row() + 1);
+    const Control* previous = nullptr;
+    for (const auto& c : form.Controls()) {
+        if (c->Kind() == ControlKind::Timer) continue;
+        if (c->Row() >= 0) {
+            rows[c->Row()].push_back(c.get());
+            previous = nullptr;
+            continue;
+        }
+        const bool shareLine = previous && previous->Kind() == ControlKind::Button &&
+                               c->Kind() == ControlKind::Button;
+        rows[shareLine ? next - 1 : next++].push_back(c.get());
+        previous = c.get();
+    }
+    std::vector<std::vector<Control*>> lines;
+    for (auto& [row, controls] : rows) lines.push_back(std::move(controls));
+    return lines;
 }
 
 // ---- HeadlessToolkit

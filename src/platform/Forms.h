@@ -311,6 +311,10 @@ private:
     bool unloading_ = false;
 };
 
+// The form's controls (timers aside) in lines for a toolkit to lay out: the lines of the row
+// hints in row order, then one line per control without a hint, neighbouring buttons sharing.
+std::vector<std::vector<Control*>> LayoutRows(const Form& form);
+
 // What renders forms and runs the message loop. One per process, chosen by the host.
 class Toolkit {
 public:

@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFontDatabase>
+#include <QGroupBox>
 #include <QImage>
 #include <QLabel>
 #include <QLineEdit>
@@ -29,6 +30,7 @@
 #include "session/frmMorvaneSetting.h"
 #include "session/mdlLogin.h"
 #include "session/mdlRegConstMorvane.h"
+#include "store/frmSelectCompareMsg.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {
@@ -104,7 +106,12 @@ class QtDialogsTest : public MorvaneTest {
             if (auto* button = qobject_cast<QAbstractButton*>(w)) shown = button->text();
             if (auto* line = qobject_cast<QLineEdit*>(w)) shown = line->text();
             if (auto* combo = qobject_cast<QComboBox*>(w)) shown = combo->currentText();
-            EXPECT_EQ(shown.toStdString(), c->Text()) << c->Name();
+            if (auto* group = qobject_cast<QGroupBox*>(w)) shown = group->title();
+            EXPECT_EQ(shown.replace("\n", "\r\n").toStdString(), QString::fromStdString(c->Text())
+                                                                     .replace("\r\n", "\n")
+                                                                     .replace("\n", "\r\n")
+                                                                     .toStdString())
+                << c->Name();
             const QRect r(w->mapTo(window.get(), QPoint(0, 0)), w->size());
             int ink = 0;
             for (int y = r.top(); y <= r.bottom() && y < image.height(); ++y)
@@ -135,6 +142,12 @@ TEST_F(QtDialogsTest, SettingDialogRendersItsTexts) {
     SetLoginState(99);
     frmMorvaneSetting form(*qt_);
     Screenshot(form, "frmMorvaneSetting.png", 22);
+}
+
+TEST_F(QtDialogsTest, CompareDialogRendersItsTexts) {
+    frmSelectCompareMsg form(*qt_);
+    form.SetData("基本情報", "2024/05/01 10:00:00", "2024/04/01 09:00:00", "");
+    Screenshot(form, "frmSelectCompareMsg.png", 10);
 }
 
 TEST_F(QtDialogsTest, LoginThroughTheRealWidgets) {

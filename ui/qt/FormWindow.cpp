@@ -38,20 +38,12 @@ FormWindow::~FormWindow() {
 // Rows of the form's row hints, in order; a row of a label and a field becomes a line of a
 // two-column grid, any other row a line of its own, buttons set to the right.
 void FormWindow::Build() {
-    std::map<int, std::vector<forms::Control*>> rows;
-    int nextFree = 0;
-    for (const auto& c : form_.Controls()) nextFree = std::max(nextFree, c->Row() + 1);
-    for (const auto& c : form_.Controls()) {
-        if (c->Kind() == forms::ControlKind::Timer) continue;
-        rows[c->Row() >= 0 ? c->Row() : nextFree++].push_back(c.get());
-    }
-
     auto* outer = new QVBoxLayout(this);  // owned by the window
     auto* grid = new QGridLayout();       // owned by outer once added
     grid->setColumnStretch(1, 1);
     outer->addLayout(grid);
     int line = 0;
-    for (auto& [row, controls] : rows) {
+    for (const auto& controls : forms::LayoutRows(form_)) {
         std::vector<QWidget*> widgets;
         for (forms::Control* c : controls) {
             ControlBinding binding = BuildWidget(*c, this);

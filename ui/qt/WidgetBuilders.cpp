@@ -26,6 +26,10 @@ QString Q(const std::string& s) {
 std::string S(const QString& s) {
     return s.toStdString();
 }
+// A text as shown: the host's CR LF line breaks as Qt's.
+QString Shown(const std::string& s) {
+    return Q(s).replace("\r\n", "\n");
+}
 
 // Every widget here is owned by its Qt parent, which deletes it with the window.
 template <class W, class... A>
@@ -71,7 +75,7 @@ ControlBinding BuildLabel(forms::Control& c, QWidget* parent) {
     w->setTextFormat(Qt::PlainText);
     w->setObjectName(Q(c.Name()));
     Watch(c, w, true);
-    return {w, [&c, w] { w->setText(Q(c.Text())); }};
+    return {w, [&c, w] { w->setText(Shown(c.Text())); }};
 }
 
 ControlBinding BuildPanel(forms::Control& c, QWidget* parent) {
@@ -81,7 +85,7 @@ ControlBinding BuildPanel(forms::Control& c, QWidget* parent) {
     w->setCursor(Qt::PointingHandCursor);
     w->setStyleSheet("QLabel { color: #1a55b0; text-decoration: underline; }");
     Watch(c, w, true);
-    return {w, [&c, w] { w->setText(Q(c.Text())); }};
+    return {w, [&c, w] { w->setText(Shown(c.Text())); }};
 }
 
 ControlBinding BuildTextBox(forms::Control& c, QWidget* parent) {

@@ -160,15 +160,10 @@ std::string TtyToolkit::FieldLabel(const forms::Control& control) const {
 
 void TtyToolkit::Print(const forms::Form& form) {
     out_ << "\n=== " << form.Caption() << " ===\n";
-    std::map<int, std::vector<const forms::Control*>> rows;
-    int nextFree = 0;
-    for (const auto& c : form.Controls()) nextFree = std::max(nextFree, c->Row() + 1);
-    for (const auto& c : form.Controls())
-        if (c->Visible() && c->Kind() != forms::ControlKind::Timer)
-            rows[c->Row() >= 0 ? c->Row() : nextFree++].push_back(c.get());
-    for (const auto& [row, controls] : rows) {
+    for (const auto& controls : forms::LayoutRows(form)) {
         std::string line;
         for (const auto* c : controls) {
+            if (!c->Visible()) continue;
             if (c->Kind() == forms::ControlKind::ListView) {
                 const auto& list = static_cast<const forms::ListView&>(*c);
                 out_ << "  " << Join(list.columns, " | ") << "\n";

@@ -19,6 +19,7 @@
 #include "session/frmLogin.h"
 #include "session/frmMorvaneSetting.h"
 #include "session/mdlLogin.h"
+#include "store/frmSelectCompareMsg.h"
 
 namespace {
 
@@ -47,6 +48,19 @@ std::vector<Dialog> Dialogs() {
         {"setting", "モルヴェインの設定",
          [](auto& kit) { return std::make_unique<morvane::frmMorvaneSetting>(kit); },
          [](ctrlMorvane& obj) { obj.ShowSetting(nullptr); }},
+        {"compare", "使用するデータの確認",
+         [](auto& kit) {
+             auto form = std::make_unique<morvane::frmSelectCompareMsg>(kit);
+             form->SetData("基本情報", "2024/05/01 10:00:00", "2024/04/01 09:00:00", "");
+             return form;
+         },
+         [](ctrlMorvane&) {
+             morvane::ProcessState& state = morvane::State();
+             state.inetDateServer = "2024/05/01 10:00:00";
+             state.inetDateLocal = "2024/04/01 09:00:00";
+             std::printf("ShowCompareMsgDlg -> %d\n",
+                         morvane::ShowCompareMsgDlg(nullptr, "基本情報"));
+         }},
     };
 }
 
