@@ -6,6 +6,7 @@
 #include <openssl/x509.h>
 #include <openssl/x509v3.h>
 
+#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <stdexcept>
@@ -128,6 +129,10 @@ TestServer::TestServer() : impl_(std::make_unique<Impl>(SharedCertificate())) {
     port_ = impl_->server.bind_to_any_port("127.0.0.1");
     if (port_ <= 0) throw std::runtime_error("test server: cannot bind");
     impl_->thread = std::thread([this] { impl_->server.listen_after_bind(); });
+    // A stop before the loop runs would be lost, and the join would wait for ever.
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (!impl_->server.is_running() && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
 
 TestServer::~TestServer() {

@@ -33,12 +33,34 @@ TEST_F(ReplyCheckTest, FlagsOneKeepsLoginAndRotatesToken) {
     EXPECT_TRUE(kit_->ShownForms().empty());  // the plain routine shows no form
 }
 
-TEST_F(ReplyCheckTest, FlagsZeroEndsTheLoginWithoutAWord) {
+TEST_F(ReplyCheckTest, FlagsZeroAsksForTheLoginWithoutOwnerAndWithoutCancel) {
     LogIn("T1");
+    bool cancelEnabled = true;
+    kit_->OnShow("frmLogin", [&](forms::Form& f) {
+        cancelEnabled = f.Get<forms::Button>("cmdCancel").Enabled();
+        f.Get<forms::Button>("cmdNoConnect").Click();
+    });
     EXPECT_EQ(Send(Envelope(0, "")), "");
-    EXPECT_EQ(GetLoginState(), 0);
+    ASSERT_EQ(kit_->ShownForms().size(), 1u);
+    EXPECT_EQ(kit_->ShownForms()[0].form, "frmLogin");
+    EXPECT_EQ(kit_->ShownForms()[0].owner, "");
+    EXPECT_FALSE(cancelEnabled);  // a forced re-login cannot be cancelled
+    EXPECT_EQ(GetLoginState(), 99);
     EXPECT_EQ(GetLoginID(), "");
     EXPECT_TRUE(kit_->Boxes().empty());
+}
+
+TEST_F(ReplyCheckTest, ReLoginThroughTheDialogRestoresTheSessionButNotTheRequest) {
+    LogIn("T1");
+    server_->On("login.php", LoginReply(1, "FRESH"));
+    kit_->OnShow("frmLogin", [](forms::Form& f) {
+        f.Get<forms::TextBox>("txtUID").SetText("user1");
+        f.Get<forms::TextBox>("txtPWD").SetText("pass1");
+        f.Get<forms::Button>("cmdLogin").Click();
+    });
+    EXPECT_EQ(Send(Envelope(0, "")), "");
+    EXPECT_EQ(GetLoginState(), 1);
+    EXPECT_EQ(GetLoginToken(), "FRESH");
 }
 
 TEST_F(ReplyCheckTest, FlagsMinusOneWithTokenTellsAndStaysLoggedIn) {
