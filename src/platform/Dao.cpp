@@ -469,7 +469,9 @@ Database::Database(std::string path, bool exclusive) : path_(std::move(path)) {
         Raise(daoerr::kFileNotFound, "Could not find file '" + path_ + "'.");
     if (fs::is_directory(path_, ec))
         Raise(daoerr::kCannotOpen, "Cannot open the file '" + path_ + "': it is a folder.");
-    const int rc = sqlite3_open_v2(path_.c_str(), &db_, SQLITE_OPEN_READWRITE, nullptr);
+    // One connection is used by one thread only: no locking inside SQLite is needed.
+    const int rc =
+        sqlite3_open_v2(path_.c_str(), &db_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
     if (rc != SQLITE_OK) {
         sqlite3_close_v2(db_);
         db_ = nullptr;

@@ -7,6 +7,7 @@
 
 #include "platform/Dao.h"
 #include "platform/Xml.h"
+#include "session/ProcessState.h"
 #include "session/mdlErrTrap.h"
 #include "store/LocalDatabases.h"
 #include "store/cCustListSync.h"
@@ -46,6 +47,22 @@ std::string Key(std::int32_t id) {
     return "K" + std::to_string(id);
 }
 
+// The snapshot item under the key "K" + id, found by its number without forming the key.
+cCustListSyncItem* SyncItem(cCustListSync& sync, std::int32_t id) {
+    cCustListSyncItem* item = sync.FindById(id);
+    if (item) {
+        const std::string& key = item->Key;
+        std::int32_t n = 0;
+        const bool named = !key.empty() && key[0] == 'K';
+        const auto [end, ec] =
+            named ? std::from_chars(key.data() + 1, key.data() + key.size(), n)
+                  : std::from_chars_result{key.data(), std::errc::invalid_argument};
+        if (!named || ec != std::errc() || end != key.data() + key.size() || n != id)
+            item = nullptr;
+    }
+    return item ? item : sync.Item(Key(id));
+}
+
 }  // namespace
 
 // ---- The collection --------------------------------------------------------------------
@@ -60,6 +77,7 @@ cCustListItem& cCustList::Add(std::int32_t id, std::int32_t index) {
         Reindex();
     } else {
         byKey_.emplace(ref.Key, items_.size());
+        byId_.emplace(ref.id, items_.size());
         items_.push_back(std::move(item));
     }
     return ref;
@@ -90,11 +108,21 @@ void cCustList::Remove(std::string_view key) {
 void cCustList::Clear() {
     items_.clear();
     byKey_.clear();
+    byId_.clear();
 }
 
 void cCustList::Reindex() {
     byKey_.clear();
-    for (size_t i = 0; i < items_.size(); ++i) byKey_.emplace(items_[i]->Key, i);
+    byId_.clear();
+    for (size_t i = 0; i < items_.size(); ++i) {
+        byKey_.emplace(items_[i]->Key, i);
+        byId_.emplace(items_[i]->id, i);
+    }
+}
+
+const cCustListItem* cCustList::ItemById(std::int32_t id) const {
+    const auto it = byId_.find(id);
+    return it == byId_.end() ? nullptr : items_[it->second].get();
 }
 
 // ---- Reading the reply -----------------------------------------------------------------
@@ -219,6 +247,19 @@ std::int32_t cCustList::CompareLocalDB(const std::string& localDb) {
 
 void cCustList::CompareLocalDBTable(const std::string& localDb, const std::string& prefDb,
                                     cCustListSync& sync, std::int32_t custId) {
+    // The process-wide stamps are left as the last decision of the scan leaves them; they
+    // are written once at the end rather than half a million times.
+    struct LastDecision {
+        std::int32_t result = 0;
+        const cCustListSyncItem* item = nullptr;
+        int index = 0;
+        ~LastDecision() {
+            if (!item) return;
+            KeepComparedStamps(result, Value(item->RecordUpdate_sv(index)), item->LocalStamp(index),
+                               item->CheckStamp(index));
+        }
+    } last;
+    const double offset = State().inetServerTimeOffset;
     try {
         auto ws = CreateMorvaneWorkspace();
         dao::Database& local = ws->OpenDatabase(localDb);
@@ -234,12 +275,13 @@ void cCustList::CompareLocalDBTable(const std::string& localDb, const std::strin
             const dao::Field localField = rs->Fields(main ? "RecordUpdate" : "rumax");
             const dao::Field checkField = rs->Fields(main ? "InetCheckDate" : "cdmax");
 
-            auto judge = [&](cCustListSyncItem& item, const std::string& key, Value lc, Value cd,
-                             bool hasRows) {
-                const cCustListItem* listed = Item(key);
-                std::string server =
-                    listed ? listed->RecordUpdate[static_cast<size_t>(index)] : std::string();
-                const std::int32_t result = CompareInetDates(Value(server), lc, cd);
+            auto judge = [&](cCustListSyncItem& item, const cCustListItem* listed, Value lc,
+                             Value cd, bool hasRows) {
+                static const std::string kNone;
+                const std::string& server =
+                    listed ? listed->RecordUpdate[static_cast<size_t>(index)] : kNone;
+                const std::int32_t result =
+                    DecideInetDates(DateValue::Parse(server), AsDate(lc), AsDate(cd), offset);
                 bool backuped = false;
                 if (result == 0)
                     backuped = true;
@@ -250,22 +292,28 @@ void cCustList::CompareLocalDBTable(const std::string& localDb, const std::strin
                 else if (index == kIndexT28KyokaShinseiHyoshi && hasRows)
                     backuped = true;
                 item.SetBackuped(index, backuped);
-                item.SetStamps(index, lc.IsNull() ? Value() : std::move(lc), std::move(server),
-                               cd.IsNull() ? Value() : std::move(cd));
                 item.SetSyncFlag(index, result);
+                item.SetStamps(index, std::move(lc), server, std::move(cd));
+                last.result = result;
+                last.item = &item;
+                last.index = index;
             };
 
             if (!rs->Eof()) {
                 for (; !rs->Eof(); rs->MoveNext()) {
-                    const std::string key = "K" + NzString(keyField.GetValue());
-                    cCustListSyncItem* item = sync.Item(key);
-                    if (!item) continue;  // a customer the server does not know
-                    judge(*item, key, localField.GetValue(), checkField.GetValue(), true);
+                    const Value key = keyField.GetValue();
+                    // Items are keyed "K" + number: a row whose key names no item is a
+                    // customer the server does not know.
+                    cCustListSyncItem* item = key.IsLong() ? SyncItem(sync, key.AsLong())
+                                                           : sync.Item("K" + NzString(key));
+                    if (!item) continue;
+                    const cCustListItem* listed =
+                        key.IsLong() ? ItemById(key.AsLong()) : Item("K" + NzString(key));
+                    judge(*item, listed, localField.GetValue(), checkField.GetValue(), true);
                 }
             } else if (custId > 0) {
-                const std::string key = Key(custId);
-                if (cCustListSyncItem* item = sync.Item(key))
-                    judge(*item, key, Value(), Value(), false);
+                if (cCustListSyncItem* item = SyncItem(sync, custId))
+                    judge(*item, ItemById(custId), Value(), Value(), false);
             }
         }
     } catch (...) {

@@ -74,9 +74,11 @@ class cCustList {
     bool ParseCompList(std::string_view xml);
     bool AnalyzeCustListItem(const platform::XmlNode& node);
     void Reindex();
+    const cCustListItem* ItemById(std::int32_t id) const;
 
     std::vector<std::unique_ptr<cCustListItem>> items_;
     std::unordered_map<std::string, size_t> byKey_;
+    std::unordered_map<std::int32_t, size_t> byId_;
     std::string localDb_;
     std::string addLocalIDs_, addServerIDs_, delLocalIDs_, delServerIDs_;
 };

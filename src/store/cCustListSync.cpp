@@ -88,6 +88,11 @@ const cCustListSyncItem* cCustListSync::FindById(std::int32_t custId) const {
     return it == byId_.end() ? nullptr : items_[it->second].get();
 }
 
+cCustListSyncItem* cCustListSync::FindById(std::int32_t custId) {
+    const auto it = byId_.find(custId);
+    return it == byId_.end() ? nullptr : items_[it->second].get();
+}
+
 void cCustListSync::Remove(std::string_view key) {
     const auto it = byKey_.find(std::string(key));
     if (it == byKey_.end()) return;

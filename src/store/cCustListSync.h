@@ -39,6 +39,7 @@ class cCustListSyncItem {
     // as text; the server's as its text.
     void SetStamps(int index, Value local, std::string server, Value check);
     const Value& LocalStamp(int index) const { return lc_[static_cast<size_t>(index)]; }
+    const Value& CheckStamp(int index) const { return comp_[static_cast<size_t>(index)]; }
 
   private:
     static bool InRange(int index) { return index >= 0 && index < kBackupTableCount; }
@@ -68,6 +69,7 @@ class cCustListSync {
     bool Find(std::string_view key) const { return Item(key) != nullptr; }
     // The first item, in stored order, with this customer number; in constant time.
     const cCustListSyncItem* FindById(std::int32_t custId) const;
+    cCustListSyncItem* FindById(std::int32_t custId);
     std::int32_t Count() const { return static_cast<std::int32_t>(items_.size()); }
     void Remove(std::string_view key);
 

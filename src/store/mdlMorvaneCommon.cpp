@@ -116,18 +116,18 @@ std::optional<DateValue> AsDate(const Value& v) {
 }
 
 std::int32_t CompareInetDates(const Value& server, const Value& local, const Value& check) {
-    ProcessState& state = State();
-    state.inetDateServer.clear();
-    state.inetDateLocal.clear();
-    state.inetDateCheck.clear();
     const std::int32_t result =
-        DecideInetDates(AsDate(server), AsDate(local), AsDate(check), state.inetServerTimeOffset);
-    if (result != 0) {
-        state.inetDateServer = NzString(server);
-        state.inetDateLocal = NzString(local);
-        state.inetDateCheck = NzString(check);
-    }
+        DecideInetDates(AsDate(server), AsDate(local), AsDate(check), State().inetServerTimeOffset);
+    KeepComparedStamps(result, server, local, check);
     return result;
+}
+
+void KeepComparedStamps(std::int32_t result, const Value& server, const Value& local,
+                        const Value& check) {
+    ProcessState& state = State();
+    state.inetDateServer = result ? NzString(server) : std::string();
+    state.inetDateLocal = result ? NzString(local) : std::string();
+    state.inetDateCheck = result ? NzString(check) : std::string();
 }
 
 std::string FormatDate(DateValue date, std::string_view p) {

@@ -41,6 +41,9 @@ std::int32_t DecideInetDates(std::optional<DateValue> server, std::optional<Date
 // The same on the values as the callers hold them (date texts, dates, "", Empty or Null);
 // keeps the three stamps process-wide when the result is not 0, clears them otherwise.
 std::int32_t CompareInetDates(const Value& server, const Value& local, const Value& check);
+// What CompareInetDates leaves process-wide after a decision: the stamps when it is not 0.
+void KeepComparedStamps(std::int32_t result, const Value& server, const Value& local,
+                        const Value& check);
 
 // A date in a pattern of the host's Format: yyyy yy MM M dd d hh h mm m (minutes after an
 // hour) nn ss s; any other character stands as it is.
