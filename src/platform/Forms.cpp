@@ -8,13 +8,18 @@ namespace morvane::forms {
 
 std::vector<MsgResult> ButtonResults(MsgButtons buttons) {
     switch (buttons) {
-        case MsgButtons::OK: return {MsgResult::OK};
-        case MsgButtons::OKCancel: return {MsgResult::OK, MsgResult::Cancel};
+        case MsgButtons::OK:
+            return {MsgResult::OK};
+        case MsgButtons::OKCancel:
+            return {MsgResult::OK, MsgResult::Cancel};
         case MsgButtons::AbortRetryIgnore:
             return {MsgResult::Abort, MsgResult::Retry, MsgResult::Ignore};
-        case MsgButtons::YesNoCancel: return {MsgResult::Yes, MsgResult::No, MsgResult::Cancel};
-        case MsgButtons::YesNo: return {MsgResult::Yes, MsgResult::No};
-        case MsgButtons::RetryCancel: return {MsgResult::Retry, MsgResult::Cancel};
+        case MsgButtons::YesNoCancel:
+            return {MsgResult::Yes, MsgResult::No, MsgResult::Cancel};
+        case MsgButtons::YesNo:
+            return {MsgResult::Yes, MsgResult::No};
+        case MsgButtons::RetryCancel:
+            return {MsgResult::Retry, MsgResult::Cancel};
     }
     return {MsgResult::OK};
 }
@@ -236,8 +241,8 @@ std::vector<std::vector<Control*>> LayoutRows(const Form& form) {
             previous = nullptr;
             continue;
         }
-        const bool shareLine = previous && previous->Kind() == ControlKind::Button &&
-                               c->Kind() == ControlKind::Button;
+        const bool shareLine =
+            previous && previous->Kind() == ControlKind::Button && c->Kind() == ControlKind::Button;
         rows[shareLine ? next - 1 : next++].push_back(c.get());
         previous = c.get();
     }

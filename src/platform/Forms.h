@@ -14,13 +14,29 @@ namespace morvane::forms {
 class Form;
 class Toolkit;
 
-enum class ControlKind { Label, TextBox, CheckBox, Button, ComboBox, Panel, Frame, ListView, Grid,
-                         Timer };
+enum class ControlKind {
+    Label,
+    TextBox,
+    CheckBox,
+    Button,
+    ComboBox,
+    Panel,
+    Frame,
+    ListView,
+    Grid,
+    Timer
+};
 
 // Message box icons and buttons, with the host's own numbers.
 enum class MsgIcon { None = 0, Critical = 16, Question = 32, Exclamation = 48, Information = 64 };
-enum class MsgButtons { OK = 0, OKCancel = 1, AbortRetryIgnore = 2, YesNoCancel = 3, YesNo = 4,
-                        RetryCancel = 5 };
+enum class MsgButtons {
+    OK = 0,
+    OKCancel = 1,
+    AbortRetryIgnore = 2,
+    YesNoCancel = 3,
+    YesNo = 4,
+    RetryCancel = 5
+};
 enum class MsgResult { OK = 1, Cancel = 2, Abort = 3, Retry = 4, Ignore = 5, Yes = 6, No = 7 };
 
 struct MessageBoxRequest {
@@ -183,7 +199,7 @@ public:
     Grid(Form& f, std::string name) : Control(f, std::move(name), ControlKind::Grid) {}
     struct Cell {
         std::string text;
-        std::string data;                 // a value kept with the cell, not shown
+        std::string data;                  // a value kept with the cell, not shown
         std::vector<std::string> choices;  // a drop-down list for this cell, if any
         bool locked = false;
     };

@@ -62,8 +62,8 @@ std::unique_ptr<XmlDocument> XmlDocument::Load(std::string_view text) {
     if (text.empty()) return nullptr;
     auto impl = std::make_unique<Impl>();
     // pugixml resolves no external entity and reads no DTD: nothing leaves the process.
-    const pugi::xml_parse_result result = impl->doc.load_buffer(
-        text.data(), text.size(), pugi::parse_default, pugi::encoding_auto);
+    const pugi::xml_parse_result result =
+        impl->doc.load_buffer(text.data(), text.size(), pugi::parse_default, pugi::encoding_auto);
     if (!result || !impl->doc.document_element()) return nullptr;
     return std::unique_ptr<XmlDocument>(new XmlDocument(std::move(impl)));
 }
@@ -77,12 +77,23 @@ std::string XmlEscape(std::string_view text) {
     out.reserve(text.size());
     for (char c : text) {
         switch (c) {
-            case '&': out += "&amp;"; break;
-            case '<': out += "&lt;"; break;
-            case '>': out += "&gt;"; break;
-            case '"': out += "&quot;"; break;
-            case '\r': out += "&#13;"; break;
-            default: out += c;
+            case '&':
+                out += "&amp;";
+                break;
+            case '<':
+                out += "&lt;";
+                break;
+            case '>':
+                out += "&gt;";
+                break;
+            case '"':
+                out += "&quot;";
+                break;
+            case '\r':
+                out += "&#13;";
+                break;
+            default:
+                out += c;
         }
     }
     return out;

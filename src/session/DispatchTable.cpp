@@ -19,19 +19,24 @@ DispatchTable Build() {
 }
 
 [[noreturn]] void Mismatch(const DispatchArg& a, const char* want) {
-    throw RuntimeError(kTypeMismatch,
-                       "Type mismatch: '" + a.value.ToText() + "' is not a " + want);
+    throw RuntimeError(kTypeMismatch, "Type mismatch: '" + a.value.ToText() + "' is not a " + want);
 }
 }  // namespace
 
 const char* ArgTypeName(ArgType type) {
     switch (type) {
-        case ArgType::Long: return "Long";
-        case ArgType::Double: return "Double";
-        case ArgType::Bool: return "Boolean";
-        case ArgType::Text: return "String";
-        case ArgType::Object: return "Object";
-        case ArgType::Variant: return "Variant";
+        case ArgType::Long:
+            return "Long";
+        case ArgType::Double:
+            return "Double";
+        case ArgType::Bool:
+            return "Boolean";
+        case ArgType::Text:
+            return "String";
+        case ArgType::Object:
+            return "Object";
+        case ArgType::Variant:
+            return "Variant";
     }
     return "?";
 }
@@ -63,8 +68,8 @@ Value DispatchTable::Invoke(ctrlMorvane& object, std::string_view name,
         throw RuntimeError(kNoSuchMember,
                            "Object doesn't support this property or method: " + std::string(name));
     if (args.size() != m->params.size())
-        throw RuntimeError(kWrongArgCount, m->name + " takes " +
-                                               std::to_string(m->params.size()) + " arguments");
+        throw RuntimeError(kWrongArgCount,
+                           m->name + " takes " + std::to_string(m->params.size()) + " arguments");
     return m->invoke(object, args);
 }
 

@@ -46,8 +46,9 @@ using Reader = std::function<bool(Worker&, const std::string&)>;
 // read and compare; the result is the decision code, 0 on any failure.
 template <class Worker>
 std::int32_t Compare(std::unique_ptr<Worker>& slot, const Request& request,
-                     const Reader<Worker>& read, const std::function<std::int32_t(Worker&)>& compare,
-                     Keep keep, const Factory<Worker>& make = MakeDefault<Worker>) {
+                     const Reader<Worker>& read,
+                     const std::function<std::int32_t(Worker&)>& compare, Keep keep,
+                     const Factory<Worker>& make = MakeDefault<Worker>) {
     try {
         const std::string reply = Fetch(request);
         if (GetLoginState() != 1) {
@@ -63,7 +64,7 @@ std::int32_t Compare(std::unique_ptr<Worker>& slot, const Request& request,
             return 0;
         }
         const std::int32_t result = compare(*slot);
-        const bool kept = keep == Keep::NonZero ? result != 0
+        const bool kept = keep == Keep::NonZero   ? result != 0
                           : keep == Keep::OnlyOne ? result == 1
                                                   : false;
         if (!kept) slot.reset();

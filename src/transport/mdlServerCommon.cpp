@@ -67,7 +67,8 @@ std::string EncodeURIValue(std::string_view text) {
     out.reserve(text.size() * 3);
     for (const char ch : text) {
         const unsigned char c = static_cast<unsigned char>(ch);
-        const bool alnum = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+        const bool alnum =
+            (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
         if (alnum || kKept.find(ch) != std::string_view::npos) {
             out += ch;
         } else {

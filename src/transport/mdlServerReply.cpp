@@ -53,8 +53,11 @@ std::int32_t CheckServerReply(std::string_view reply) {
     SetLoginState(flags);
     SetLoginToken(token);
     switch (flags) {
-        case 1: return 1;
-        case 0: ReLogin(); return 0;
+        case 1:
+            return 1;
+        case 0:
+            ReLogin();
+            return 0;
         case -1:
         case -2:
             if (flags == -1)
@@ -67,7 +70,8 @@ std::int32_t CheckServerReply(std::string_view reply) {
             else
                 SetLoginState(1);
             return 0;
-        default: return 0;
+        default:
+            return 0;
     }
 }
 

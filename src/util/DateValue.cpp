@@ -41,8 +41,8 @@ int DaysInMonth(int y, int m) {
 
 bool Valid(const CivilTime& t) {
     return t.year >= 100 && t.year <= 9999 && t.month >= 1 && t.month <= 12 && t.day >= 1 &&
-           t.day <= DaysInMonth(t.year, t.month) && t.hour >= 0 && t.hour <= 23 &&
-           t.minute >= 0 && t.minute <= 59 && t.second >= 0 && t.second <= 59;
+           t.day <= DaysInMonth(t.year, t.month) && t.hour >= 0 && t.hour <= 23 && t.minute >= 0 &&
+           t.minute <= 59 && t.second >= 0 && t.second <= 59;
 }
 
 // Reads an unsigned decimal number of 1 to maxDigits digits at pos.
@@ -71,8 +71,7 @@ int CurrentYear() {
 }
 
 bool ParseTime(std::string_view s, size_t& pos, CivilTime& t) {
-    if (!ReadNumber(s, pos, 2, t.hour) || !Consume(s, pos, ":") ||
-        !ReadNumber(s, pos, 2, t.minute))
+    if (!ReadNumber(s, pos, 2, t.hour) || !Consume(s, pos, ":") || !ReadNumber(s, pos, 2, t.minute))
         return false;
     if (Consume(s, pos, ":") && !ReadNumber(s, pos, 2, t.second)) return false;
     return true;
@@ -108,8 +107,8 @@ bool DateValue::HasTime() const {
 std::string DateValue::StampText() const {
     const CivilTime t = ToCivil();
     char buf[32];
-    std::snprintf(buf, sizeof buf, "%04d/%02d/%02d %02d:%02d:%02d", t.year, t.month, t.day,
-                  t.hour, t.minute, t.second);
+    std::snprintf(buf, sizeof buf, "%04d/%02d/%02d %02d:%02d:%02d", t.year, t.month, t.day, t.hour,
+                  t.minute, t.second);
     return buf;
 }
 
@@ -127,8 +126,8 @@ std::string DateValue::Text() const {
 std::string DateValue::DatabaseText() const {
     const CivilTime t = ToCivil();
     char buf[32];
-    std::snprintf(buf, sizeof buf, "%04d-%02d-%02d %02d:%02d:%02d", t.year, t.month, t.day,
-                  t.hour, t.minute, t.second);
+    std::snprintf(buf, sizeof buf, "%04d-%02d-%02d %02d:%02d:%02d", t.year, t.month, t.day, t.hour,
+                  t.minute, t.second);
     return buf;
 }
 

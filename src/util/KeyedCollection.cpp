@@ -73,8 +73,7 @@ void KeyedCollection<T>::Clear() {
 template class KeyedCollection<std::int32_t>;
 template class KeyedCollection<std::string>;
 
-bool CLong::Add(std::int32_t value, std::string_view key, const Value& before,
-                const Value& after) {
+bool CLong::Add(std::int32_t value, std::string_view key, const Value& before, const Value& after) {
     if (FindValue(value)) return false;
     std::string k = key.empty() ? "K" + std::to_string(value) : std::string(key);
     if (!Insert(std::move(k), value, before, after)) return false;

@@ -19,8 +19,8 @@ struct NullValue {
 
 class Value {
 public:
-    using Storage = std::variant<EmptyValue, NullValue, bool, std::int32_t, double, std::string,
-                                 DateValue>;
+    using Storage =
+        std::variant<EmptyValue, NullValue, bool, std::int32_t, double, std::string, DateValue>;
 
     Value() = default;
     Value(EmptyValue) {}

@@ -61,7 +61,8 @@ TEST(SettingsStoreTest, ConcurrentProcessesLoseNoValue) {
             SettingsStore store(dir.Path());
             bool ok = true;
             for (int i = 0; i < kWrites; ++i)
-                ok = store.Write(kKey, "V" + std::to_string(c) + "_" + std::to_string(i), "x") && ok;
+                ok =
+                    store.Write(kKey, "V" + std::to_string(c) + "_" + std::to_string(i), "x") && ok;
             ::_exit(ok ? 0 : 1);
         }
         children.push_back(pid);

@@ -28,15 +28,18 @@ constexpr const char* kPage = "customer/getCompKihon.php";
 
 class FacadePatternsTest : public MorvaneTest {
 protected:
-    facade::Request Req() { return {kPage, "ID=user1&token=T&CustomerID=1&", facade::Routine::Plain}; }
+    facade::Request Req() {
+        return {kPage, "ID=user1&token=T&CustomerID=1&", facade::Routine::Plain};
+    }
     static bool Read(ProbeWorker& w, const std::string& r) { return w.Read(r); }
     void Answer(int result) {
-        server_->On(kPage, Envelope(1, "T", "<Customer><Result>" + std::to_string(result) +
-                                                "</Result></Customer>"));
+        server_->On(kPage, Envelope(1, "T",
+                                    "<Customer><Result>" + std::to_string(result) +
+                                        "</Result></Customer>"));
     }
     std::int32_t Compare(facade::Keep keep) {
-        return facade::Compare<ProbeWorker>(slot_, Req(), Read,
-                                            [](ProbeWorker& w) { return w.result; }, keep);
+        return facade::Compare<ProbeWorker>(
+            slot_, Req(), Read, [](ProbeWorker& w) { return w.result; }, keep);
     }
     std::unique_ptr<ProbeWorker> slot_;
 };
@@ -153,9 +156,8 @@ TEST_F(FacadePatternsTest, KeptWorkerUsesTheSlotAndFetchesOnlyUnderOptionOne) {
 TEST_F(FacadePatternsTest, UploadAndSlotRead) {
     EXPECT_EQ(facade::Upload<ProbeWorker>([](ProbeWorker&) { return 1; }), 1);
     EXPECT_EQ(facade::Upload<ProbeWorker>([](ProbeWorker&) { return 2; }), 0);
-    EXPECT_EQ(facade::Upload<ProbeWorker>([](ProbeWorker&) -> std::int32_t {
-                  throw std::runtime_error("broken");
-              }),
+    EXPECT_EQ(facade::Upload<ProbeWorker>(
+                  [](ProbeWorker&) -> std::int32_t { throw std::runtime_error("broken"); }),
               0);
     EXPECT_EQ(kit_->Boxes().size(), 1u);
 

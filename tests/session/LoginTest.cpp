@@ -55,10 +55,11 @@ TEST_F(LoginTest, FlagsTwoMeansLoggedInElsewhere) {
 }
 
 TEST_F(LoginTest, AccountWithMissingFieldChangesNoField) {
-    server_->On("login.php",
-                "<r><system><flags>1</flags><token>T</token></system><account><UserName>x</UserName>"
-                "<ContractorName>y</ContractorName><ContractBegin>a</ContractBegin>"
-                "<ContractEnd>b</ContractEnd><SharedCount>1</SharedCount></account></r>");
+    server_->On(
+        "login.php",
+        "<r><system><flags>1</flags><token>T</token></system><account><UserName>x</UserName>"
+        "<ContractorName>y</ContractorName><ContractBegin>a</ContractBegin>"
+        "<ContractEnd>b</ContractEnd><SharedCount>1</SharedCount></account></r>");
     EXPECT_FALSE(DoLogin("user1", "pw", "C-1001"));
     EXPECT_EQ(GetLoginState(), 1);
     EXPECT_EQ(GetLoginUserName(), "");

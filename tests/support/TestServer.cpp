@@ -106,7 +106,8 @@ TestServer::TestServer() : impl_(std::make_unique<Impl>(SharedCertificate())) {
         rec.path = req.path.substr(1);
         for (const auto& [name, value] : req.headers) {
             std::string lower = name;
-            for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+            for (char& c : lower)
+                c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
             rec.headers[lower] = value;
         }
         rec.body = req.body;
@@ -153,7 +154,8 @@ void TestServer::On(const std::string& path, Handler handler) {
 }
 
 void TestServer::OnSequence(const std::string& path, std::vector<std::string> bodies) {
-    auto state = std::make_shared<std::pair<std::vector<std::string>, size_t>>(std::move(bodies), 0);
+    auto state =
+        std::make_shared<std::pair<std::vector<std::string>, size_t>>(std::move(bodies), 0);
     On(path, [state](const RecordedRequest&) {
         auto& [list, next] = *state;
         if (list.empty()) return PageReply{};

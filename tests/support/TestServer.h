@@ -13,7 +13,7 @@
 namespace morvane::test {
 
 struct RecordedRequest {
-    std::string path;  // without the leading "/"
+    std::string path;                            // without the leading "/"
     std::map<std::string, std::string> headers;  // names in lower case
     std::string body;
     std::string Header(const std::string& lowerName) const;

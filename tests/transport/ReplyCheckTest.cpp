@@ -116,7 +116,8 @@ TEST_F(ReplyCheckTest, UnreadableRepliesTellOnceAndReset) {
     for (const std::string& reply :
          {std::string(), std::string("<root><system><flags>1</flags>"),
           std::string("<root><flags>1</flags><token>x</token></root>"),
-          std::string("<root><system><flags>1</flags><flags>1</flags><token>x</token></system></root>"),
+          std::string(
+              "<root><system><flags>1</flags><flags>1</flags><token>x</token></system></root>"),
           std::string("not xml at all")}) {
         LogIn("T1");
         EXPECT_EQ(Send(reply), "") << reply;
@@ -184,7 +185,8 @@ TEST_F(ReplyCheckTest, ProgressFormRunsTheExchangeOnceUnlessTheOptionIsOne) {
 TEST_F(ReplyCheckTest, ProgressFormLabelKeepsItsReversedRule) {
     frmSendRequestProgress form(State().Toolkit());
     form.ShowMsgString("");
-    EXPECT_EQ(form.Get<forms::Label>("lblInfo").Text(), "モルヴェインサーバーと通信しています・・・");
+    EXPECT_EQ(form.Get<forms::Label>("lblInfo").Text(),
+              "モルヴェインサーバーと通信しています・・・");
     form.ShowMsgString("anything");
     EXPECT_EQ(form.Get<forms::Label>("lblInfo").Text(), "");
     EXPECT_EQ(form.Caption(), "モルヴェインサーバーと通信中");

@@ -25,11 +25,11 @@ TEST(CLongTest, PlacementByKeyAndPosition) {
     CLong ids;
     ids.Add(1);
     ids.Add(3);
-    EXPECT_TRUE(ids.Add(2, "", Value("K3")));                // before a key
-    EXPECT_TRUE(ids.Add(4, "", Value(), Value("K3")));       // after a key
-    EXPECT_TRUE(ids.Add(0, "", Value(std::int32_t{1})));     // before position 1
-    EXPECT_TRUE(ids.Add(9, "", Value(std::int32_t{99})));    // out of range: the end
-    EXPECT_FALSE(ids.Add(5, "", Value("nope")));             // unknown key
+    EXPECT_TRUE(ids.Add(2, "", Value("K3")));              // before a key
+    EXPECT_TRUE(ids.Add(4, "", Value(), Value("K3")));     // after a key
+    EXPECT_TRUE(ids.Add(0, "", Value(std::int32_t{1})));   // before position 1
+    EXPECT_TRUE(ids.Add(9, "", Value(std::int32_t{99})));  // out of range: the end
+    EXPECT_FALSE(ids.Add(5, "", Value("nope")));           // unknown key
     EXPECT_EQ(ids.CommaText(), "0,1,2,3,4,9");
     EXPECT_EQ(ids.ItemValue(Value(std::int32_t{3})), 2);
     EXPECT_EQ(ids.ItemValue(Value(3.0)), 2);
