@@ -21,7 +21,7 @@ MorvaneServer::MorvaneServer(ServerOptions options) : options_(std::move(options
         certFile_ = options_.dataDir / "cert.pem";
         keyFile_ = options_.dataDir / "key.pem";
         if (!fs::exists(certFile_) || !fs::exists(keyFile_))
-            makeSelfSignedPair(certFile_, keyFile_);
+            MakeSelfSignedPair(certFile_, keyFile_);
     } else {
         certFile_ = options_.certFile;
         keyFile_ = options_.keyFile;
@@ -33,47 +33,43 @@ MorvaneServer::MorvaneServer(ServerOptions options) : options_(std::move(options
     service_ = std::make_unique<Service>(options_.dataDir, serviceOptions, *options_.clock);
 }
 
-MorvaneServer::~MorvaneServer() {
-    stop();
-}
+MorvaneServer::~MorvaneServer() { Stop(); }
 
-void MorvaneServer::start() {
+void MorvaneServer::Start() {
     if (listener_) return;
     Service* service = service_.get();
     auto listener = std::make_unique<HttpsListener>(
-        certFile_, keyFile_, [service](const HttpRequest& r) { return service->handle(r); },
-        service_->maxBodyBytes(), options_.log);
-    port_ = listener->bind(options_.address, options_.port);
-    listener->start();
+        certFile_, keyFile_, [service](const HttpRequest& r) { return service->Handle(r); },
+        service_->MaxBodyBytes(), options_.log);
+    port_ = listener->Bind(options_.address, options_.port);
+    listener->Start();
     listener_ = std::move(listener);
 }
 
-void MorvaneServer::stop() {
-    if (listener_) listener_->stop();
+void MorvaneServer::Stop() {
+    if (listener_) listener_->Stop();
     listener_.reset();
 }
 
-std::string MorvaneServer::serverName() const {
+std::string MorvaneServer::ServerName() const {
     return options_.address + ":" + std::to_string(port_);
 }
 
-std::string MorvaneServer::baseUrl() const {
-    return "https://" + serverName() + "/";
+std::string MorvaneServer::BaseUrl() const { return "https://" + ServerName() + "/"; }
+
+std::int64_t MorvaneServer::CreateAccount(const AccountFields& fields) {
+    return service_->CreateAccount(fields);
 }
 
-std::int64_t MorvaneServer::createAccount(const AccountFields& fields) {
-    return service_->createAccount(fields);
-}
-
-void MorvaneServer::addUser(const std::string& contractNo, const std::string& userId,
+void MorvaneServer::AddUser(const std::string& contractNo, const std::string& userId,
                             const std::string& password, const std::string& userName) {
-    service_->addUser(contractNo, userId, password, userName);
+    service_->AddUser(contractNo, userId, password, userName);
 }
 
 struct AccountAdmin::Impl {
     Storage storage;
     AccountStore accounts;
-    explicit Impl(const fs::path& dir) : storage(dir), accounts(storage.db()) {}
+    explicit Impl(const fs::path& dir) : storage(dir), accounts(storage.Db()) {}
 };
 
 AccountAdmin::AccountAdmin(const fs::path& dataDir) {
@@ -83,13 +79,13 @@ AccountAdmin::AccountAdmin(const fs::path& dataDir) {
 
 AccountAdmin::~AccountAdmin() = default;
 
-std::int64_t AccountAdmin::createAccount(const AccountFields& fields) {
-    return impl_->accounts.createAccount(fields);
+std::int64_t AccountAdmin::CreateAccount(const AccountFields& fields) {
+    return impl_->accounts.CreateAccount(fields);
 }
 
-void AccountAdmin::addUser(const std::string& contractNo, const std::string& userId,
+void AccountAdmin::AddUser(const std::string& contractNo, const std::string& userId,
                            const std::string& password, const std::string& userName) {
-    impl_->accounts.addUser(contractNo, userId, password, userName);
+    impl_->accounts.AddUser(contractNo, userId, password, userName);
 }
 
 }  // namespace morvane::server

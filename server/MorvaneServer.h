@@ -34,7 +34,7 @@ class Service;
 class HttpsListener;
 
 class MorvaneServer {
-  public:
+public:
     // Opens (or creates) the data folder and its database; does not listen yet.
     explicit MorvaneServer(ServerOptions options);
     ~MorvaneServer();
@@ -42,20 +42,20 @@ class MorvaneServer {
     MorvaneServer& operator=(const MorvaneServer&) = delete;
 
     // Binds and serves on a thread of its own; throws when it cannot.
-    void start();
+    void Start();
     // Stops serving and waits for requests under way; safe to call twice.
-    void stop();
+    void Stop();
 
-    int port() const { return port_; }
-    std::string baseUrl() const;     // "https://127.0.0.1:<port>/"
-    std::string serverName() const;  // "127.0.0.1:<port>", as a client's settings hold it
-    const std::filesystem::path& certFile() const { return certFile_; }
+    int Port() const { return port_; }
+    std::string BaseUrl() const;     // "https://127.0.0.1:<port>/"
+    std::string ServerName() const;  // "127.0.0.1:<port>", as a client's settings hold it
+    const std::filesystem::path& CertFile() const { return certFile_; }
 
-    std::int64_t createAccount(const AccountFields& fields);
-    void addUser(const std::string& contractNo, const std::string& userId,
+    std::int64_t CreateAccount(const AccountFields& fields);
+    void AddUser(const std::string& contractNo, const std::string& userId,
                  const std::string& password, const std::string& userName = {});
 
-  private:
+private:
     ServerOptions options_;
     std::filesystem::path certFile_;
     std::filesystem::path keyFile_;
@@ -66,14 +66,14 @@ class MorvaneServer {
 
 // Administration of a data folder without serving it (the command line's account commands).
 class AccountAdmin {
-  public:
+public:
     explicit AccountAdmin(const std::filesystem::path& dataDir);
     ~AccountAdmin();
-    std::int64_t createAccount(const AccountFields& fields);
-    void addUser(const std::string& contractNo, const std::string& userId,
+    std::int64_t CreateAccount(const AccountFields& fields);
+    void AddUser(const std::string& contractNo, const std::string& userId,
                  const std::string& password, const std::string& userName = {});
 
-  private:
+private:
     struct Impl;
     std::unique_ptr<Impl> impl_;
 };

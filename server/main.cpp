@@ -18,7 +18,7 @@ using morvane::server::AccountFields;
 using morvane::server::MorvaneServer;
 using morvane::server::ServerOptions;
 
-int serve(ServerOptions options, const std::string& portFile, bool quiet) {
+int Serve(ServerOptions options, const std::string& portFile, bool quiet) {
     // Signals are taken by sigwait below, never by a handler.
     sigset_t stopSignals;
     sigemptyset(&stopSignals);
@@ -33,22 +33,22 @@ int serve(ServerOptions options, const std::string& portFile, bool quiet) {
             std::cerr << line << '\n';
         };
     MorvaneServer server(std::move(options));
-    server.start();
+    server.Start();
     if (!portFile.empty()) {
         // Written whole under another name first, so a script never reads half of it.
         const std::string temp = portFile + ".tmp";
         {
             std::ofstream out(temp, std::ios::trunc);
-            out << server.port() << '\n';
+            out << server.Port() << '\n';
         }
         std::filesystem::rename(temp, portFile);
     }
-    std::cout << "morvane-server listening on " << server.baseUrl() << " certificate "
-              << server.certFile().string() << std::endl;
+    std::cout << "morvane-server listening on " << server.BaseUrl() << " certificate "
+              << server.CertFile().string() << std::endl;
     int signal = 0;
     sigwait(&stopSignals, &signal);
     std::cout << "morvane-server stopping" << std::endl;
-    server.stop();
+    server.Stop();
     return 0;
 }
 
@@ -120,11 +120,11 @@ int main(int argc, char** argv) {
             options.tokenIdle = std::chrono::seconds(tokenIdle);
             options.lockExpiry = std::chrono::seconds(lockExpiry);
             options.maxUploadBytes = maxUpload;
-            return serve(std::move(options), portFile, quiet);
+            return Serve(std::move(options), portFile, quiet);
         }
         if (*accountCmd) {
             AccountAdmin admin(accountData);
-            admin.createAccount(account);
+            admin.CreateAccount(account);
             std::cout << "account " << account.contractNo << " created" << std::endl;
             return 0;
         }
@@ -135,7 +135,7 @@ int main(int argc, char** argv) {
                 return 2;
             }
             AccountAdmin admin(userData);
-            admin.addUser(userContract, userId, password, userName);
+            admin.AddUser(userContract, userId, password, userName);
             std::cout << "user " << userId << " added to " << userContract << std::endl;
             return 0;
         }

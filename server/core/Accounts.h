@@ -33,25 +33,25 @@ struct LoginUser {
 };
 
 class AccountError : public std::runtime_error {
-  public:
+public:
     using std::runtime_error::runtime_error;
 };
 
 class AccountStore {
-  public:
+public:
     explicit AccountStore(Database& db) : db_(db) {}
 
     // Creates the account, or fails when the contract number is taken.
-    std::int64_t createAccount(const AccountFields& fields);
-    void addUser(const std::string& contractNo, const std::string& userId,
+    std::int64_t CreateAccount(const AccountFields& fields);
+    void AddUser(const std::string& contractNo, const std::string& userId,
                  const std::string& password, const std::string& userName);
-    std::optional<Account> findAccount(const std::string& contractNo);
-    std::optional<Account> accountById(std::int64_t id);
+    std::optional<Account> FindAccount(const std::string& contractNo);
+    std::optional<Account> AccountById(std::int64_t id);
     // The user when contract number, user ID and password all match.
-    std::optional<LoginUser> authenticate(const std::string& contractNo, const std::string& userId,
+    std::optional<LoginUser> Authenticate(const std::string& contractNo, const std::string& userId,
                                           const std::string& password);
 
-  private:
+private:
     Database& db_;
 };
 

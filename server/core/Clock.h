@@ -7,26 +7,26 @@
 namespace morvane::server {
 
 class Clock {
-  public:
+public:
     using time_point = std::chrono::system_clock::time_point;
     virtual ~Clock() = default;
-    virtual time_point now() const = 0;
+    virtual time_point Now() const = 0;
 };
 
 class SystemClock final : public Clock {
-  public:
-    time_point now() const override { return std::chrono::system_clock::now(); }
+public:
+    time_point Now() const override { return std::chrono::system_clock::now(); }
 };
 
 // A clock that moves only when told to.
 class ManualClock final : public Clock {
-  public:
+public:
     explicit ManualClock(time_point start = std::chrono::system_clock::now())
         : ticks_(start.time_since_epoch().count()) {}
-    time_point now() const override { return time_point(time_point::duration(ticks_.load())); }
-    void advance(std::chrono::system_clock::duration d) { ticks_ += d.count(); }
+    time_point Now() const override { return time_point(time_point::duration(ticks_.load())); }
+    void Advance(std::chrono::system_clock::duration d) { ticks_ += d.count(); }
 
-  private:
+private:
     std::atomic<time_point::duration::rep> ticks_;
 };
 

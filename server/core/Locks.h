@@ -15,25 +15,25 @@ namespace morvane::server {
 enum class LockKind { Customer, Master };
 
 class LockTable {
-  public:
+public:
     LockTable(const Clock& clock, std::chrono::seconds expiry);
 
     // Grants or renews the lock for `user`; false when another user holds it.
-    bool lock(std::int64_t account, LockKind kind, std::int64_t id, const std::string& user);
+    bool Lock(std::int64_t account, LockKind kind, std::int64_t id, const std::string& user);
     // Releases the lock if `user` holds it; anything else is left alone.
-    void unlock(std::int64_t account, LockKind kind, std::int64_t id, const std::string& user);
-    bool heldByOther(std::int64_t account, LockKind kind, std::int64_t id, const std::string& user);
+    void Unlock(std::int64_t account, LockKind kind, std::int64_t id, const std::string& user);
+    bool HeldByOther(std::int64_t account, LockKind kind, std::int64_t id, const std::string& user);
     // True when any master lock of the account is held by another user.
-    bool anyMasterHeldByOther(std::int64_t account, const std::string& user);
-    void dropCustomer(std::int64_t account, std::int64_t id);
+    bool AnyMasterHeldByOther(std::int64_t account, const std::string& user);
+    void DropCustomer(std::int64_t account, std::int64_t id);
 
-  private:
+private:
     using Key = std::tuple<std::int64_t, LockKind, std::int64_t>;
     struct Holder {
         std::string user;
         Clock::time_point until;
     };
-    void dropExpired();
+    void DropExpired();
 
     const Clock& clock_;
     std::chrono::seconds expiry_;

@@ -7,8 +7,8 @@ namespace morvane::server {
 SessionStore::SessionStore(const Clock& clock, std::chrono::seconds idle)
     : clock_(clock), idle_(idle) {}
 
-void SessionStore::dropExpired() {
-    const auto now = clock_.now();
+void SessionStore::DropExpired() {
+    const auto now = clock_.Now();
     for (auto it = sessions_.begin(); it != sessions_.end();) {
         if (now - it->second.lastUse > idle_) {
             byToken_.erase(it->second.current);
@@ -20,27 +20,27 @@ void SessionStore::dropExpired() {
     }
 }
 
-bool SessionStore::hasLiveSession(const std::string& userId, std::int64_t accountId) {
+bool SessionStore::HasLiveSession(const std::string& userId, std::int64_t accountId) {
     std::lock_guard lock(mutex_);
-    dropExpired();
+    DropExpired();
     for (const auto& [id, s] : sessions_)
         if (s.user.userId == userId && s.user.accountId == accountId) return true;
     return false;
 }
 
-std::string SessionStore::open(const SessionUser& user) {
+std::string SessionStore::Open(const SessionUser& user) {
     std::lock_guard lock(mutex_);
-    dropExpired();
+    DropExpired();
     const auto id = nextId_++;
-    Session s{user, randomHex(24), {}, clock_.now()};
+    Session s{user, RandomHex(24), {}, clock_.Now()};
     byToken_[s.current] = id;
     auto token = s.current;
     sessions_.emplace(id, std::move(s));
     return token;
 }
 
-SessionStore::Session* SessionStore::find(const std::string& userId, const std::string& token) {
-    dropExpired();
+SessionStore::Session* SessionStore::Find(const std::string& userId, const std::string& token) {
+    DropExpired();
     if (token.empty()) return nullptr;
     auto it = byToken_.find(token);
     if (it == byToken_.end()) return nullptr;
@@ -49,25 +49,25 @@ SessionStore::Session* SessionStore::find(const std::string& userId, const std::
     return &s;
 }
 
-std::optional<std::pair<SessionUser, std::string>> SessionStore::use(const std::string& userId,
+std::optional<std::pair<SessionUser, std::string>> SessionStore::Use(const std::string& userId,
                                                                      const std::string& token) {
     std::lock_guard lock(mutex_);
-    Session* s = find(userId, token);
+    Session* s = Find(userId, token);
     if (!s) return std::nullopt;
     const auto id = byToken_.at(token);
     if (!s->previous.empty()) byToken_.erase(s->previous);
     s->previous = s->current;
-    s->current = randomHex(24);
+    s->current = RandomHex(24);
     byToken_[s->current] = id;
-    s->lastUse = clock_.now();
+    s->lastUse = clock_.Now();
     return std::pair{s->user, s->current};
 }
 
-std::optional<SessionUser> SessionStore::peek(const std::string& userId, const std::string& token) {
+std::optional<SessionUser> SessionStore::Peek(const std::string& userId, const std::string& token) {
     std::lock_guard lock(mutex_);
-    Session* s = find(userId, token);
+    Session* s = Find(userId, token);
     if (!s) return std::nullopt;
-    s->lastUse = clock_.now();
+    s->lastUse = clock_.Now();
     return s->user;
 }
 

@@ -22,28 +22,28 @@ struct SessionUser {
 };
 
 class SessionStore {
-  public:
+public:
     SessionStore(const Clock& clock, std::chrono::seconds idle);
 
     // True when the user has a session that has not expired.
-    bool hasLiveSession(const std::string& userId, std::int64_t accountId);
+    bool HasLiveSession(const std::string& userId, std::int64_t accountId);
     // Opens a session and returns its first token.
-    std::string open(const SessionUser& user);
+    std::string Open(const SessionUser& user);
     // Checks `token` for `userId`; on success rotates and returns the user and the new token.
-    std::optional<std::pair<SessionUser, std::string>> use(const std::string& userId,
+    std::optional<std::pair<SessionUser, std::string>> Use(const std::string& userId,
                                                            const std::string& token);
     // Checks `token` without rotating it (for replies that carry no token).
-    std::optional<SessionUser> peek(const std::string& userId, const std::string& token);
+    std::optional<SessionUser> Peek(const std::string& userId, const std::string& token);
 
-  private:
+private:
     struct Session {
         SessionUser user;
         std::string current;
         std::string previous;
         Clock::time_point lastUse;
     };
-    Session* find(const std::string& userId, const std::string& token);
-    void dropExpired();
+    Session* Find(const std::string& userId, const std::string& token);
+    void DropExpired();
 
     const Clock& clock_;
     std::chrono::seconds idle_;

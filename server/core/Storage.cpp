@@ -49,12 +49,12 @@ CREATE TABLE IF NOT EXISTS item_fields(
 
 }  // namespace
 
-std::filesystem::path Storage::databaseFile(const std::filesystem::path& dataDir) {
+std::filesystem::path Storage::DatabaseFile(const std::filesystem::path& dataDir) {
     return dataDir / "morvane-server.db";
 }
 
-Storage::Storage(const std::filesystem::path& dataDir) : db_(databaseFile(dataDir)) {
-    db_.exec(kSchema);
+Storage::Storage(const std::filesystem::path& dataDir) : db_(DatabaseFile(dataDir)) {
+    db_.Exec(kSchema);
 }
 
 }  // namespace morvane::server

@@ -8,12 +8,12 @@
 namespace morvane::server {
 
 class Storage {
-  public:
+public:
     explicit Storage(const std::filesystem::path& dataDir);
-    Database& db() { return db_; }
-    static std::filesystem::path databaseFile(const std::filesystem::path& dataDir);
+    Database& Db() { return db_; }
+    static std::filesystem::path DatabaseFile(const std::filesystem::path& dataDir);
 
-  private:
+private:
     Database db_;
 };
 

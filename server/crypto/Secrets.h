@@ -8,15 +8,15 @@
 namespace morvane::server {
 
 // "scrypt$N$r$p$<salt hex>$<hash hex>" with a fresh random salt.
-std::string hashPassword(std::string_view password);
+std::string HashPassword(std::string_view password);
 // Constant-time check of a password against a stored hash; false for a malformed hash.
-bool verifyPassword(std::string_view password, std::string_view stored);
+bool VerifyPassword(std::string_view password, std::string_view stored);
 
 // `bytes` random bytes as lower-case hex.
-std::string randomHex(std::size_t bytes);
+std::string RandomHex(std::size_t bytes);
 
-std::uint32_t crc32Of(std::string_view data);
+std::uint32_t Crc32Of(std::string_view data);
 // Eight upper-case hex digits.
-std::string crcText(std::uint32_t crc);
+std::string CrcText(std::uint32_t crc);
 
 }  // namespace morvane::server

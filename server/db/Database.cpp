@@ -5,7 +5,7 @@
 namespace morvane::server {
 
 namespace {
-[[noreturn]] void fail(sqlite3* db, std::string_view what) {
+[[noreturn]] void Fail(sqlite3* db, std::string_view what) {
     throw DbError(std::string(what) + ": " + (db ? sqlite3_errmsg(db) : "no database"));
 }
 }  // namespace
@@ -13,64 +13,60 @@ namespace {
 Statement::Statement(sqlite3* db, std::string_view sql) : db_(db) {
     if (sqlite3_prepare_v2(db, sql.data(), static_cast<int>(sql.size()), &stmt_, nullptr) !=
         SQLITE_OK)
-        fail(db, "prepare");
+        Fail(db, "prepare");
 }
 
-Statement::~Statement() {
-    sqlite3_finalize(stmt_);
-}
+Statement::~Statement() { sqlite3_finalize(stmt_); }
 
 Statement::Statement(Statement&& other) noexcept : db_(other.db_), stmt_(other.stmt_) {
     other.stmt_ = nullptr;
 }
 
-Statement& Statement::bind(int index, std::string_view text) {
+Statement& Statement::Bind(int index, std::string_view text) {
     if (sqlite3_bind_text(stmt_, index, text.data(), static_cast<int>(text.size()),
                           SQLITE_TRANSIENT) != SQLITE_OK)
-        fail(db_, "bind");
+        Fail(db_, "bind");
     return *this;
 }
 
-Statement& Statement::bind(int index, std::int64_t value) {
-    if (sqlite3_bind_int64(stmt_, index, value) != SQLITE_OK) fail(db_, "bind");
+Statement& Statement::Bind(int index, std::int64_t value) {
+    if (sqlite3_bind_int64(stmt_, index, value) != SQLITE_OK) Fail(db_, "bind");
     return *this;
 }
 
-Statement& Statement::bindNull(int index) {
-    if (sqlite3_bind_null(stmt_, index) != SQLITE_OK) fail(db_, "bind");
+Statement& Statement::BindNull(int index) {
+    if (sqlite3_bind_null(stmt_, index) != SQLITE_OK) Fail(db_, "bind");
     return *this;
 }
 
-bool Statement::step() {
+bool Statement::Step() {
     const int rc = sqlite3_step(stmt_);
     if (rc == SQLITE_ROW) return true;
     if (rc == SQLITE_DONE) return false;
-    fail(db_, "step");
+    Fail(db_, "step");
 }
 
-void Statement::run() {
-    while (step()) {
+void Statement::Run() {
+    while (Step()) {
     }
-    reset();
+    Reset();
 }
 
-void Statement::reset() {
+void Statement::Reset() {
     sqlite3_reset(stmt_);
     sqlite3_clear_bindings(stmt_);
 }
 
-std::string Statement::text(int column) const {
+std::string Statement::Text(int column) const {
     const auto* p = sqlite3_column_text(stmt_, column);
     const int n = sqlite3_column_bytes(stmt_, column);
     return p ? std::string(reinterpret_cast<const char*>(p), static_cast<std::size_t>(n))
              : std::string();
 }
 
-std::int64_t Statement::integer(int column) const {
-    return sqlite3_column_int64(stmt_, column);
-}
+std::int64_t Statement::Integer(int column) const { return sqlite3_column_int64(stmt_, column); }
 
-bool Statement::isNull(int column) const {
+bool Statement::IsNull(int column) const {
     return sqlite3_column_type(stmt_, column) == SQLITE_NULL;
 }
 
@@ -83,15 +79,13 @@ Database::Database(const std::filesystem::path& file) {
         throw DbError("open " + file.string() + ": " + msg);
     }
     sqlite3_busy_timeout(db_, 5000);
-    exec("PRAGMA journal_mode=WAL");
-    exec("PRAGMA foreign_keys=ON");
+    Exec("PRAGMA journal_mode=WAL");
+    Exec("PRAGMA foreign_keys=ON");
 }
 
-Database::~Database() {
-    sqlite3_close(db_);
-}
+Database::~Database() { sqlite3_close(db_); }
 
-void Database::exec(std::string_view sql) {
+void Database::Exec(std::string_view sql) {
     char* err = nullptr;
     if (sqlite3_exec(db_, std::string(sql).c_str(), nullptr, nullptr, &err) != SQLITE_OK) {
         std::string msg = err ? err : "error";
@@ -100,29 +94,23 @@ void Database::exec(std::string_view sql) {
     }
 }
 
-Statement Database::prepare(std::string_view sql) {
-    return Statement(db_, sql);
-}
+Statement Database::Prepare(std::string_view sql) { return Statement(db_, sql); }
 
-std::int64_t Database::lastInsertId() const {
-    return sqlite3_last_insert_rowid(db_);
-}
+std::int64_t Database::LastInsertId() const { return sqlite3_last_insert_rowid(db_); }
 
-Transaction::Transaction(Database& db) : db_(db) {
-    db_.exec("BEGIN IMMEDIATE");
-}
+Transaction::Transaction(Database& db) : db_(db) { db_.Exec("BEGIN IMMEDIATE"); }
 
 Transaction::~Transaction() {
     if (!done_) {
         try {
-            db_.exec("ROLLBACK");
+            db_.Exec("ROLLBACK");
         } catch (...) {
         }
     }
 }
 
-void Transaction::commit() {
-    db_.exec("COMMIT");
+void Transaction::Commit() {
+    db_.Exec("COMMIT");
     done_ = true;
 }
 

@@ -15,63 +15,63 @@ struct sqlite3_stmt;
 namespace morvane::server {
 
 class DbError : public std::runtime_error {
-  public:
+public:
     using std::runtime_error::runtime_error;
 };
 
 class Statement {
-  public:
+public:
     Statement(sqlite3* db, std::string_view sql);
     ~Statement();
     Statement(const Statement&) = delete;
     Statement& operator=(const Statement&) = delete;
     Statement(Statement&& other) noexcept;
 
-    Statement& bind(int index, std::string_view text);
-    Statement& bind(int index, std::int64_t value);
-    Statement& bind(int index, int value) { return bind(index, static_cast<std::int64_t>(value)); }
-    Statement& bindNull(int index);
+    Statement& Bind(int index, std::string_view text);
+    Statement& Bind(int index, std::int64_t value);
+    Statement& Bind(int index, int value) { return Bind(index, static_cast<std::int64_t>(value)); }
+    Statement& BindNull(int index);
 
     // Steps once; true while a row is available.
-    bool step();
+    bool Step();
     // Runs a statement that returns no rows.
-    void run();
-    void reset();
+    void Run();
+    void Reset();
 
-    std::string text(int column) const;
-    std::int64_t integer(int column) const;
-    bool isNull(int column) const;
+    std::string Text(int column) const;
+    std::int64_t Integer(int column) const;
+    bool IsNull(int column) const;
 
-  private:
+private:
     sqlite3* db_;
     sqlite3_stmt* stmt_ = nullptr;
 };
 
 class Database {
-  public:
+public:
     explicit Database(const std::filesystem::path& file);
     ~Database();
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
 
-    void exec(std::string_view sql);
-    Statement prepare(std::string_view sql);
-    std::int64_t lastInsertId() const;
+    void Exec(std::string_view sql);
+    Statement Prepare(std::string_view sql);
+    std::int64_t LastInsertId() const;
 
-  private:
+private:
     sqlite3* db_ = nullptr;
 };
 
 // Rolls back unless committed.
 class Transaction {
-  public:
+public:
     explicit Transaction(Database& db);
     ~Transaction();
     Transaction(const Transaction&) = delete;
     Transaction& operator=(const Transaction&) = delete;
-    void commit();
+    void Commit();
 
-  private:
+private:
     Database& db_;
     bool done_ = false;
 };

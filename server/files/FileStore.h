@@ -28,25 +28,25 @@ struct FileKey {
 };
 
 class FileStore {
-  public:
+public:
     explicit FileStore(std::filesystem::path root);
 
     // A plain file name: no separators, no "..", no control characters, valid UTF-8.
-    static bool validName(std::string_view name);
+    static bool ValidName(std::string_view name);
 
-    std::optional<FileInfo> info(const FileKey& key, const std::string& name) const;
-    std::optional<std::string> read(const FileKey& key, const std::string& name) const;
-    FileInfo write(const FileKey& key, const std::string& name, std::string_view bytes,
+    std::optional<FileInfo> Info(const FileKey& key, const std::string& name) const;
+    std::optional<std::string> Read(const FileKey& key, const std::string& name) const;
+    FileInfo Write(const FileKey& key, const std::string& name, std::string_view bytes,
                    std::chrono::system_clock::time_point modified);
     // False when there was no such file.
-    bool remove(const FileKey& key, const std::string& name);
+    bool Remove(const FileKey& key, const std::string& name);
     // Moves `from` onto `to`, replacing it; false when `from` does not exist.
-    bool rename(const FileKey& key, const std::string& from, const std::string& to);
-    void removeCustomer(std::int64_t account, std::int64_t customer);
+    bool Rename(const FileKey& key, const std::string& from, const std::string& to);
+    void RemoveCustomer(std::int64_t account, std::int64_t customer);
 
-  private:
-    std::filesystem::path folder(const FileKey& key) const;
-    std::filesystem::path pathOf(const FileKey& key, const std::string& name) const;
+private:
+    std::filesystem::path Folder(const FileKey& key) const;
+    std::filesystem::path PathOf(const FileKey& key, const std::string& name) const;
     std::filesystem::path root_;
 };
 

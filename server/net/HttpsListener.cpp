@@ -2,6 +2,7 @@
 
 #include <httplib.h>
 
+#include <atomic>
 #include <chrono>
 #include <stdexcept>
 #include <thread>
@@ -15,17 +16,19 @@ struct HttpsListener::Impl {
     Handler handler;
     Log log;
     std::thread thread;
+    std::atomic<bool> finished{false};
+    bool stopped = false;
 
     Impl(const std::filesystem::path& cert, const std::filesystem::path& key, Handler h, Log l)
         : server(cert.c_str(), key.c_str()), handler(std::move(h)), log(std::move(l)) {}
 
-    void logLine(const httplib::Request& req, int status, std::size_t in, std::size_t out,
+    void LogLine(const httplib::Request& req, int status, std::size_t in, std::size_t out,
                  int flags, std::chrono::steady_clock::time_point started) {
         if (!log) return;
         const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(
                             std::chrono::steady_clock::now() - started)
                             .count();
-        log(stampText(std::chrono::system_clock::now()) + " " + req.remote_addr + " " + req.method +
+        log(StampText(std::chrono::system_clock::now()) + " " + req.remote_addr + " " + req.method +
             " " + req.path + " " + std::to_string(status) + " flags=" + std::to_string(flags) +
             " in=" + std::to_string(in) + " out=" + std::to_string(out) + " " + std::to_string(ms) +
             "ms");
@@ -75,25 +78,23 @@ HttpsListener::HttpsListener(const std::filesystem::path& certFile,
         const HttpReply reply = impl->handler(request);
         res.status = reply.status;
         res.set_content(reply.body, reply.contentType.c_str());
-        impl->logLine(req, reply.status, request.body.size(), reply.body.size(), reply.flags,
+        impl->LogLine(req, reply.status, request.body.size(), reply.body.size(), reply.flags,
                       started);
     });
     server.set_error_handler(httplib::Server::HandlerWithResponse(
         [impl](const httplib::Request& req, httplib::Response& res) {
             if (!res.body.empty()) return httplib::Server::HandlerResponse::Unhandled;
             // An oversized or unreadable request still gets a reply that the client can judge.
-            res.set_content(envelopeReply(-1, ""), "text/xml; charset=UTF-8");
-            impl->logLine(req, res.status, req.body.size(), res.body.size(), -1,
+            res.set_content(EnvelopeReply(-1, ""), "text/xml; charset=UTF-8");
+            impl->LogLine(req, res.status, req.body.size(), res.body.size(), -1,
                           std::chrono::steady_clock::now());
             return httplib::Server::HandlerResponse::Handled;
         }));
 }
 
-HttpsListener::~HttpsListener() {
-    stop();
-}
+HttpsListener::~HttpsListener() { Stop(); }
 
-int HttpsListener::bind(const std::string& address, int port) {
+int HttpsListener::Bind(const std::string& address, int port) {
     int bound = port == 0 ? impl_->server.bind_to_any_port(address)
                           : (impl_->server.bind_to_port(address, port) ? port : -1);
     if (bound < 0)
@@ -101,16 +102,23 @@ int HttpsListener::bind(const std::string& address, int port) {
     return bound;
 }
 
-void HttpsListener::start() {
-    impl_->thread = std::thread([this] { impl_->server.listen_after_bind(); });
-    // stop() only reaches a server that has begun listening.
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (!impl_->server.is_running() && std::chrono::steady_clock::now() < deadline)
+void HttpsListener::Start() {
+    if (impl_->stopped || impl_->thread.joinable()) return;
+    Impl* impl = impl_.get();
+    impl->thread = std::thread([impl] {
+        impl->server.listen_after_bind();
+        impl->finished = true;
+    });
+    // httplib's stop() does nothing until the loop runs, and the join would then wait for
+    // ever; so return only once the loop runs, or has already given up. No deadline: a slow
+    // start is waited for rather than raced.
+    while (!impl->server.is_running() && !impl->finished)
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
 
-void HttpsListener::stop() {
+void HttpsListener::Stop() {
     if (!impl_) return;
+    impl_->stopped = true;
     impl_->server.stop();
     if (impl_->thread.joinable()) impl_->thread.join();
 }

@@ -11,7 +11,7 @@
 namespace morvane::server {
 
 class HttpsListener {
-  public:
+public:
     using Handler = std::function<HttpReply(const HttpRequest&)>;
     using Log = std::function<void(const std::string&)>;
 
@@ -23,12 +23,12 @@ class HttpsListener {
     HttpsListener& operator=(const HttpsListener&) = delete;
 
     // Binds to the address; port 0 picks a free port. Returns the port bound.
-    int bind(const std::string& address, int port);
+    int Bind(const std::string& address, int port);
     // Serves on a thread of its own until stop().
-    void start();
-    void stop();
+    void Start();
+    void Stop();
 
-  private:
+private:
     struct Impl;
     std::unique_ptr<Impl> impl_;
 };

@@ -27,45 +27,45 @@ struct Deleter {
 template <class T>
 using Owned = std::unique_ptr<T, Deleter>;
 
-[[noreturn]] void fail(const char* what) {
+[[noreturn]] void Fail(const char* what) {
     throw std::runtime_error(std::string("certificate: ") + what);
 }
 
-void addExtension(X509* cert, int nid, const char* value) {
+void AddExtension(X509* cert, int nid, const char* value) {
     X509V3_CTX ctx;
     X509V3_set_ctx_nodb(&ctx);
     X509V3_set_ctx(&ctx, cert, cert, nullptr, nullptr, 0);
     Owned<X509_EXTENSION> ext(X509V3_EXT_conf_nid(nullptr, &ctx, nid, value));
-    if (!ext || X509_add_ext(cert, ext.get(), -1) != 1) fail("extension");
+    if (!ext || X509_add_ext(cert, ext.get(), -1) != 1) Fail("extension");
 }
 
-Owned<FILE> openForWrite(const std::filesystem::path& file, mode_t mode) {
+Owned<FILE> OpenForWrite(const std::filesystem::path& file, mode_t mode) {
     const mode_t old = umask(0777 & ~mode);
     Owned<FILE> f(std::fopen(file.c_str(), "wb"));
     umask(old);
-    if (!f) fail("cannot write file");
+    if (!f) Fail("cannot write file");
     return f;
 }
 
 }  // namespace
 
-void makeSelfSignedPair(const std::filesystem::path& certFile,
+void MakeSelfSignedPair(const std::filesystem::path& certFile,
                         const std::filesystem::path& keyFile) {
     Owned<EVP_PKEY_CTX> kctx(EVP_PKEY_CTX_new_id(EVP_PKEY_EC, nullptr));
     if (!kctx || EVP_PKEY_keygen_init(kctx.get()) != 1 ||
         EVP_PKEY_CTX_set_ec_paramgen_curve_nid(kctx.get(), NID_X9_62_prime256v1) != 1)
-        fail("key context");
+        Fail("key context");
     EVP_PKEY* rawKey = nullptr;
-    if (EVP_PKEY_keygen(kctx.get(), &rawKey) != 1) fail("key generation");
+    if (EVP_PKEY_keygen(kctx.get(), &rawKey) != 1) Fail("key generation");
     Owned<EVP_PKEY> key(rawKey);
 
     Owned<X509> cert(X509_new());
-    if (!cert) fail("x509");
+    if (!cert) Fail("x509");
     X509_set_version(cert.get(), 2);
     Owned<BIGNUM> serial(BN_new());
     if (!serial || BN_rand(serial.get(), 64, BN_RAND_TOP_ANY, BN_RAND_BOTTOM_ANY) != 1 ||
         !BN_to_ASN1_INTEGER(serial.get(), X509_get_serialNumber(cert.get())))
-        fail("serial");
+        Fail("serial");
     X509_gmtime_adj(X509_getm_notBefore(cert.get()), -3600);
     X509_gmtime_adj(X509_getm_notAfter(cert.get()), 10L * 365 * 24 * 3600);
     X509_set_pubkey(cert.get(), key.get());
@@ -75,20 +75,20 @@ void makeSelfSignedPair(const std::filesystem::path& certFile,
     X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC,
                                reinterpret_cast<const unsigned char*>("127.0.0.1"), -1, -1, 0);
     X509_set_issuer_name(cert.get(), name);
-    addExtension(cert.get(), NID_basic_constraints, "critical,CA:TRUE");
-    addExtension(cert.get(), NID_key_usage, "critical,digitalSignature,keyCertSign");
-    addExtension(cert.get(), NID_ext_key_usage, "serverAuth");
-    addExtension(cert.get(), NID_subject_key_identifier, "hash");
-    addExtension(cert.get(), NID_subject_alt_name, "IP:127.0.0.1,DNS:localhost");
-    if (X509_sign(cert.get(), key.get(), EVP_sha256()) == 0) fail("sign");
+    AddExtension(cert.get(), NID_basic_constraints, "critical,CA:TRUE");
+    AddExtension(cert.get(), NID_key_usage, "critical,digitalSignature,keyCertSign");
+    AddExtension(cert.get(), NID_ext_key_usage, "serverAuth");
+    AddExtension(cert.get(), NID_subject_key_identifier, "hash");
+    AddExtension(cert.get(), NID_subject_alt_name, "IP:127.0.0.1,DNS:localhost");
+    if (X509_sign(cert.get(), key.get(), EVP_sha256()) == 0) Fail("sign");
 
     {
-        auto f = openForWrite(keyFile, 0600);
+        auto f = OpenForWrite(keyFile, 0600);
         if (PEM_write_PrivateKey(f.get(), key.get(), nullptr, nullptr, 0, nullptr, nullptr) != 1)
-            fail("write key");
+            Fail("write key");
     }
-    auto f = openForWrite(certFile, 0644);
-    if (PEM_write_X509(f.get(), cert.get()) != 1) fail("write certificate");
+    auto f = OpenForWrite(certFile, 0644);
+    if (PEM_write_X509(f.get(), cert.get()) != 1) Fail("write certificate");
 }
 
 }  // namespace morvane::server

@@ -7,7 +7,7 @@ namespace morvane::server {
 
 // Writes a new key (PEM, mode 0600) and a self-signed certificate (PEM) valid for ten years,
 // with CN 127.0.0.1 and subjectAltName IP 127.0.0.1, DNS localhost.
-void makeSelfSignedPair(const std::filesystem::path& certFile,
+void MakeSelfSignedPair(const std::filesystem::path& certFile,
                         const std::filesystem::path& keyFile);
 
 }  // namespace morvane::server

@@ -4,7 +4,7 @@
 
 namespace morvane::server {
 
-void Service::addLockRoutes() {
+void Service::AddLockRoutes() {
     struct LockPage {
         const char* path;
         LockKind kind;
@@ -18,18 +18,18 @@ void Service::addLockRoutes() {
         const char* idKey = customer ? "CustomerID" : "MasterID";
         routes_[page.path] = {
             {"ID", "token", idKey}, [this, page, customer, idKey](Call& call) {
-                const auto id = parseInt32(call.body.getOr(idKey));
+                const auto id = ParseInt32(call.body.GetOr(idKey));
                 if (!id) throw PageFailure(-1, "no lock number");
                 bool granted = true;
                 if (page.lock)
-                    granted = locks_.lock(call.user.accountId, page.kind, *id, call.user.userId);
+                    granted = locks_.Lock(call.user.accountId, page.kind, *id, call.user.userId);
                 else
-                    locks_.unlock(call.user.accountId, page.kind, *id, call.user.userId);
-                call.xml.open("LockInfo")
-                    .open(customer ? "Customer" : "Master")
-                    .leaf("result", granted ? "1" : "0")
-                    .close()
-                    .close();
+                    locks_.Unlock(call.user.accountId, page.kind, *id, call.user.userId);
+                call.xml.Open("LockInfo")
+                    .Open(customer ? "Customer" : "Master")
+                    .Leaf("result", granted ? "1" : "0")
+                    .Close()
+                    .Close();
             }};
     }
 }

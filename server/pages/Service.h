@@ -48,28 +48,28 @@ struct ServiceOptions {
 
 // A judged request ends with this `flags` value and nothing stored.
 class PageFailure : public std::runtime_error {
-  public:
+public:
     PageFailure(int flags, const std::string& why) : std::runtime_error(why), flags_(flags) {}
-    int flags() const { return flags_; }
+    int Flags() const { return flags_; }
 
-  private:
+private:
     int flags_;
 };
 
 class Service {
-  public:
+public:
     Service(const std::filesystem::path& dataDir, ServiceOptions options, const Clock& clock);
 
-    HttpReply handle(const HttpRequest& request);
+    HttpReply Handle(const HttpRequest& request);
     // A request body larger than this is refused before it reaches a page.
-    std::size_t maxBodyBytes() const { return options_.maxUploadBytes + 1024 * 1024; }
+    std::size_t MaxBodyBytes() const { return options_.maxUploadBytes + 1024 * 1024; }
 
     // Administration from the same process (tests, the demo).
-    std::int64_t createAccount(const AccountFields& fields);
-    void addUser(const std::string& contractNo, const std::string& userId,
+    std::int64_t CreateAccount(const AccountFields& fields);
+    void AddUser(const std::string& contractNo, const std::string& userId,
                  const std::string& password, const std::string& userName);
 
-  private:
+private:
     // One authenticated request under way.
     struct Call {
         const HttpRequest& request;
@@ -84,31 +84,31 @@ class Service {
         Handler handler;
     };
 
-    void addRoutes();
-    void addRecordRoutes();
-    void addRosterRoutes();
-    void addLockRoutes();
-    void addFileRoutes();
+    void AddRoutes();
+    void AddRecordRoutes();
+    void AddRosterRoutes();
+    void AddLockRoutes();
+    void AddFileRoutes();
 
-    HttpReply judged(const HttpRequest& request, const Route& route);
+    HttpReply Judged(const HttpRequest& request, const Route& route);
     // Runs `handler` after the user checked out, inside one transaction.
-    HttpReply runJudged(const HttpRequest& request, FormBody body, const std::string& userId,
+    HttpReply RunJudged(const HttpRequest& request, FormBody body, const std::string& userId,
                         const std::string& token, const Handler& handler);
-    HttpReply login(const HttpRequest& request);
-    HttpReply getTime();
-    HttpReply fileDownload(const HttpRequest& request, const std::string& kind);
-    HttpReply fileUpload(const HttpRequest& request, const std::string& kind);
+    HttpReply Login(const HttpRequest& request);
+    HttpReply GetTime();
+    HttpReply FileDownload(const HttpRequest& request, const std::string& kind);
+    HttpReply FileUpload(const HttpRequest& request, const std::string& kind);
 
     // Helpers for page handlers.
-    std::int64_t customerOf(Call& call, bool mustExist = true);
-    std::string scopeOf(Call& call, Scope scope);
-    void refuseIfLocked(Call& call, Scope scope, std::int64_t customer);
-    void writeFileItem(XmlWriter& xml, const std::string& kind, std::int64_t customer,
+    std::int64_t CustomerOf(Call& call, bool mustExist = true);
+    std::string ScopeOf(Call& call, Scope scope);
+    void RefuseIfLocked(Call& call, Scope scope, std::int64_t customer);
+    void WriteFileItem(XmlWriter& xml, const std::string& kind, std::int64_t customer,
                        const std::optional<FileInfo>& info);
-    std::string now() const;
+    std::string Now() const;
 
-    void getRecordPage(Call& call, const GetPageDecl& page);
-    void setRecordPage(Call& call, const SetPageDecl& page);
+    void GetRecordPage(Call& call, const GetPageDecl& page);
+    void SetRecordPage(Call& call, const SetPageDecl& page);
 
     ServiceOptions options_;
     const Clock& clock_;
@@ -122,6 +122,6 @@ class Service {
     std::map<std::string, Route> routes_;
 };
 
-std::string envelopeReply(int flags, const std::string& token);
+std::string EnvelopeReply(int flags, const std::string& token);
 
 }  // namespace morvane::server

@@ -9,7 +9,7 @@ namespace {
 using Names = std::vector<std::string>;
 
 // prefix + n for n in [from, to], zero-padded to `width` digits.
-Names numbered(const std::string& prefix, int from, int to, int width = 0) {
+Names Numbered(const std::string& prefix, int from, int to, int width = 0) {
     Names out;
     for (int n = from; n <= to; ++n) {
         std::string digits = std::to_string(n);
@@ -19,31 +19,31 @@ Names numbered(const std::string& prefix, int from, int to, int width = 0) {
     return out;
 }
 
-Names join(std::initializer_list<Names> parts) {
+Names Join(std::initializer_list<Names> parts) {
     Names out;
     for (const auto& p : parts) out.insert(out.end(), p.begin(), p.end());
     return out;
 }
 
-const Names& gyoshuHeader() {
+const Names& GyoshuHeader() {
     static const Names names{"ApfPlace", "MinName", "MinCode",  "PmtCheck0", "PmtCheck1", "PmtYear",
                              "PmtNo",    "PApDate", "PmtDate0", "PmtDate1",  "PmtDate2"};
     return names;
 }
 
-Names kihonFields() {
-    return join({
+Names KihonFields() {
+    return Join({
         {"Code",      "AcDate",    "ZipCode0",  "ZipCode1", "Addr0",  "addr1",     "Addr2",
          "TZipCode0", "TZipCode1", "TAddr0",    "TAddr1",   "TAddr2", "CorpKana0", "CorpName0",
          "CorpKanaS", "CorpKana1", "CorpName1", "Post0",    "Post1",  "ApfKana0",  "ApfName0",
          "ApfKana1",  "ApfName1",  "Tel0",      "TEL1",     "TEL2",   "Fax0",      "FAX1",
          "FAX2",      "ChPost",    "ChKana",    "ChName"},
-        numbered("ChTel", 0, 2),
-        numbered("ChFax", 0, 2),
+        Numbered("ChTel", 0, 2),
+        Numbered("ChFax", 0, 2),
         {"ChEMail", "Other1", "Other2", "Other3", "Other4", "Other7", "Other5"},
-        numbered("ExOther", 4, 10),
-        numbered("ExOther", 12, 18),
-        gyoshuHeader(),
+        Numbered("ExOther", 4, 10),
+        Numbered("ExOther", 12, 18),
+        GyoshuHeader(),
         {"KessanTaioh", "AddrKana1", "AddrKana2", "HoKoType", "UserStaffID", "DataUpdateFlag",
          "SeturituDate", "SogyoDate", "KengyoExist", "KengyoNaiyo", "Itaku", "DMSendType",
          "SeireiShitei", "NotKanyo", "CheckEx", "Manage",
@@ -52,57 +52,57 @@ Names kihonFields() {
     });
 }
 
-Names shokuinFields() {
-    return join({
+Names ShokuinFields() {
+    return Join({
         {"No", "Name1", "Name2", "FName1", "FName2", "BirthDate", "SaiyoDate"},
-        numbered("SikakuCode", 1, 10),
-        numbered("GyoshuCode", 1, 2),
+        Numbered("SikakuCode", 1, 10),
+        Numbered("GyoshuCode", 1, 2),
         {"KofuCode", "Seibetu", "Yakushoku", "School", "Senko"},
-        numbered("LicenceName", 1, 5),
-        numbered("licencedate", 1, 5),
+        Numbered("LicenceName", 1, 5),
+        Numbered("licencedate", 1, 5),
         {"Keireki"},
-        numbered("JitumuNen", 1, 4),
+        Numbered("JitumuNen", 1, 4),
         {"shokushu", "Biko"},
-        numbered("Bunrui", 1, 16),
+        Numbered("Bunrui", 1, 16),
         {"EigyoSho", "Jokin", "Addr"},
-        numbered("Other", 1, 10),
+        Numbered("Other", 1, 10),
         {"SenninGyosyuN", "SenninGyosyu", "SenninSikakuCode"},
     });
 }
 
-Names kessanFields() {
-    return join({
+Names KessanFields() {
+    return Join({
         {"RecDate", "ExDate", "ScDate", "DataFile", "CheckEx", "Other", "CheckOther", "OtherDate1",
          "OtherDate2", "other1", "other2", "other3", "RegDate", "UpdateDate"},
-        numbered("AcPeriod", 0, 4),
-        numbered("AcDateS", 0, 4),
-        numbered("AcDateE", 0, 4),
+        Numbered("AcPeriod", 0, 4),
+        Numbered("AcDateS", 0, 4),
+        Numbered("AcDateE", 0, 4),
         {"CheckSync"},
-        numbered("ZaimuType", 0, 4),
-        numbered("CalcWay", 0, 4),
+        Numbered("ZaimuType", 0, 4),
+        Numbered("CalcWay", 0, 4),
         {"DefaultUse"},
-        numbered("ProfDate", 0, 4),
+        Numbered("ProfDate", 0, 4),
         {"DataFileID"},
     });
 }
 
-Names masterNyusatsuKikanFields() {
-    return join({
+Names MasterNyusatsuKikanFields() {
+    return Join({
         {"KikanCode", "KikanName", "ReceptionYear", "ValidityTerm", "ReceptionDateFrom",
          "ReceptionDateTo", "ReceptionTime1From", "ReceptionTime1To", "ReceptionTime2From",
          "ReceptionTime2To"},
-        numbered("ReceptionFlags", 0, 9),
+        Numbered("ReceptionFlags", 0, 9),
         {"PresentationPlace", "PresentationNote", "DistributionDate", "DistributionPlace",
          "DistributionPlice", "DistributionNote", "ZipCode1", "ZipCode2", "Address", "Station"},
-        numbered("TEL", 1, 3),
-        numbered("FAX", 1, 3),
+        Numbered("TEL", 1, 3),
+        Numbered("FAX", 1, 3),
         {"Mail", "ApplicationPlace", "ApplicationName", "ApplicationNote"},
-        numbered("NeedDoc", 0, 99, 2),
+        Numbered("NeedDoc", 0, 99, 2),
         {"NeedDocOthers", "vno"},
     });
 }
 
-Names kikaiMainFields() {
+Names KikaiMainFields() {
     return {"vno",
             "CorpName0",
             "ApfName0",
@@ -130,8 +130,8 @@ Names kikaiMainFields() {
             "SubmitDate"};
 }
 
-Names kikaiSubFields() {
-    return join({
+Names KikaiSubFields() {
+    return Join({
         {"vno",
          "No",
          "MachineType",
@@ -161,7 +161,7 @@ Names kikaiSubFields() {
          "TeitohoHani",
          "Abirity",
          "KikaiSonryoKubun"},
-        numbered("SonryoCode", 1, 3),
+        Numbered("SonryoCode", 1, 3),
         {"HaiGas", "MachineName", "SelfCheckNo", "CheckTarget", "OnRoad", "UserName",
          "CheckCorpName", "CheckRecord", "CheckPromise", "TakePicDate", "MachineNum",
          "CheckSubmitPic", "GetDateNoDayFlag", "LeaseStartNoDayFlag", "LeaseEndNoDayFlag",
@@ -169,7 +169,7 @@ Names kikaiSubFields() {
     });
 }
 
-StoreDecl list(std::string name, Scope scope, std::string stem, std::string orderKey,
+StoreDecl List(std::string name, Scope scope, std::string stem, std::string orderKey,
                Names fields) {
     StoreDecl s;
     s.name = std::move(name);
@@ -181,7 +181,7 @@ StoreDecl list(std::string name, Scope scope, std::string stem, std::string orde
     return s;
 }
 
-SectionDecl listSection(const std::string& store) {
+SectionDecl ListSection(const std::string& store) {
     return {SectionDecl::Type::List, store, {}, {}};
 }
 
@@ -192,45 +192,45 @@ Catalogue::Catalogue() {
     const Scope C = Scope::Customer;
 
     // Customer record kinds.
-    stores_.push_back({"Kihon", C, false, false, "", "", kihonFields()});
+    stores_.push_back({"Kihon", C, false, false, "", "", KihonFields()});
     stores_.push_back({"Gyoshu", C, false, false, "", "",
-                       join({numbered("EPmtCheck", 1, 31), numbered("EPmtDate", 1, 31)})});
-    stores_.push_back(list("Shokuin", C, "Shokuin", "vno", shokuinFields()));
+                       Join({Numbered("EPmtCheck", 1, 31), Numbered("EPmtDate", 1, 31)})});
+    stores_.push_back(List("Shokuin", C, "Shokuin", "vno", ShokuinFields()));
     stores_.push_back(
-        list("Eigyosho", C, "Eigyosho", "vno",
-             join({{"MainEigyo", "MainRendo", "Name", "Kana", "S_Code", "PrefName", "CityName",
+        List("Eigyosho", C, "Eigyosho", "vno",
+             Join({{"MainEigyo", "MainRendo", "Name", "Kana", "S_Code", "PrefName", "CityName",
                     "Address", "Yubin1", "Yubin2", "Tel1", "Tel2", "Tel3", "Gyosyu"},
-                   numbered("Reserved", 0, 10)})));
-    stores_.push_back(list("Memo", C, "Memo", "vno",
+                   Numbered("Reserved", 0, 10)})));
+    stores_.push_back(List("Memo", C, "Memo", "vno",
                            {"History", "RegDate", "UpdateDate", "other1", "other2", "other3"}));
-    stores_.push_back(list("NyusatsuKikan", C, "NyusatsuKikan", "LocalIndex",
-                           join({{"LocalIndex", "KikanName", "Kubun"}, numbered("Nendo", 1, 10)})));
-    stores_.push_back(list(
+    stores_.push_back(List("NyusatsuKikan", C, "NyusatsuKikan", "LocalIndex",
+                           Join({{"LocalIndex", "KikanName", "Kubun"}, Numbered("Nendo", 1, 10)})));
+    stores_.push_back(List(
         "NyusatsuSanka", C, "NyusatsuSanka", "vno",
         {"KikanCode", "Effective", "Reservation", "Other", "DataFile", "CheckSync", "Other1"}));
 
     // Dated records.
-    stores_.push_back(list("KessanData", C, "KessanData", "vno", kessanFields()));
-    stores_.push_back(list("KyokaData", C, "KyokaData", "vno",
+    stores_.push_back(List("KessanData", C, "KessanData", "vno", KessanFields()));
+    stores_.push_back(List("KyokaData", C, "KyokaData", "vno",
                            {"other", "PApDate", "AcPeriod", "AcDateS", "AcDateE", "DataFile",
                             "CheckSync", "DefaultUse", "Ver511HideFlag", "DataFileID"}));
     stores_.push_back(
-        list("OtherData", C, "OtherData", "", {"DataFile", "RegDate", "UpdateDate", "other"}));
+        List("OtherData", C, "OtherData", "", {"DataFile", "RegDate", "UpdateDate", "other"}));
 
     // Prefecture forms.
-    auto ininMain = list("IninMain", C, "IninMain", "",
+    auto ininMain = List("IninMain", C, "IninMain", "",
                          {"vno", "MakeDate", "SubShokuin", "SelectDetail", "SelectSubShokuin",
                           "PrintDate", "PrintSubShokuin"});
     ininMain.singleItem = true;
     stores_.push_back(ininMain);
-    stores_.push_back(list("IninSub", C, "IninSub", "",
-                           join({{"vno", "IninTitle"}, numbered("IninDetail", 0, 3)})));
-    auto kikaiMain = list("KikaiIchiranMain", Scope::CustomerDataFile, "KikaiIchiranMain", "",
-                          kikaiMainFields());
+    stores_.push_back(List("IninSub", C, "IninSub", "",
+                           Join({{"vno", "IninTitle"}, Numbered("IninDetail", 0, 3)})));
+    auto kikaiMain = List("KikaiIchiranMain", Scope::CustomerDataFile, "KikaiIchiranMain", "",
+                          KikaiMainFields());
     kikaiMain.singleItem = true;
     stores_.push_back(kikaiMain);
     stores_.push_back(
-        list("KikaiIchiranSub", Scope::CustomerDataFile, "KikaiIchiranSub", "", kikaiSubFields()));
+        List("KikaiIchiranSub", Scope::CustomerDataFile, "KikaiIchiranSub", "", KikaiSubFields()));
 
     // Office masters. Uploads always start with DISABLEDALL, so arrival order is list order.
     const std::vector<std::pair<std::string, Names>> masters{
@@ -239,14 +239,14 @@ Catalogue::Catalogue() {
           "RegistDateDay", "Flag", "vno"}},
         {"KessanTaioh", {"Taioh", "Flag", "vno"}},
         {"Minister", {"ApfPlace", "MinName", "Flag", "vno"}},
-        {"NyusatsuKikan", masterNyusatsuKikanFields()},
+        {"NyusatsuKikan", MasterNyusatsuKikanFields()},
         {"NyusatsuShorui", {"Name", "Visible", "vno"}},
         {"Sakuseisha",
-         join({{"ZipCode1", "ZipCode2", "Address", "Office", "Belong", "UserName", "UserNo"},
-               numbered("TEL", 1, 3),
-               numbered("FAX", 1, 3),
+         Join({{"ZipCode1", "ZipCode2", "Address", "Office", "Belong", "UserName", "UserNo"},
+               Numbered("TEL", 1, 3),
+               Numbered("FAX", 1, 3),
                {"Mail"},
-               numbered("Others", 1, 3)})},
+               Numbered("Others", 1, 3)})},
         {"UserStaff",
          {"事務所職員コード", "事務所職員名", "郵便番号", "住所", "TEL", "FAX", "パスワード",
           "Flag"}},
@@ -254,9 +254,9 @@ Catalogue::Catalogue() {
     };
     for (const auto& [stem, fields] : masters) {
         const std::string store = "master." + stem;
-        stores_.push_back(list(store, Scope::Office, stem, "", fields));
+        stores_.push_back(List(store, Scope::Office, stem, "", fields));
         gets_.push_back(
-            {"master/get" + stem + ".php", Scope::Office, {store}, false, {listSection(store)}});
+            {"master/get" + stem + ".php", Scope::Office, {store}, false, {ListSection(store)}});
         sets_.push_back({"master/set" + stem + ".php", Scope::Office, {{store, {}}}});
     }
 
@@ -273,17 +273,17 @@ Catalogue::Catalogue() {
          C,
          {"Kihon", "Gyoshu"},
          true,
-         {{T::Record, "Kihon", "CompKihon", gyoshuHeader()}, {T::Record, "Gyoshu", "Gyoshu", {}}}});
+         {{T::Record, "Kihon", "CompKihon", GyoshuHeader()}, {T::Record, "Gyoshu", "Gyoshu", {}}}});
     gets_.push_back({"customer/getCompDetails.php",
                      C,
                      {"Kihon", "Gyoshu", "Shokuin", "Eigyosho"},
                      true,
                      {{T::Record, "Kihon", "CompKihon", {}},
                       {T::Record, "Gyoshu", "Gyoshu", {}},
-                      listSection("Shokuin"),
-                      listSection("Eigyosho")}});
+                      ListSection("Shokuin"),
+                      ListSection("Eigyosho")}});
     sets_.push_back({"customer/setCompKihon.php", C, {{"Kihon", {}}}});
-    sets_.push_back({"customer/setCompGyoshu.php", C, {{"Kihon", gyoshuHeader()}, {"Gyoshu", {}}}});
+    sets_.push_back({"customer/setCompGyoshu.php", C, {{"Kihon", GyoshuHeader()}, {"Gyoshu", {}}}});
 
     const std::vector<std::pair<std::string, std::string>> customerLists{
         {"Shokuin", "CompShokuin"},
@@ -296,7 +296,7 @@ Catalogue::Catalogue() {
         {"OtherData", "OtherData"},
     };
     for (const auto& [store, word] : customerLists) {
-        gets_.push_back({"customer/get" + word + ".php", C, {store}, false, {listSection(store)}});
+        gets_.push_back({"customer/get" + word + ".php", C, {store}, false, {ListSection(store)}});
         sets_.push_back({"customer/set" + word + ".php", C, {{store, {}}}});
     }
 
@@ -306,7 +306,7 @@ Catalogue::Catalogue() {
                          C,
                          {"IninMain", "IninSub"},
                          false,
-                         {listSection(part)}});
+                         {ListSection(part)}});
         sets_.push_back({"prefcust/99/set" + part + ".php", C, {{part, {}}}});
     }
     for (const std::string part : {"KikaiIchiranMain", "KikaiIchiranSub"}) {
@@ -314,7 +314,7 @@ Catalogue::Catalogue() {
                          Scope::CustomerDataFile,
                          {part},
                          false,
-                         {listSection(part)}});
+                         {ListSection(part)}});
         sets_.push_back({"prefcust/99/set" + part + ".php", Scope::CustomerDataFile, {{part, {}}}});
     }
 
@@ -337,25 +337,25 @@ Catalogue::Catalogue() {
     for (const auto& [index, path] : roster) roster_[static_cast<std::size_t>(index)] = path;
 }
 
-const StoreDecl* Catalogue::store(const std::string& name) const {
+const StoreDecl* Catalogue::Store(const std::string& name) const {
     for (const auto& s : stores_)
         if (s.name == name) return &s;
     return nullptr;
 }
 
-const GetPageDecl* Catalogue::getPage(const std::string& path) const {
+const GetPageDecl* Catalogue::GetPage(const std::string& path) const {
     for (const auto& p : gets_)
         if (p.path == path) return &p;
     return nullptr;
 }
 
-const SetPageDecl* Catalogue::setPage(const std::string& path) const {
+const SetPageDecl* Catalogue::SetPage(const std::string& path) const {
     for (const auto& p : sets_)
         if (p.path == path) return &p;
     return nullptr;
 }
 
-const Catalogue& catalogue() {
+const Catalogue& TheCatalogue() {
     static const Catalogue instance;
     return instance;
 }

@@ -28,7 +28,7 @@ struct StoreDecl {
     // Declared spelling is the XML tag; body keys match it without case.
     std::vector<std::string> fields;
 
-    std::string itemIdKey() const { return stem + "ItemID"; }
+    std::string ItemIdKey() const { return stem + "ItemID"; }
 };
 
 struct SectionDecl {
@@ -66,18 +66,18 @@ struct SetPageDecl {
 };
 
 class Catalogue {
-  public:
+public:
     Catalogue();
-    const std::vector<StoreDecl>& stores() const { return stores_; }
-    const std::vector<GetPageDecl>& getPages() const { return gets_; }
-    const std::vector<SetPageDecl>& setPages() const { return sets_; }
-    const StoreDecl* store(const std::string& name) const;
-    const GetPageDecl* getPage(const std::string& path) const;
-    const SetPageDecl* setPage(const std::string& path) const;
+    const std::vector<StoreDecl>& Stores() const { return stores_; }
+    const std::vector<GetPageDecl>& GetPages() const { return gets_; }
+    const std::vector<SetPageDecl>& SetPages() const { return sets_; }
+    const StoreDecl* Store(const std::string& name) const;
+    const GetPageDecl* GetPage(const std::string& path) const;
+    const SetPageDecl* SetPage(const std::string& path) const;
     // Per roster stamp index, the get page whose RecordUpdate it repeats ("" when none).
-    const std::array<std::string, 53>& rosterPages() const { return roster_; }
+    const std::array<std::string, 53>& RosterPages() const { return roster_; }
 
-  private:
+private:
     std::vector<StoreDecl> stores_;
     std::vector<GetPageDecl> gets_;
     std::vector<SetPageDecl> sets_;
@@ -85,6 +85,6 @@ class Catalogue {
 };
 
 // The one immutable catalogue.
-const Catalogue& catalogue();
+const Catalogue& TheCatalogue();
 
 }  // namespace morvane::server

@@ -31,41 +31,41 @@ struct Place {
 };
 
 class RecordStore {
-  public:
+public:
     explicit RecordStore(Database& db) : db_(db) {}
 
     // Roster.
-    bool customerExists(std::int64_t account, std::int64_t customer);
-    void createCustomer(std::int64_t account, std::int64_t customer, int inetEnableFlag);
+    bool CustomerExists(std::int64_t account, std::int64_t customer);
+    void CreateCustomer(std::int64_t account, std::int64_t customer, int inetEnableFlag);
     // Removes the customer with all its records, lists and stamps.
-    void deleteCustomer(std::int64_t account, std::int64_t customer);
-    std::vector<CustomerRow> customers(std::int64_t account);
-    void setInetEnableFlag(std::int64_t account, std::int64_t customer, int flag);
-    int inetEnableFlag(std::int64_t account, std::int64_t customer);
-    int enabledCount(std::int64_t account);
+    void DeleteCustomer(std::int64_t account, std::int64_t customer);
+    std::vector<CustomerRow> Customers(std::int64_t account);
+    void SetInetEnableFlag(std::int64_t account, std::int64_t customer, int flag);
+    int InetEnableFlag(std::int64_t account, std::int64_t customer);
+    int EnabledCount(std::int64_t account);
 
     // Stamps: the last accepted write per store.
-    void touch(std::int64_t account, std::int64_t customer, const std::string& store,
+    void Touch(std::int64_t account, std::int64_t customer, const std::string& store,
                const std::string& stamp);
     // The latest stamp among `stores`, "" when none was ever written.
-    std::string latestStamp(std::int64_t account, std::int64_t customer,
+    std::string LatestStamp(std::int64_t account, std::int64_t customer,
                             const std::vector<std::string>& stores);
 
     // Records: one item under the empty item ID.
-    Fields record(const Place& place, const std::string& store);
-    void updateRecord(const Place& place, const std::string& store,
+    Fields Record(const Place& place, const std::string& store);
+    void UpdateRecord(const Place& place, const std::string& store,
                       const std::vector<std::pair<std::string, std::string>>& fields);
 
     // Lists, in order (order number, then arrival).
-    std::vector<StoredItem> list(const Place& place, const std::string& store);
-    void clearList(const Place& place, const std::string& store);
+    std::vector<StoredItem> List(const Place& place, const std::string& store);
+    void ClearList(const Place& place, const std::string& store);
     // Adds the item, replacing one with the same item ID.
-    void putItem(const Place& place, const std::string& store, const std::string& itemId,
+    void PutItem(const Place& place, const std::string& store, const std::string& itemId,
                  std::int64_t order,
                  const std::vector<std::pair<std::string, std::string>>& fields);
 
-  private:
-    std::int64_t itemRow(const Place& place, const std::string& store, const std::string& itemId,
+private:
+    std::int64_t ItemRow(const Place& place, const std::string& store, const std::string& itemId,
                          bool create, std::int64_t order);
     Database& db_;
 };

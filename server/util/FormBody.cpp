@@ -7,12 +7,12 @@ namespace morvane::server {
 namespace {
 
 // The declared key (longest first) that starts at `pos` followed by "=", or nothing.
-const std::string* keyAt(std::string_view body, std::size_t pos,
+const std::string* KeyAt(std::string_view body, std::size_t pos,
                          const std::vector<std::string>& keys) {
     const std::string* best = nullptr;
     const std::string_view rest = body.substr(pos);
     for (const auto& key : keys) {
-        if (rest.size() > key.size() && rest[key.size()] == '=' && istartsWith(rest, key) &&
+        if (rest.size() > key.size() && rest[key.size()] == '=' && IstartsWith(rest, key) &&
             (!best || key.size() > best->size()))
             best = &key;
     }
@@ -21,7 +21,7 @@ const std::string* keyAt(std::string_view body, std::size_t pos,
 
 }  // namespace
 
-FormBody FormBody::parse(std::string_view body, const std::vector<std::string>& keys) {
+FormBody FormBody::Parse(std::string_view body, const std::vector<std::string>& keys) {
     FormBody out;
     if (body.empty()) return out;
     struct Start {
@@ -29,14 +29,14 @@ FormBody FormBody::parse(std::string_view body, const std::vector<std::string>& 
         const std::string* key;
     };
     std::vector<Start> starts;
-    if (const auto* key = keyAt(body, 0, keys)) {
+    if (const auto* key = KeyAt(body, 0, keys)) {
         starts.push_back({0, key});
     } else {
         out.malformed_ = true;
     }
     for (std::size_t i = 0; i + 1 < body.size(); ++i) {
         if (body[i] != '&') continue;
-        if (const auto* key = keyAt(body, i + 1, keys)) starts.push_back({i + 1, key});
+        if (const auto* key = KeyAt(body, i + 1, keys)) starts.push_back({i + 1, key});
     }
     for (std::size_t k = 0; k < starts.size(); ++k) {
         const std::size_t valueBegin = starts[k].keyPos + starts[k].key->size() + 1;
@@ -50,18 +50,16 @@ FormBody FormBody::parse(std::string_view body, const std::vector<std::string>& 
     return out;
 }
 
-bool FormBody::has(std::string_view key) const {
-    return get(key).has_value();
-}
+bool FormBody::Has(std::string_view key) const { return Get(key).has_value(); }
 
-std::optional<std::string> FormBody::get(std::string_view key) const {
+std::optional<std::string> FormBody::Get(std::string_view key) const {
     for (auto it = fields_.rbegin(); it != fields_.rend(); ++it)
-        if (iequals(it->first, key)) return it->second;
+        if (Iequals(it->first, key)) return it->second;
     return std::nullopt;
 }
 
-std::string FormBody::getOr(std::string_view key, std::string fallback) const {
-    auto v = get(key);
+std::string FormBody::GetOr(std::string_view key, std::string fallback) const {
+    auto v = Get(key);
     return v ? *v : std::move(fallback);
 }
 

@@ -14,18 +14,18 @@
 namespace morvane::server {
 
 class FormBody {
-  public:
-    static FormBody parse(std::string_view body, const std::vector<std::string>& keys);
+public:
+    static FormBody Parse(std::string_view body, const std::vector<std::string>& keys);
 
-    bool has(std::string_view key) const;
+    bool Has(std::string_view key) const;
     // The last value given for `key`, or nothing.
-    std::optional<std::string> get(std::string_view key) const;
-    std::string getOr(std::string_view key, std::string fallback = {}) const;
-    const std::vector<std::pair<std::string, std::string>>& fields() const { return fields_; }
+    std::optional<std::string> Get(std::string_view key) const;
+    std::string GetOr(std::string_view key, std::string fallback = {}) const;
+    const std::vector<std::pair<std::string, std::string>>& Fields() const { return fields_; }
     // True when text before the first declared key had to be passed over.
-    bool malformed() const { return malformed_; }
+    bool Malformed() const { return malformed_; }
 
-  private:
+private:
     std::vector<std::pair<std::string, std::string>> fields_;
     bool malformed_ = false;
 };

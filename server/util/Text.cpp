@@ -8,29 +8,27 @@
 namespace morvane::server {
 
 namespace {
-char upper(char c) {
-    return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c;
-}
+char Upper(char c) { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c; }
 }  // namespace
 
-std::string toUpperAscii(std::string_view s) {
+std::string ToUpperAscii(std::string_view s) {
     std::string out(s);
-    for (char& c : out) c = upper(c);
+    for (char& c : out) c = Upper(c);
     return out;
 }
 
-bool iequals(std::string_view a, std::string_view b) {
+bool Iequals(std::string_view a, std::string_view b) {
     if (a.size() != b.size()) return false;
     for (std::size_t i = 0; i < a.size(); ++i)
-        if (upper(a[i]) != upper(b[i])) return false;
+        if (Upper(a[i]) != Upper(b[i])) return false;
     return true;
 }
 
-bool istartsWith(std::string_view s, std::string_view prefix) {
-    return s.size() >= prefix.size() && iequals(s.substr(0, prefix.size()), prefix);
+bool IstartsWith(std::string_view s, std::string_view prefix) {
+    return s.size() >= prefix.size() && Iequals(s.substr(0, prefix.size()), prefix);
 }
 
-std::int64_t leadingNumber(std::string_view s) {
+std::int64_t LeadingNumber(std::string_view s) {
     std::size_t i = 0;
     while (i < s.size() && (s[i] == ' ' || s[i] == '\t')) ++i;
     bool negative = false;
@@ -43,7 +41,7 @@ std::int64_t leadingNumber(std::string_view s) {
     return negative ? -value : value;
 }
 
-std::optional<std::int32_t> parseInt32(std::string_view s) {
+std::optional<std::int32_t> ParseInt32(std::string_view s) {
     std::int32_t value = 0;
     if (s.empty()) return std::nullopt;
     const char* begin = s.data();
@@ -53,7 +51,7 @@ std::optional<std::int32_t> parseInt32(std::string_view s) {
     return value;
 }
 
-bool isXmlSafe(std::string_view s) {
+bool IsXmlSafe(std::string_view s) {
     std::size_t i = 0;
     while (i < s.size()) {
         const auto c = static_cast<unsigned char>(s[i]);
@@ -92,7 +90,7 @@ bool isXmlSafe(std::string_view s) {
     return true;
 }
 
-std::optional<std::string> percentDecode(std::string_view s) {
+std::optional<std::string> PercentDecode(std::string_view s) {
     std::string out;
     out.reserve(s.size());
     for (std::size_t i = 0; i < s.size(); ++i) {
@@ -110,7 +108,7 @@ std::optional<std::string> percentDecode(std::string_view s) {
     return out;
 }
 
-std::string stampText(std::chrono::system_clock::time_point t) {
+std::string StampText(std::chrono::system_clock::time_point t) {
     const std::time_t tt = std::chrono::system_clock::to_time_t(t);
     std::tm tm{};
     localtime_r(&tt, &tm);
@@ -119,7 +117,7 @@ std::string stampText(std::chrono::system_clock::time_point t) {
     return buf;
 }
 
-std::string hexOf(const unsigned char* data, std::size_t n) {
+std::string HexOf(const unsigned char* data, std::size_t n) {
     static constexpr char digits[] = "0123456789abcdef";
     std::string out;
     out.reserve(n * 2);

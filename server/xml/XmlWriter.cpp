@@ -6,8 +6,8 @@ namespace morvane::server {
 
 namespace {
 
-void appendEscaped(std::string& out, std::string_view text) {
-    if (!isXmlSafe(text)) throw XmlBuildError("value is not valid XML text");
+void AppendEscaped(std::string& out, std::string_view text) {
+    if (!IsXmlSafe(text)) throw XmlBuildError("value is not valid XML text");
     for (char c : text) {
         switch (c) {
             case '&':
@@ -33,15 +33,13 @@ void appendEscaped(std::string& out, std::string_view text) {
 
 XmlWriter::XmlWriter(std::string_view root) {
     out_ = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
-    open(root);
+    Open(root);
 }
 
-void XmlWriter::indent() {
-    out_.append(open_.size() * 2, ' ');
-}
+void XmlWriter::Indent() { out_.append(open_.size() * 2, ' '); }
 
-XmlWriter& XmlWriter::open(std::string_view name) {
-    indent();
+XmlWriter& XmlWriter::Open(std::string_view name) {
+    Indent();
     out_ += '<';
     out_ += name;
     out_ += ">\n";
@@ -49,29 +47,29 @@ XmlWriter& XmlWriter::open(std::string_view name) {
     return *this;
 }
 
-XmlWriter& XmlWriter::close() {
+XmlWriter& XmlWriter::Close() {
     if (open_.empty()) return *this;
     std::string name = std::move(open_.back());
     open_.pop_back();
-    indent();
+    Indent();
     out_ += "</" + name + ">\n";
     return *this;
 }
 
-XmlWriter& XmlWriter::leaf(std::string_view name, std::string_view text) {
-    indent();
+XmlWriter& XmlWriter::Leaf(std::string_view name, std::string_view text) {
+    Indent();
     out_ += '<';
     out_ += name;
     out_ += '>';
-    appendEscaped(out_, text);
+    AppendEscaped(out_, text);
     out_ += "</";
     out_ += name;
     out_ += ">\n";
     return *this;
 }
 
-std::string XmlWriter::finish() {
-    while (!open_.empty()) close();
+std::string XmlWriter::Finish() {
+    while (!open_.empty()) Close();
     return std::move(out_);
 }
 

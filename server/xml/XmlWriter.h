@@ -10,22 +10,22 @@ namespace morvane::server {
 
 // Raised when a value cannot be written into an XML document.
 class XmlBuildError : public std::runtime_error {
-  public:
+public:
     using std::runtime_error::runtime_error;
 };
 
 class XmlWriter {
-  public:
+public:
     explicit XmlWriter(std::string_view root);
 
-    XmlWriter& open(std::string_view name);
-    XmlWriter& close();
-    XmlWriter& leaf(std::string_view name, std::string_view text);
+    XmlWriter& Open(std::string_view name);
+    XmlWriter& Close();
+    XmlWriter& Leaf(std::string_view name, std::string_view text);
     // Closes every open element and returns the document.
-    std::string finish();
+    std::string Finish();
 
-  private:
-    void indent();
+private:
+    void Indent();
     std::string out_;
     std::vector<std::string> open_;
 };

@@ -8,75 +8,75 @@ namespace morvane::server::testing {
 namespace {
 
 TEST_F(ServerTest, MalformedBodyIsRefusedWithTheLoginKept) {
-    Login u = login();
-    Reply r = post("customer/getCompList.php", "garbage&ID=u1&token=" + u.token + "&");
-    EXPECT_EQ(r.flags(), -1);
-    EXPECT_FALSE(r.token().empty());
-    EXPECT_EQ(post("customer/getCompList.php", std::string("\0\x01\x02", 3)).flags(), 0);
-    EXPECT_EQ(post("customer/getCompList.php", "").flags(), 0);
+    Login u = LogIn();
+    Reply r = Post("customer/getCompList.php", "garbage&ID=u1&token=" + u.token + "&");
+    EXPECT_EQ(r.Flags(), -1);
+    EXPECT_FALSE(r.Token().empty());
+    EXPECT_EQ(Post("customer/getCompList.php", std::string("\0\x01\x02", 3)).Flags(), 0);
+    EXPECT_EQ(Post("customer/getCompList.php", "").Flags(), 0);
 }
 
 TEST_F(ServerTest, UnknownCustomerAndBadNumbersAreRefused) {
-    Login u = login();
+    Login u = LogIn();
     for (const char* rest :
          {"CustomerID=77&", "CustomerID=&", "CustomerID=abc&", "", "CustomerID=99999999999&"}) {
-        Reply r = call(u, "customer/getCompKihon.php", rest);
-        EXPECT_EQ(r.flags(), -1) << rest;
-        EXPECT_FALSE(r.payload("Customer")) << rest;
+        Reply r = Call(u, "customer/getCompKihon.php", rest);
+        EXPECT_EQ(r.Flags(), -1) << rest;
+        EXPECT_FALSE(r.Payload("Customer")) << rest;
     }
-    EXPECT_EQ(call(u, "customer/setMemo.php", "CustomerID=77&MemoItemID=1&History=x&").flags(), -1);
-    EXPECT_EQ(call(u, "customer/lockComp.php", "CustomerID=x&", "id").flags(), -1);
+    EXPECT_EQ(Call(u, "customer/setMemo.php", "CustomerID=77&MemoItemID=1&History=x&").Flags(), -1);
+    EXPECT_EQ(Call(u, "customer/lockComp.php", "CustomerID=x&", "id").Flags(), -1);
     EXPECT_STREQ(
-        call(u, "customer/getCompList.php", "").payload("compList").child("CompCount").text().get(),
+        Call(u, "customer/getCompList.php", "").Payload("compList").child("CompCount").text().get(),
         "0");
 }
 
 TEST_F(ServerTest, UnknownPageGetsAFailureReply) {
-    Login u = login();
-    Reply r = call(u, "customer/getNothing.php", "");
-    EXPECT_EQ(r.flags(), -1);
-    Reply logout = post("logout.php", "ID=u1&token=" + u.token + "&");
-    EXPECT_EQ(logout.flags(), -1);
+    Login u = LogIn();
+    Reply r = Call(u, "customer/getNothing.php", "");
+    EXPECT_EQ(r.Flags(), -1);
+    Reply logout = Post("logout.php", "ID=u1&token=" + u.token + "&");
+    EXPECT_EQ(logout.Flags(), -1);
 }
 
 TEST_F(ServerTest, AFailedWriteChangesNothing) {
-    Login u = login();
-    createCustomer(u, 1);
-    call(u, "customer/setMemo.php",
+    Login u = LogIn();
+    CreateCustomer(u, 1);
+    Call(u, "customer/setMemo.php",
          "CustomerID=1&MemoItemID=1&DISABLEDALL=DISABLEDALL&History=keep&");
-    const std::string stamp = call(u, "customer/getMemo.php", "CustomerID=1&")
-                                  .payload("Customer")
+    const std::string stamp = Call(u, "customer/getMemo.php", "CustomerID=1&")
+                                  .Payload("Customer")
                                   .child("MemoList")
                                   .child("RecordUpdate")
                                   .text()
                                   .get();
     // A value that no XML reply could carry is refused before the list is emptied.
     Reply bad =
-        call(u, "customer/setMemo.php",
+        Call(u, "customer/setMemo.php",
              std::string("CustomerID=1&MemoItemID=2&DISABLEDALL=DISABLEDALL&History=a\x01&"));
-    EXPECT_EQ(bad.flags(), -1);
-    EXPECT_EQ(call(u, "customer/setMemo.php", "CustomerID=1&History=no item&").flags(), -1);
-    Reply after = call(u, "customer/getMemo.php", "CustomerID=1&");
-    auto list = after.payload("Customer").child("MemoList");
+    EXPECT_EQ(bad.Flags(), -1);
+    EXPECT_EQ(Call(u, "customer/setMemo.php", "CustomerID=1&History=no item&").Flags(), -1);
+    Reply after = Call(u, "customer/getMemo.php", "CustomerID=1&");
+    auto list = after.Payload("Customer").child("MemoList");
     EXPECT_STREQ(list.child("MemoCount").text().get(), "1");
     EXPECT_STREQ(list.child("MemoItem").child("History").text().get(), "keep");
     EXPECT_EQ(std::string(list.child("RecordUpdate").text().get()), stamp);
-    EXPECT_EQ(call(u, "customer/createCompKihon.php", "CustomerID=2&Code=\x02&", "id").flags(), -1);
+    EXPECT_EQ(Call(u, "customer/createCompKihon.php", "CustomerID=2&Code=\x02&", "id").Flags(), -1);
     EXPECT_STREQ(
-        call(u, "customer/getCompList.php", "").payload("compList").child("CompCount").text().get(),
+        Call(u, "customer/getCompList.php", "").Payload("compList").child("CompCount").text().get(),
         "1");
 }
 
 TEST_F(ServerTest, ConcurrentClientsOnOneCustomerKeepEveryItemAndOneLockHolder) {
-    Login owner = login();
-    createCustomer(owner, 1);
-    call(owner, "customer/setMemo.php",
+    Login owner = LogIn();
+    CreateCustomer(owner, 1);
+    Call(owner, "customer/setMemo.php",
          "CustomerID=1&MemoItemID=0&DISABLEDALL=DISABLEDALL&History=start&");
     constexpr int kClients = 4;
     constexpr int kItems = 8;
     std::vector<Login> logins;
     for (int c = 0; c < kClients; ++c)
-        logins.push_back(login(c % 2 ? "u2" : "u1", c % 2 ? "other" : "secret"));
+        logins.push_back(LogIn(c % 2 ? "u2" : "u1", c % 2 ? "other" : "secret"));
     std::atomic<int> failures{0};
     std::atomic<int> granted{0};
     std::vector<std::thread> threads;
@@ -85,14 +85,14 @@ TEST_F(ServerTest, ConcurrentClientsOnOneCustomerKeepEveryItemAndOneLockHolder) 
             Login& me = logins[static_cast<std::size_t>(c)];
             for (int i = 0; i < kItems; ++i) {
                 const int id = 1 + c * kItems + i;
-                Reply r = call(me, "customer/setMemo.php",
+                Reply r = Call(me, "customer/setMemo.php",
                                "CustomerID=1&MemoItemID=" + std::to_string(id) + "&History=h" +
                                    std::to_string(id) + "&");
-                if (r.flags() != 1) ++failures;
+                if (r.Flags() != 1) ++failures;
             }
-            Reply lock = call(me, "customer/lockComp.php", "CustomerID=2&", "id");
+            Reply lock = Call(me, "customer/lockComp.php", "CustomerID=2&", "id");
             if (std::string(
-                    lock.payload("LockInfo").child("Customer").child("result").text().get()) == "1")
+                    lock.Payload("LockInfo").child("Customer").child("result").text().get()) == "1")
                 ++granted;
         });
     }
@@ -100,8 +100,8 @@ TEST_F(ServerTest, ConcurrentClientsOnOneCustomerKeepEveryItemAndOneLockHolder) 
     EXPECT_EQ(failures.load(), 0);
     // u1 holds it in two sessions, so one user got it: two grants of the same user, none of u2.
     EXPECT_EQ(granted.load(), 2);
-    Reply list = call(owner, "customer/getMemo.php", "CustomerID=1&");
-    EXPECT_STREQ(list.payload("Customer").child("MemoList").child("MemoCount").text().get(),
+    Reply list = Call(owner, "customer/getMemo.php", "CustomerID=1&");
+    EXPECT_STREQ(list.Payload("Customer").child("MemoList").child("MemoCount").text().get(),
                  std::to_string(1 + kClients * kItems).c_str());
 }
 

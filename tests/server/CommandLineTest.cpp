@@ -23,7 +23,7 @@ namespace fs = std::filesystem;
 
 // A child process that is killed if the test leaves early.
 class Child {
-  public:
+public:
     explicit Child(std::vector<std::string> args) {
         std::vector<char*> argv;
         for (auto& a : args) argv.push_back(a.data());
@@ -41,22 +41,20 @@ class Child {
             waitpid(pid_, nullptr, 0);
         }
     }
-    pid_t pid() const { return pid_; }
+    pid_t Pid() const { return pid_; }
     // Exit status, or -1 when it ended otherwise.
-    int wait() {
+    int Wait() {
         int status = 0;
         waitpid(pid_, &status, 0);
         pid_ = -1;
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
 
-  private:
+private:
     pid_t pid_ = -1;
 };
 
-int run(std::vector<std::string> args) {
-    return Child(std::move(args)).wait();
-}
+int RunProgram(std::vector<std::string> args) { return Child(std::move(args)).Wait(); }
 
 TEST(CommandLine, CreatesAccountsServesAndStopsOnASignal) {
     std::string pattern = (fs::temp_directory_path() / "morvane-cli-XXXXXX").string();
@@ -65,21 +63,21 @@ TEST(CommandLine, CreatesAccountsServesAndStopsOnASignal) {
     const std::string bin = MORVANE_SERVER_BINARY;
     const std::string data = (dir / "data").string();
 
-    EXPECT_EQ(run({bin, "add-account", "--data", data, "--contract", "K1", "--max-customer", "9",
+    EXPECT_EQ(RunProgram({bin, "add-account", "--data", data, "--contract", "K1", "--max-customer", "9",
                    "--contractor-name", "事務所"}),
               0);
-    EXPECT_NE(run({bin, "add-account", "--data", data, "--contract", "K1"}), 0) << "taken";
-    EXPECT_EQ(run({bin, "add-user", "--data", data, "--contract", "K1", "--user", "u", "--password",
+    EXPECT_NE(RunProgram({bin, "add-account", "--data", data, "--contract", "K1"}), 0) << "taken";
+    EXPECT_EQ(RunProgram({bin, "add-user", "--data", data, "--contract", "K1", "--user", "u", "--password",
                    "pw"}),
               0);
-    EXPECT_NE(run({bin, "add-user", "--data", data, "--contract", "K9", "--user", "u", "--password",
+    EXPECT_NE(RunProgram({bin, "add-user", "--data", data, "--contract", "K9", "--user", "u", "--password",
                    "pw"}),
               0)
         << "no such account";
 
     const fs::path portFile = dir / "port";
     Child server({bin, "serve", "--data", data, "--port", "0", "--port-file", portFile.string()});
-    ASSERT_GT(server.pid(), 0);
+    ASSERT_GT(server.Pid(), 0);
     int port = 0;
     for (int i = 0; i < 200 && port == 0; ++i) {
         std::ifstream in(portFile);
@@ -96,8 +94,8 @@ TEST(CommandLine, CreatesAccountsServesAndStopsOnASignal) {
     EXPECT_NE(res->body.find("<ContractorName>事務所</ContractorName>"), std::string::npos);
     EXPECT_NE(res->body.find("<MaxCustomer>9</MaxCustomer>"), std::string::npos);
 
-    kill(server.pid(), SIGTERM);
-    EXPECT_EQ(server.wait(), 0);
+    kill(server.Pid(), SIGTERM);
+    EXPECT_EQ(server.Wait(), 0);
     std::error_code ec;
     fs::remove_all(dir, ec);
 }

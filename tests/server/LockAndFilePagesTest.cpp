@@ -9,27 +9,27 @@ namespace {
 
 using namespace std::chrono_literals;
 
-std::string lockResult(const Reply& r, const char* kind) {
-    return r.payload("LockInfo").child(kind).child("result").text().get();
+std::string LockResult(const Reply& r, const char* kind) {
+    return r.Payload("LockInfo").child(kind).child("result").text().get();
 }
 
 TEST_F(ServerTest, CustomerLockIsHeldByOneUserRenewedAndLapses) {
-    Login a = login("u1");
-    Login b = login("u2", "other");
-    createCustomer(a, 5);
-    Reply granted = call(a, "customer/lockComp.php", "CustomerID=5&", "id");
-    EXPECT_EQ(granted.flags(), 1);
-    EXPECT_EQ(lockResult(granted, "Customer"), "1");
-    Reply refused = call(b, "customer/lockComp.php", "CustomerID=5&", "id");
-    EXPECT_EQ(refused.flags(), 1) << "a refusal is an ordinary reply";
-    EXPECT_EQ(lockResult(refused, "Customer"), "0");
+    Login a = LogIn("u1");
+    Login b = LogIn("u2", "other");
+    CreateCustomer(a, 5);
+    Reply granted = Call(a, "customer/lockComp.php", "CustomerID=5&", "id");
+    EXPECT_EQ(granted.Flags(), 1);
+    EXPECT_EQ(LockResult(granted, "Customer"), "1");
+    Reply refused = Call(b, "customer/lockComp.php", "CustomerID=5&", "id");
+    EXPECT_EQ(refused.Flags(), 1) << "a refusal is an ordinary reply";
+    EXPECT_EQ(LockResult(refused, "Customer"), "0");
 
     // The holder's writes pass; the other user's are refused with -2 and change nothing.
-    EXPECT_EQ(call(a, "customer/setCompKihon.php", "CustomerID=5&Code=A&").flags(), 1);
-    EXPECT_EQ(call(b, "customer/setCompKihon.php", "CustomerID=5&Code=B&").flags(), -2);
-    EXPECT_EQ(call(b, "customer/deleteCompKihon.php", "CustomerID=5&", "id").flags(), -2);
-    EXPECT_STREQ(call(b, "customer/getCompKihon.php", "CustomerID=5&")
-                     .payload("Customer")
+    EXPECT_EQ(Call(a, "customer/setCompKihon.php", "CustomerID=5&Code=A&").Flags(), 1);
+    EXPECT_EQ(Call(b, "customer/setCompKihon.php", "CustomerID=5&Code=B&").Flags(), -2);
+    EXPECT_EQ(Call(b, "customer/deleteCompKihon.php", "CustomerID=5&", "id").Flags(), -2);
+    EXPECT_STREQ(Call(b, "customer/getCompKihon.php", "CustomerID=5&")
+                     .Payload("Customer")
                      .child("CompKihon")
                      .child("Code")
                      .text()
@@ -39,48 +39,48 @@ TEST_F(ServerTest, CustomerLockIsHeldByOneUserRenewedAndLapses) {
 
     // Renewal every ten minutes keeps it past the fifteen-minute expiry.
     for (int i = 0; i < 3; ++i) {
-        clock_->advance(10min);
-        EXPECT_EQ(lockResult(call(a, "customer/lockComp.php", "CustomerID=5&", "id"), "Customer"),
+        clock_->Advance(10min);
+        EXPECT_EQ(LockResult(Call(a, "customer/lockComp.php", "CustomerID=5&", "id"), "Customer"),
                   "1");
     }
-    EXPECT_EQ(lockResult(call(b, "customer/lockComp.php", "CustomerID=5&", "id"), "Customer"), "0");
-    clock_->advance(16min);
+    EXPECT_EQ(LockResult(Call(b, "customer/lockComp.php", "CustomerID=5&", "id"), "Customer"), "0");
+    clock_->Advance(16min);
     // Keep a's login alive is not needed for the lock to lapse.
-    EXPECT_EQ(lockResult(call(b, "customer/lockComp.php", "CustomerID=5&", "id"), "Customer"), "1");
+    EXPECT_EQ(LockResult(Call(b, "customer/lockComp.php", "CustomerID=5&", "id"), "Customer"), "1");
 }
 
 TEST_F(ServerTest, UnlockByTheHolderFreesItAndByOthersDoesNothing) {
-    Login a = login("u1");
-    Login b = login("u2", "other");
-    call(a, "master/lockMaster.php", "MasterID=1&", "id");
-    Reply foreign = call(b, "master/unlockMaster.php", "MasterID=1&", "id");
-    EXPECT_EQ(foreign.flags(), 1);
-    EXPECT_EQ(lockResult(call(b, "master/lockMaster.php", "MasterID=1&", "id"), "Master"), "0");
-    EXPECT_EQ(call(b, "master/setYakushoku.php",
+    Login a = LogIn("u1");
+    Login b = LogIn("u2", "other");
+    Call(a, "master/lockMaster.php", "MasterID=1&", "id");
+    Reply foreign = Call(b, "master/unlockMaster.php", "MasterID=1&", "id");
+    EXPECT_EQ(foreign.Flags(), 1);
+    EXPECT_EQ(LockResult(Call(b, "master/lockMaster.php", "MasterID=1&", "id"), "Master"), "0");
+    EXPECT_EQ(Call(b, "master/setYakushoku.php",
                    "YakushokuItemID=1&DISABLEDALL=DISABLEDALL&Yakushoku=x&Flag=0&vno=1&")
-                  .flags(),
+                  .Flags(),
               -2)
         << "masters are locked for the office as a whole";
-    EXPECT_EQ(call(a, "master/unlockMaster.php", "MasterID=1&", "id").flags(), 1);
-    EXPECT_EQ(lockResult(call(b, "master/lockMaster.php", "MasterID=1&", "id"), "Master"), "1");
-    EXPECT_EQ(call(a, "customer/unlockComp.php", "CustomerID=99&", "id").flags(), 1)
+    EXPECT_EQ(Call(a, "master/unlockMaster.php", "MasterID=1&", "id").Flags(), 1);
+    EXPECT_EQ(LockResult(Call(b, "master/lockMaster.php", "MasterID=1&", "id"), "Master"), "1");
+    EXPECT_EQ(Call(a, "customer/unlockComp.php", "CustomerID=99&", "id").Flags(), 1)
         << "unlocking what is not locked is harmless";
 }
 
 class FilePagesTest : public ServerTest {
-  protected:
+protected:
     void SetUp() override {
         ServerTest::SetUp();
-        user = login();
-        createCustomer(user, 3);
+        user = LogIn();
+        CreateCustomer(user, 3);
     }
-    Reply hash(const std::string& kind, const std::string& name) {
-        return call(user, "customer/get" + kind + "FileHash.php",
+    Reply Hash(const std::string& kind, const std::string& name) {
+        return Call(user, "customer/get" + kind + "FileHash.php",
                     "CustomerID=3&FileName=" + name + "&");
     }
-    std::string download(const std::string& kind, const std::string& name,
+    std::string Download(const std::string& kind, const std::string& name,
                          const std::string& token) {
-        return rawPost("customer/get" + kind + "File.php",
+        return RawPost("customer/get" + kind + "File.php",
                        "ID=u1&token=" + token + "&CustomerID=3&FileName=" + name + "&");
     }
     Login user;
@@ -88,71 +88,71 @@ class FilePagesTest : public ServerTest {
 
 TEST_F(FilePagesTest, UploadReplyReportsWhatIsStoredAndDownloadGivesTheBytes) {
     std::string bytes("PDF\0\x01\xff binary", 14);
-    Reply up = uploadFile(user, "Kessan", 3, "%E6%B1%BA%E7%AE%97.pdf", bytes);
-    ASSERT_EQ(up.flags(), 1) << up.text;
-    auto item = up.payload("Customer").child("KessanFileList").child("KessanFileItem");
-    EXPECT_STREQ(up.payload("Customer").child("CustomerID").text().get(), "3");
+    Reply up = UploadFile(user, "Kessan", 3, "%E6%B1%BA%E7%AE%97.pdf", bytes);
+    ASSERT_EQ(up.Flags(), 1) << up.text;
+    auto item = up.Payload("Customer").child("KessanFileList").child("KessanFileItem");
+    EXPECT_STREQ(up.Payload("Customer").child("CustomerID").text().get(), "3");
     EXPECT_STREQ(item.child("FileName").text().get(), "決算.pdf");
     EXPECT_EQ(std::string(item.child("FileSize").text().get()), std::to_string(bytes.size()));
-    EXPECT_EQ(std::string(item.child("hash").text().get()), crcText(crc32Of(bytes)));
+    EXPECT_EQ(std::string(item.child("hash").text().get()), CrcText(Crc32Of(bytes)));
     const std::string modified = item.child("LastModified").text().get();
-    EXPECT_EQ(modified, Reply(rawPost("gettime.php", "")).payload("datetime").text().get())
+    EXPECT_EQ(modified, Reply(RawPost("gettime.php", "")).Payload("datetime").text().get())
         << "the time of receipt, on the server clock";
 
-    Reply h = hash("Kessan", "決算.pdf");
-    auto hashed = h.payload("Customer").child("KessanFileList").child("KessanFileItem");
+    Reply h = Hash("Kessan", "決算.pdf");
+    auto hashed = h.Payload("Customer").child("KessanFileList").child("KessanFileItem");
     EXPECT_STREQ(hashed.child("hash").text().get(), item.child("hash").text().get());
     EXPECT_STREQ(hashed.child("LastModified").text().get(), modified.c_str());
 
     const std::string before = user.token;
-    EXPECT_EQ(download("Kessan", "決算.pdf", user.token), bytes);
-    EXPECT_EQ(call(user, "customer/getCompList.php", "").flags(), 1)
+    EXPECT_EQ(Download("Kessan", "決算.pdf", user.token), bytes);
+    EXPECT_EQ(Call(user, "customer/getCompList.php", "").Flags(), 1)
         << "a download keeps the token as it was";
-    EXPECT_EQ(download("Kyoka", "決算.pdf", user.token), "") << "kinds are kept apart";
-    EXPECT_EQ(download("Kessan", "none.pdf", user.token), "") << "unknown file: empty body";
-    EXPECT_EQ(download("Kessan", "決算.pdf", "bad-token"), "");
+    EXPECT_EQ(Download("Kyoka", "決算.pdf", user.token), "") << "kinds are kept apart";
+    EXPECT_EQ(Download("Kessan", "none.pdf", user.token), "") << "unknown file: empty body";
+    EXPECT_EQ(Download("Kessan", "決算.pdf", "bad-token"), "");
 }
 
 TEST_F(FilePagesTest, UnknownFileHashHasTheCustomerAndAnEmptyList) {
-    Reply h = hash("Other", "missing.txt");
-    EXPECT_EQ(h.flags(), 1);
-    auto c = h.payload("Customer");
+    Reply h = Hash("Other", "missing.txt");
+    EXPECT_EQ(h.Flags(), 1);
+    auto c = h.Payload("Customer");
     EXPECT_STREQ(c.child("CustomerID").text().get(), "3");
     EXPECT_TRUE(c.child("OtherFileList"));
     EXPECT_FALSE(c.child("OtherFileList").child("OtherFileItem"));
 }
 
 TEST_F(FilePagesTest, DeleteAndRename) {
-    uploadFile(user, "Kyoka", 3, "a.txt", "AAA");
-    uploadFile(user, "Kyoka", 3, "b.txt", "BBB");
+    UploadFile(user, "Kyoka", 3, "a.txt", "AAA");
+    UploadFile(user, "Kyoka", 3, "b.txt", "BBB");
     EXPECT_EQ(
-        call(user, "customer/renameKyokaFile.php", "CustomerID=3&SrcFile=a.txt&DstFile=b.txt&")
-            .flags(),
+        Call(user, "customer/renameKyokaFile.php", "CustomerID=3&SrcFile=a.txt&DstFile=b.txt&")
+            .Flags(),
         1);
-    EXPECT_EQ(download("Kyoka", "b.txt", user.token), "AAA") << "the renamed file replaces";
-    EXPECT_EQ(download("Kyoka", "a.txt", user.token), "");
-    EXPECT_EQ(call(user, "customer/deleteKyokaFile.php", "CustomerID=3&FileName=b.txt&").flags(),
+    EXPECT_EQ(Download("Kyoka", "b.txt", user.token), "AAA") << "the renamed file replaces";
+    EXPECT_EQ(Download("Kyoka", "a.txt", user.token), "");
+    EXPECT_EQ(Call(user, "customer/deleteKyokaFile.php", "CustomerID=3&FileName=b.txt&").Flags(),
               1);
-    EXPECT_EQ(download("Kyoka", "b.txt", user.token), "");
-    EXPECT_EQ(call(user, "customer/deleteKyokaFile.php", "CustomerID=3&FileName=b.txt&").flags(),
+    EXPECT_EQ(Download("Kyoka", "b.txt", user.token), "");
+    EXPECT_EQ(Call(user, "customer/deleteKyokaFile.php", "CustomerID=3&FileName=b.txt&").Flags(),
               1);
 }
 
 TEST_F(FilePagesTest, NamesThatCouldLeaveTheFolderAreRefused) {
     const auto filesRoot = options_.dataDir / "files";
     for (const char* name : {"..%2Fescape.txt", "%2Fetc%2Fpasswd", "a%5Cb", "x%01y", "..", "%zz"}) {
-        Reply r = uploadFile(user, "Other", 3, name, "evil");
-        EXPECT_EQ(r.flags(), -1) << name;
-        EXPECT_FALSE(r.token().empty()) << "the login survives a refusal";
+        Reply r = UploadFile(user, "Other", 3, name, "evil");
+        EXPECT_EQ(r.Flags(), -1) << name;
+        EXPECT_FALSE(r.Token().empty()) << "the login survives a refusal";
     }
     for (const char* name : {"../escape.txt", "a/b", "..", ""}) {
-        EXPECT_EQ(hash("Other", name).flags(), -1) << name;
-        EXPECT_EQ(call(user, "customer/renameOtherFile.php",
+        EXPECT_EQ(Hash("Other", name).Flags(), -1) << name;
+        EXPECT_EQ(Call(user, "customer/renameOtherFile.php",
                        std::string("CustomerID=3&SrcFile=ok.txt&DstFile=") + name + "&")
-                      .flags(),
+                      .Flags(),
                   -1)
             << name;
-        EXPECT_EQ(download("Other", name, user.token), "");
+        EXPECT_EQ(Download("Other", name, user.token), "");
     }
     std::size_t stored = 0;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(
@@ -164,32 +164,32 @@ TEST_F(FilePagesTest, NamesThatCouldLeaveTheFolderAreRefused) {
 }
 
 TEST_F(FilePagesTest, OversizedUploadIsRefusedAndLeavesTheStoredFile) {
-    ASSERT_EQ(uploadFile(user, "Other", 3, "big.bin", "small").flags(), 1);
+    ASSERT_EQ(UploadFile(user, "Other", 3, "big.bin", "small").Flags(), 1);
     const std::string tooBig(options_.maxUploadBytes + 1, 'x');
-    Reply r = uploadFile(user, "Other", 3, "big.bin", tooBig);
-    EXPECT_EQ(r.flags(), -1);
-    EXPECT_EQ(download("Other", "big.bin", user.token), "small");
+    Reply r = UploadFile(user, "Other", 3, "big.bin", tooBig);
+    EXPECT_EQ(r.Flags(), -1);
+    EXPECT_EQ(Download("Other", "big.bin", user.token), "small");
     const std::string exact(options_.maxUploadBytes, 'y');
-    EXPECT_EQ(uploadFile(user, "Other", 3, "big.bin", exact).flags(), 1);
+    EXPECT_EQ(UploadFile(user, "Other", 3, "big.bin", exact).Flags(), 1);
     // Far beyond the limit the body is not even read, and the reply is still a judged one.
-    Reply huge = uploadFile(user, "Other", 3, "big.bin", std::string(4 * 1024 * 1024, 'z'));
-    EXPECT_EQ(huge.flags(), -1) << huge.text;
-    EXPECT_FALSE(huge.token().empty()) << "the token travels in headers, so the login survives";
-    EXPECT_EQ(download("Other", "big.bin", user.token).size(), exact.size());
+    Reply huge = UploadFile(user, "Other", 3, "big.bin", std::string(4 * 1024 * 1024, 'z'));
+    EXPECT_EQ(huge.Flags(), -1) << huge.text;
+    EXPECT_FALSE(huge.Token().empty()) << "the token travels in headers, so the login survives";
+    EXPECT_EQ(Download("Other", "big.bin", user.token).size(), exact.size());
 }
 
 TEST_F(FilePagesTest, UploadNeedsAValidTokenAndAKnownCustomer) {
     Login forged{"u1", "nope"};
-    EXPECT_EQ(uploadFile(forged, "Kessan", 3, "x.txt", "x").flags(), 0);
-    EXPECT_EQ(uploadFile(user, "Kessan", 42, "x.txt", "x").flags(), -1);
-    EXPECT_EQ(download("Kessan", "x.txt", user.token), "");
+    EXPECT_EQ(UploadFile(forged, "Kessan", 3, "x.txt", "x").Flags(), 0);
+    EXPECT_EQ(UploadFile(user, "Kessan", 42, "x.txt", "x").Flags(), -1);
+    EXPECT_EQ(Download("Kessan", "x.txt", user.token), "");
 }
 
 TEST_F(FilePagesTest, FilesOfADeletedCustomerAreGone) {
-    uploadFile(user, "Kessan", 3, "k.pdf", "K");
-    ASSERT_EQ(call(user, "customer/deleteCompKihon.php", "CustomerID=3&", "id").flags(), 1);
-    createCustomer(user, 3);
-    EXPECT_EQ(download("Kessan", "k.pdf", user.token), "");
+    UploadFile(user, "Kessan", 3, "k.pdf", "K");
+    ASSERT_EQ(Call(user, "customer/deleteCompKihon.php", "CustomerID=3&", "id").Flags(), 1);
+    CreateCustomer(user, 3);
+    EXPECT_EQ(Download("Kessan", "k.pdf", user.token), "");
 }
 
 }  // namespace

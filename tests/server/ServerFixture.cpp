@@ -12,18 +12,16 @@ Reply::Reply(std::string body) : text(std::move(body)) {
     parsed = static_cast<bool>(doc.load_string(text.c_str()));
 }
 
-int Reply::flags() const {
+int Reply::Flags() const {
     auto node = doc.document_element().child("system").child("flags");
     return node ? std::stoi(node.text().get()) : -99;
 }
 
-std::string Reply::token() const {
+std::string Reply::Token() const {
     return doc.document_element().child("system").child("token").text().get();
 }
 
-pugi::xml_node Reply::payload(const char* name) const {
-    return doc.document_element().child(name);
-}
+pugi::xml_node Reply::Payload(const char* name) const { return doc.document_element().child(name); }
 
 void ServerTest::SetUp() {
     std::string pattern =
@@ -36,12 +34,12 @@ void ServerTest::SetUp() {
     options_.maxUploadBytes = 64 * 1024;
     if (std::getenv("MORVANE_SERVER_TEST_LOG"))
         options_.log = [](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); };
-    startServer();
+    StartServer();
 }
 
-void ServerTest::startServer() {
+void ServerTest::StartServer() {
     server_ = std::make_unique<MorvaneServer>(options_);
-    server_->start();
+    server_->Start();
     AccountFields account;
     account.contractNo = "K100";
     account.contractorName = "テスト建設";
@@ -49,9 +47,9 @@ void ServerTest::startServer() {
     account.contractEnd = "2025/03/31";
     account.sharedCount = 2;
     account.maxCustomer = 3;
-    server_->createAccount(account);
-    server_->addUser("K100", "u1", "secret", "山田");
-    server_->addUser("K100", "u2", "other", "佐藤");
+    server_->CreateAccount(account);
+    server_->AddUser("K100", "u1", "secret", "山田");
+    server_->AddUser("K100", "u2", "other", "佐藤");
 }
 
 void ServerTest::TearDown() {
@@ -60,10 +58,10 @@ void ServerTest::TearDown() {
     std::filesystem::remove_all(dir_, ec);
 }
 
-std::string ServerTest::rawPost(const std::string& path, const std::string& body,
+std::string ServerTest::RawPost(const std::string& path, const std::string& body,
                                 const std::multimap<std::string, std::string>& headers) {
-    httplib::SSLClient client("127.0.0.1", server_->port());
-    client.set_ca_cert_path(server_->certFile().c_str());
+    httplib::SSLClient client("127.0.0.1", server_->Port());
+    client.set_ca_cert_path(server_->CertFile().c_str());
     client.enable_server_certificate_verification(true);
     httplib::Headers h;
     for (const auto& [k, v] : headers) h.emplace(k, v);
@@ -75,38 +73,38 @@ std::string ServerTest::rawPost(const std::string& path, const std::string& body
     return res->body;
 }
 
-Login ServerTest::login(const std::string& userId, const std::string& password) {
-    Reply r = post("login.php", "no=K100&ID=" + userId + "&PW=" + password + "&");
-    EXPECT_EQ(r.flags(), 1) << r.text;
-    return {userId, r.token()};
+Login ServerTest::LogIn(const std::string& userId, const std::string& password) {
+    Reply r = Post("login.php", "no=K100&ID=" + userId + "&PW=" + password + "&");
+    EXPECT_EQ(r.Flags(), 1) << r.text;
+    return {userId, r.Token()};
 }
 
-Reply ServerTest::call(Login& login, const std::string& path, const std::string& rest,
+Reply ServerTest::Call(Login& login, const std::string& path, const std::string& rest,
                        const char* idKey) {
     Reply r =
-        post(path, std::string(idKey) + "=" + login.userId + "&token=" + login.token + "&" + rest);
-    if (r.doc.document_element().child("system")) login.token = r.token();
+        Post(path, std::string(idKey) + "=" + login.userId + "&token=" + login.token + "&" + rest);
+    if (r.doc.document_element().child("system")) login.token = r.Token();
     return r;
 }
 
-Reply ServerTest::uploadFile(Login& login, const std::string& kind, int customer,
+Reply ServerTest::UploadFile(Login& login, const std::string& kind, int customer,
                              const std::string& encodedName, const std::string& bytes) {
-    Reply r(rawPost("customer/set" + kind + "File.php", bytes,
+    Reply r(RawPost("customer/set" + kind + "File.php", bytes,
                     {{"CMD", "post"},
                      {"USERID", login.userId},
                      {"TOKEN", login.token},
                      {"CUSTOMERID", std::to_string(customer)},
                      {"FILENAME", encodedName}}));
-    if (r.doc.document_element().child("system")) login.token = r.token();
+    if (r.doc.document_element().child("system")) login.token = r.Token();
     return r;
 }
 
-void ServerTest::createCustomer(Login& login, int customer, const std::string& code) {
-    Reply r = call(login, "customer/createCompKihon.php",
+void ServerTest::CreateCustomer(Login& login, int customer, const std::string& code) {
+    Reply r = Call(login, "customer/createCompKihon.php",
                    "CustomerID=" + std::to_string(customer) + "&Code=" + code +
                        "&CorpName0=名前&CorpKanaS=ナ&CorpKana0=ナ&",
                    "id");
-    ASSERT_EQ(r.flags(), 1) << r.text;
+    ASSERT_EQ(r.Flags(), 1) << r.text;
 }
 
 }  // namespace morvane::server::testing

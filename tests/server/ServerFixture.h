@@ -21,10 +21,10 @@ struct Reply {
     bool parsed = false;
 
     explicit Reply(std::string body);
-    int flags() const;
-    std::string token() const;
+    int Flags() const;
+    std::string Token() const;
     // The first element of the root with this name (exact case).
-    pugi::xml_node payload(const char* name) const;
+    pugi::xml_node Payload(const char* name) const;
 };
 
 // One user's login, carrying the token from reply to reply as the client does.
@@ -34,27 +34,27 @@ struct Login {
 };
 
 class ServerTest : public ::testing::Test {
-  protected:
+protected:
     void SetUp() override;
     void TearDown() override;
 
     // Starts the server with the options as they stand (SetUp calls it once).
-    void startServer();
+    void StartServer();
 
-    std::string rawPost(const std::string& path, const std::string& body,
+    std::string RawPost(const std::string& path, const std::string& body,
                         const std::multimap<std::string, std::string>& headers = {});
-    Reply post(const std::string& path, const std::string& body) {
-        return Reply(rawPost(path, body));
+    Reply Post(const std::string& path, const std::string& body) {
+        return Reply(RawPost(path, body));
     }
     // Logs in; fails the test when the login is refused.
-    Login login(const std::string& userId = "u1", const std::string& password = "secret");
+    Login LogIn(const std::string& userId = "u1", const std::string& password = "secret");
     // Posts "ID=<id>&token=<token>&" + rest with the login's token and keeps the new token.
-    Reply call(Login& login, const std::string& path, const std::string& rest,
+    Reply Call(Login& login, const std::string& path, const std::string& rest,
                const char* idKey = "ID");
-    Reply uploadFile(Login& login, const std::string& kind, int customer,
+    Reply UploadFile(Login& login, const std::string& kind, int customer,
                      const std::string& encodedName, const std::string& bytes);
 
-    void createCustomer(Login& login, int customer, const std::string& code = "C");
+    void CreateCustomer(Login& login, int customer, const std::string& code = "C");
 
     std::filesystem::path dir_;
     std::shared_ptr<ManualClock> clock_;
