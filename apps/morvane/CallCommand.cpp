@@ -64,8 +64,7 @@ void ListMembers(std::ostream& out) {
     for (const DispatchMember& m : DispatchTable::Instance().Members()) {
         out << m.name;
         std::vector<std::string> params;
-        for (const auto& [name, type] : m.params)
-            params.push_back(name + " " + ArgTypeName(type));
+        for (const auto& [name, type] : m.params) params.push_back(name + " " + ArgTypeName(type));
         if (!m.property) out << '(' << Join(params, ", ") << ')';
         if (m.result) out << " -> " << ArgTypeName(*m.result);
         out << '\n';

@@ -16,11 +16,16 @@ namespace {
 
 const char* StateText(int state) {
     switch (state) {
-        case 0: return "not logged in";
-        case 1: return "logged in";
-        case 2: return "logged in elsewhere";
-        case 99: return "online backup not used";
-        default: return "refused by the server";
+        case 0:
+            return "not logged in";
+        case 1:
+            return "logged in";
+        case 2:
+            return "logged in elsewhere";
+        case 99:
+            return "online backup not used";
+        default:
+            return "refused by the server";
     }
 }
 

@@ -31,8 +31,8 @@ int main(int argc, char** argv) {
 
     std::vector<std::string> callWords;
     bool listMembers = false;
-    auto* callCmd = app.add_subcommand(
-        "call", "Call members by name: MEMBER ARGS... [--then MEMBER ARGS...]");
+    auto* callCmd =
+        app.add_subcommand("call", "Call members by name: MEMBER ARGS... [--then MEMBER ARGS...]");
     callCmd->add_flag("--list", listMembers, "List the members and their parameters");
     callCmd->add_option("words", callWords, "Member and arguments");
     callCmd->prefix_command();

@@ -63,15 +63,15 @@ TEST(CommandLine, CreatesAccountsServesAndStopsOnASignal) {
     const std::string bin = MORVANE_SERVER_BINARY;
     const std::string data = (dir / "data").string();
 
-    EXPECT_EQ(RunProgram({bin, "add-account", "--data", data, "--contract", "K1", "--max-customer", "9",
-                   "--contractor-name", "事務所"}),
+    EXPECT_EQ(RunProgram({bin, "add-account", "--data", data, "--contract", "K1", "--max-customer",
+                          "9", "--contractor-name", "事務所"}),
               0);
     EXPECT_NE(RunProgram({bin, "add-account", "--data", data, "--contract", "K1"}), 0) << "taken";
-    EXPECT_EQ(RunProgram({bin, "add-user", "--data", data, "--contract", "K1", "--user", "u", "--password",
-                   "pw"}),
+    EXPECT_EQ(RunProgram({bin, "add-user", "--data", data, "--contract", "K1", "--user", "u",
+                          "--password", "pw"}),
               0);
-    EXPECT_NE(RunProgram({bin, "add-user", "--data", data, "--contract", "K9", "--user", "u", "--password",
-                   "pw"}),
+    EXPECT_NE(RunProgram({bin, "add-user", "--data", data, "--contract", "K9", "--user", "u",
+                          "--password", "pw"}),
               0)
         << "no such account";
 
