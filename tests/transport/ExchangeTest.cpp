@@ -2,6 +2,8 @@
 // token shared through the settings store, and the one escaping routine.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 #include "platform/SettingsStore.h"
 #include "session/ProcessState.h"
 #include "session/mdlLogin.h"
@@ -59,6 +61,23 @@ TEST_F(ExchangeTest, TokenRotatesThroughTheStoreAndIsSeenByASecondStore) {
     EXPECT_EQ(requests[1].body, "ID=user1&token=T2&");
     platform::SettingsStore second(State().Settings().Root());
     EXPECT_EQ(second.Read({reg::kBasePath, reg::kApplication, reg::kSection}, reg::kParam2), "T3");
+}
+
+TEST_F(ExchangeTest, PrivateCertificateComesFromTheEnvironmentOrTheSetting) {
+    LogIn("T1");
+    server_->On("master/getKessanTaioh.php", Envelope(1, "T2"));
+    // Without the test's own options the store and the environment decide.
+    State().SetHttpOptions(std::nullopt);
+    ::unsetenv("MORVANE_CA_FILE");
+    EXPECT_EQ(PostToServer("master/getKessanTaioh.php", UpperBody()), "");  // not trusted
+
+    SetSetting(reg::kCAFile, server_->CaFile());
+    EXPECT_NE(PostToServer("master/getKessanTaioh.php", UpperBody()), "");
+
+    SetSetting(reg::kCAFile, "");
+    ::setenv("MORVANE_CA_FILE", server_->CaFile().c_str(), 1);
+    EXPECT_NE(PostToServer("master/getKessanTaioh.php", UpperBody()), "");
+    ::unsetenv("MORVANE_CA_FILE");
 }
 
 TEST(EncodeURIValueTest, KeepsItsSetAndEscapesTheRestAsUtf8) {
