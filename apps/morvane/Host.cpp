@@ -5,7 +5,11 @@
 
 #include <iostream>
 
+#ifdef MORVANE_HAVE_TTY
+#include "tty/TtyToolkit.h"
+#endif
 #include "session/ProcessState.h"
+#include "session/ctrlMorvane.h"
 #include "session/mdlRegConstMorvane.h"
 #include "session/mdlRegControlMorvane.h"
 
@@ -19,6 +23,18 @@ void PrepareHost(const HostOptions& options) {
         http.caFile = options.caFile;
         state.SetHttpOptions(http);
     }
+}
+
+void UseTerminal(std::ostream& out, bool outIsTerminal) {
+#ifdef MORVANE_HAVE_TTY
+    tty::TtyOptions options;
+    options.interactive = ::isatty(STDIN_FILENO) && outIsTerminal;
+    options.inputFd = STDIN_FILENO;
+    ctrlMorvane::UseToolkit(std::make_shared<tty::TtyToolkit>(std::cin, out, options));
+#else
+    (void)out;
+    (void)outIsTerminal;
+#endif
 }
 
 std::string ReadPassword(const std::string& prompt) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <iosfwd>
 #include <string>
 
 namespace morvane::cli {
@@ -13,6 +14,11 @@ struct HostOptions {
 };
 
 void PrepareHost(const HostOptions& options);
+
+// Shows the component's dialogs and message boxes (with their titles) on the terminal,
+// written to out; a person answers only when stdin and out are terminals. Without the
+// terminal toolkit in the build, dialogs stay headless.
+void UseTerminal(std::ostream& out, bool outIsTerminal);
 
 // Reads a password: a prompt without echo on a terminal, else the first line of stdin.
 std::string ReadPassword(const std::string& prompt);

@@ -1,12 +1,16 @@
 // morvane: runs the component from the command line: log in, call members, run the demo.
 #include <CLI/CLI.hpp>
 
+#include <unistd.h>
+
 #include <iostream>
 
 #include "CallCommand.h"
 #include "DemoCommand.h"
 #include "Host.h"
+#include "InitDbCommand.h"
 #include "LoginCommands.h"
+#include "SyncCommand.h"
 
 using namespace morvane::cli;
 
@@ -18,6 +22,12 @@ int main(int argc, char** argv) {
                    "Settings folder (default: $XDG_CONFIG_HOME or ~/.config)");
     app.add_option("--ca-file", host.caFile,
                    "PEM file of CA certificates for a private server (also MORVANE_CA_FILE)");
+
+    std::string initDir;
+    std::int32_t sample = 0;
+    auto* initCmd = app.add_subcommand("init-db", "Create the host's three local databases");
+    initCmd->add_option("dir", initDir, "Folder for the databases")->required();
+    initCmd->add_option("--sample", sample, "Generated sample customers (default: none)");
 
     LoginRequest login;
     auto* loginCmd = app.add_subcommand("login", "Log in and save the connection settings");
@@ -37,6 +47,17 @@ int main(int argc, char** argv) {
     callCmd->add_option("words", callWords, "Member and arguments");
     callCmd->prefix_command();
 
+    SyncOptions sync;
+    std::string prefer = "ask";
+    auto* syncCmd = app.add_subcommand(
+        "sync",
+        "Synchronise a local database with the server (exit 0: all agreed or moved; "
+        "1: failures or conflicts left; 3: differences no worker can move yet)");
+    syncCmd->add_option("--db", sync.localDb, "The customer database (Customer.dat)")->required();
+    syncCmd->add_option("--prefer", prefer, "When both sides moved: ask, server, local or skip")
+        ->check(CLI::IsMember({"ask", "server", "local", "skip"}));
+    syncCmd->add_flag("--dry-run", sync.dryRun, "Compare only; move nothing");
+
     DemoOptions demo;
     auto* demoCmd = app.add_subcommand("demo", "Run the whole system against a local server");
     demoCmd->add_option("--workdir", demo.workDir, "Work folder to use and keep");
@@ -45,12 +66,20 @@ int main(int argc, char** argv) {
     CLI11_PARSE(app, argc, argv);
     try {
         if (*demoCmd) return RunDemo(demo, std::cout);
+        if (*initCmd) return RunInitDb(initDir, sample, std::cout, std::cerr);
         PrepareHost(host);
+        // Dialogs and message boxes go to stderr so results on stdout stay readable.
+        UseTerminal(std::cerr, ::isatty(STDERR_FILENO));
         if (*loginCmd) {
             login.password = ReadPassword("Password: ");
             return RunLogin(login, std::cout) == 1 ? 0 : 1;
         }
         if (*statusCmd) return RunStatus(std::cout);
+        if (*syncCmd) {
+            sync.prefer = ParsePrefer(prefer).value_or(Prefer::Ask);
+            sync.progress = ::isatty(STDERR_FILENO);
+            return RunSync(sync, std::cout, std::cerr);
+        }
         if (*callCmd) {
             if (listMembers) {
                 ListMembers(std::cout);

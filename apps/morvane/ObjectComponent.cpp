@@ -1,0 +1,78 @@
+#include "ObjectComponent.h"
+
+#include <exception>
+
+#include "platform/Dao.h"
+#include "session/DispatchTable.h"
+#include "session/basTextEncrypt.h"
+#include "session/mdlLogin.h"
+#include "session/mdlLoginInfo.h"
+#include "session/mdlRegConstMorvane.h"
+#include "session/mdlRegControlMorvane.h"
+#include "store/LocalDatabases.h"
+#include "util/Nz.h"
+
+namespace morvane::cli {
+
+bool ObjectComponent::Has(std::string_view member) const {
+    return DispatchTable::Instance().Find(member) != nullptr;
+}
+
+Value ObjectComponent::Call(std::string_view member, const std::vector<Value>& args) {
+    const DispatchTable& table = DispatchTable::Instance();
+    const DispatchMember* m = table.Find(member);
+    if (!m || m->params.size() != args.size()) return Value();
+    std::vector<DispatchArg> converted;
+    for (size_t i = 0; i < args.size(); ++i) {
+        DispatchArg a;
+        if (m->params[i].second != ArgType::Object) a.value = args[i];
+        converted.push_back(a);
+    }
+    try {
+        return table.Invoke(obj_, m->name, converted);
+    } catch (const std::exception&) {
+        return Value();
+    }
+}
+
+int ObjectComponent::LoginFromSettings() {
+    LoadLoginInfo();
+    if (obj_.LoginState() == 1) return 1;
+    // A saved password logs in afresh, as the login dialog would with it filled in.
+    if (ReadMorvaneSetting(reg::kSaveLoginPWD) != "True") return obj_.LoginState();
+    const std::string password = DecryptText(ReadMorvaneSetting(reg::kLoginPWD));
+    DoLogin(ReadMorvaneSetting(reg::kLoginUID), password, ReadMorvaneSetting(reg::kContractNo));
+    const int state = obj_.LoginState();
+    if (state == 1) SaveLoginInfo(GetLoginID(), GetLoginToken(), std::to_string(state));
+    return state;
+}
+
+bool ObjectComponent::RosterUploadIDs(const std::string& localDb, std::string& add,
+                                      std::string& del, std::string& update) {
+    add.clear();
+    del.clear();
+    update.clear();
+    return obj_.GetUploadCustomerListIDs(localDb, add, del, update) == 1;
+}
+
+std::vector<std::int32_t> ObjectComponent::LocalCustomerIDs(const std::string& localDb) {
+    std::vector<std::int32_t> ids;
+    try {
+        dao::Workspace ws("", "");
+        dao::Database& db = ws.OpenDatabase(localDb);
+        auto rs =
+            db.OpenRecordset("SELECT id, CorpName0 FROM tCustomer WHERE disabled = 0 ORDER BY id");
+        bool onlySample = true;
+        for (; !rs->Eof(); rs->MoveNext()) {
+            ids.push_back(NzLong((*rs)["id"]));
+            onlySample = onlySample && NzString((*rs)["CorpName0"]) == kSampleCustomerName;
+        }
+        // A fresh host's sample customer alone is no data, as the roster comparison holds.
+        if (ids.size() == 1 && onlySample) ids.clear();
+    } catch (const std::exception&) {
+        ids.clear();
+    }
+    return ids;
+}
+
+}  // namespace morvane::cli

@@ -1,0 +1,23 @@
+// The component as the command line's sync sees it: one public object, its members called
+// by name through the dispatch table, the login taken from the saved settings.
+#pragma once
+
+#include "SyncRun.h"
+#include "session/ctrlMorvane.h"
+
+namespace morvane::cli {
+
+class ObjectComponent final : public Component {
+public:
+    bool Has(std::string_view member) const override;
+    Value Call(std::string_view member, const std::vector<Value>& args) override;
+    int LoginFromSettings() override;
+    bool RosterUploadIDs(const std::string& localDb, std::string& add, std::string& del,
+                         std::string& update) override;
+    std::vector<std::int32_t> LocalCustomerIDs(const std::string& localDb) override;
+
+private:
+    ctrlMorvane obj_;
+};
+
+}  // namespace morvane::cli

@@ -1,0 +1,35 @@
+// The kinds of data a synchronisation walks, each with the members that compare and move it
+// and the backed-up tables whose stamps it covers. A kind is live once its members are in
+// the dispatch table: a new worker makes its row live without a change here.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace morvane::cli {
+
+enum class KindScope {
+    Customer,      // members take (LocalDB, CustID), under the customer's lock
+    Master,        // members take (Master.dat path), under the master lock
+    CustomerFile,  // members take (CustID, LocalFile, Owner): needs the host's walk of files
+    StampsOnly,    // tables compared by stamp alone: the component has no worker for them
+};
+
+struct SyncKind {
+    std::string name;
+    KindScope scope = KindScope::Customer;
+    std::vector<int> tables;  // backup table indexes whose snapshot flags it covers
+    std::string compare;      // member names; empty where the kind has no such member
+    std::string download;
+    std::string upload;
+};
+
+// Every kind, in the order the host works them off.
+const std::vector<SyncKind>& SyncKinds();
+
+// Folds the snapshot flags of a kind's tables into one decision code: 0 all agree, 1 or 2
+// when every differing table points the same way, 3 when they point both ways or any is 3.
+int CombineFlags(const std::vector<int>& flags);
+
+}  // namespace morvane::cli

@@ -1,0 +1,373 @@
+#include "SyncRun.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <ostream>
+#include <set>
+
+#include "store/BackupTableIndex.h"
+#include "util/Nz.h"
+#include "util/Text.h"
+
+namespace morvane::cli {
+namespace {
+
+const char* Way(int flag) {
+    switch (flag) {
+        case 1:
+            return "server newer";
+        case 2:
+            return "local newer";
+        case 3:
+            return "both moved";
+        default:
+            return "agree";
+    }
+}
+
+std::vector<std::int32_t> SplitIDs(const std::string& text) {
+    std::vector<std::int32_t> ids;
+    for (const std::string& part : Split(text, ","))
+        if (!Trim(part).empty()) ids.push_back(NzLong(part));
+    return ids;
+}
+
+}  // namespace
+
+std::optional<Prefer> ParsePrefer(std::string_view text) {
+    if (text == "ask") return Prefer::Ask;
+    if (text == "server") return Prefer::Server;
+    if (text == "local") return Prefer::Local;
+    if (text == "skip") return Prefer::Skip;
+    return std::nullopt;
+}
+
+int ExitCode(const SyncSummary& s) {
+    if (!s.loggedIn || s.failures > 0 || s.conflicts > 0) return 1;
+    if (!s.unsupported.empty() || s.planned > 0) return 3;
+    return 0;
+}
+
+void PrintSummary(const SyncSummary& s, std::ostream& out) {
+    out << "Summary\n"
+        << "  customers:   " << s.customers << '\n'
+        << "  tables:      " << s.tablesCompared << " compared, " << s.tablesDiffering
+        << " differ\n"
+        << "  downloads:   " << s.downloads << '\n'
+        << "  uploads:     " << s.uploads << '\n'
+        << "  conflicts:   " << s.conflicts << " left unresolved\n"
+        << "  failures:    " << s.failures << '\n';
+    if (s.planned > 0) out << "  dry run:     " << s.planned << " move(s) not made\n";
+    if (!s.unsupported.empty()) {
+        out << "  not yet supported:\n";
+        for (const Unsupported& u : s.unsupported)
+            out << "    " << u.what << ": " << u.detail << '\n';
+    }
+}
+
+SyncRun::SyncRun(Component& component, SyncOptions options, std::ostream& out, std::ostream& err)
+    : c_(component), options_(std::move(options)), out_(out), err_(err) {
+    masterDb_ = (std::filesystem::path(options_.localDb).parent_path() / "Master.dat").string();
+}
+
+bool SyncRun::Live(const SyncKind& kind) const {
+    if (kind.scope == KindScope::StampsOnly || kind.scope == KindScope::CustomerFile) return false;
+    return !kind.compare.empty() && c_.Has(kind.compare) && c_.Has(kind.download) &&
+           c_.Has(kind.upload);
+}
+
+bool SyncRun::CallOk(std::string_view member, const std::vector<Value>& args) {
+    return NzLong(c_.Call(member, args)) == 1;
+}
+
+SyncSummary SyncRun::Run() {
+    summary_ = {};
+    tally_.clear();
+    rosterAdd_.clear();
+    const int state = c_.LoginFromSettings();
+    summary_.loggedIn = state == 1;
+    if (!summary_.loggedIn) {
+        out_ << "login: not logged in (state " << state
+             << "); run `morvane login` first, or save the password\n";
+        return summary_;
+    }
+    out_ << "login: logged in\n";
+    if (!Roster()) return summary_;
+    BackupTargets();
+    const std::vector<std::int32_t> ids = CustomersToWalk();
+    summary_.customers = static_cast<int>(ids.size());
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+        Progress(i, ids.size(), ids[i]);
+        Customer(ids[i]);
+    }
+    Progress(ids.size(), ids.size(), 0);
+    Masters();
+    return summary_;
+}
+
+bool SyncRun::Roster() {
+    const std::vector<Value> db{Value(options_.localDb)};
+    int result = NzLong(c_.Call("CompareCustomerList", db));
+    summary_.rosterResult = result;
+    const char* meaning[] = {"agree", "", "", "differ", "server has none", "local has none"};
+    out_ << "roster: " << (result >= 0 && result <= 5 ? meaning[result] : "?") << " (result "
+         << result << ")\n";
+    std::string add, del, upd;
+    if (result != 0 && c_.RosterUploadIDs(options_.localDb, add, del, upd)) {
+        for (std::int32_t id : SplitIDs(add)) rosterAdd_.push_back(std::to_string(id));
+        out_ << "  only local: " << (add.empty() ? "-" : add)
+             << "; only on the server: " << (del.empty() ? "-" : del) << '\n';
+    }
+    bool takeServer = result == 5;
+    bool pushLocal = result == 4;
+    if (result == 3) {
+        switch (options_.prefer) {
+            case Prefer::Server:
+                takeServer = true;
+                break;
+            case Prefer::Local:
+                pushLocal = true;
+                break;
+            case Prefer::Skip:
+                ++summary_.conflicts;
+                out_ << "  roster: left as it is (--prefer skip)\n";
+                break;
+            case Prefer::Ask:
+                summary_.unsupported.push_back(
+                    {"roster", "the reconciliation dialogs do not exist yet; use --prefer"});
+                break;
+        }
+    }
+    if (takeServer) {
+        if (options_.dryRun) {
+            ++summary_.planned;
+            out_ << "  roster: would take the server's roster\n";
+        } else if (CallOk("SyncDownloadCustomerList", db)) {
+            ++summary_.downloads;
+            out_ << "  roster: downloaded the server's roster\n";
+        } else {
+            ++summary_.failures;
+            out_ << "  roster: download failed\n";
+        }
+    }
+    if (pushLocal) {
+        const auto addIDs = SplitIDs(add);
+        const auto delIDs = result == 3 ? SplitIDs(del) : std::vector<std::int32_t>{};
+        const bool live = c_.Has("SyncUploadAddCustomer") && c_.Has("SyncUploadDelCustomer");
+        if (!live) {
+            summary_.unsupported.push_back(
+                {"roster", std::to_string(addIDs.size()) + " customer(s) to add and " +
+                               std::to_string(delIDs.size()) +
+                               " to delete on the server: no roster upload worker yet"});
+        } else if (options_.dryRun) {
+            summary_.planned += static_cast<int>(addIDs.size() + delIDs.size());
+        } else {
+            for (std::int32_t id : addIDs)
+                ++(CallOk("SyncUploadAddCustomer", {Value(options_.localDb), Value(id)})
+                       ? summary_.uploads
+                       : summary_.failures);
+            for (std::int32_t id : delIDs)
+                ++(CallOk("SyncUploadDelCustomer", {Value(id)}) ? summary_.uploads
+                                                                : summary_.failures);
+        }
+    }
+    // A roster that moved is compared again so the per-table snapshot is current.
+    if ((summary_.downloads + summary_.uploads) > 0) {
+        rosterAdd_.clear();
+        result = NzLong(c_.Call("CompareCustomerList", db));
+        summary_.rosterResult = result;
+        out_ << "roster after reconciliation: result " << result << '\n';
+        if (result != 0 && c_.RosterUploadIDs(options_.localDb, add, del, upd))
+            for (std::int32_t id : SplitIDs(add)) rosterAdd_.push_back(std::to_string(id));
+    }
+    return true;
+}
+
+void SyncRun::BackupTargets() {
+    if (!c_.Has("CheckInetEnabledFlags")) {
+        out_ << "backup targets: not checked (no worker yet)\n";
+        summary_.unsupported.push_back({"backup targets", "the check has no worker yet"});
+        return;
+    }
+    const int result = NzLong(c_.Call("CheckInetEnabledFlags", {Value(options_.localDb)}));
+    out_ << "backup targets: result " << result << '\n';
+    if (result != 1)
+        summary_.unsupported.push_back(
+            {"backup targets", "result " + std::to_string(result) + " needs the selection dialog"});
+}
+
+std::vector<std::int32_t> SyncRun::CustomersToWalk() {
+    // Customers both sides hold: the snapshot knows only those the server lists.
+    std::vector<std::int32_t> ids;
+    const std::set<std::string> localOnly(rosterAdd_.begin(), rosterAdd_.end());
+    for (std::int32_t id : c_.LocalCustomerIDs(options_.localDb))
+        if (!localOnly.count(std::to_string(id))) ids.push_back(id);
+    return ids;
+}
+
+void SyncRun::Customer(std::int32_t id) {
+    const auto& tables = BackupTables();
+    const std::vector<Value> args{Value(options_.localDb), Value(id)};
+    bool anyLive = false;
+    for (const SyncKind& k : SyncKinds())
+        if (k.scope == KindScope::Customer && Live(k)) anyLive = true;
+    bool locked = false;
+    if (anyLive && !options_.dryRun) {
+        if (!c_.Has("LockCoustomer")) {
+            summary_.unsupported.push_back(
+                {"customer " + std::to_string(id), "no customer lock yet: nothing moved"});
+        } else if (CallOk("LockCoustomer", {Value(id)})) {
+            locked = true;
+        } else {
+            ++summary_.failures;
+            out_ << "customer " << id << ": lock refused\n";
+        }
+    }
+    std::vector<std::string> differing;
+    for (const SyncKind& kind : SyncKinds()) {
+        if (kind.scope == KindScope::Master) continue;
+        std::vector<int> flags;
+        for (int t : kind.tables) {
+            const int f = NzLong(c_.Call("CustmerBackupedTableSyncFlag", {Value(id), Value(t)}));
+            ++summary_.tablesCompared;
+            if (f != 0) {
+                ++summary_.tablesDiffering;
+                differing.push_back(std::string(tables[static_cast<std::size_t>(t)].name) + " " +
+                                    Way(f));
+            }
+            flags.push_back(f);
+        }
+        const std::string label = "customer " + std::to_string(id) + " " + kind.name;
+        if (!Live(kind)) {
+            const int combined = CombineFlags(flags);
+            if (kind.tables.empty())
+                tally_[kind.name].notCompared++;
+            else if (combined != 0)
+                tally_[kind.name].differ[combined]++;
+            continue;
+        }
+        const int decision = NzLong(c_.Call(kind.compare, args));
+        if (decision != 0 && !options_.dryRun && !locked) {
+            tally_[kind.name].differ[decision]++;
+            continue;
+        }
+        Decide(kind, decision, args, label);
+    }
+    if (!differing.empty()) out_ << "customer " << id << ": " << Join(differing, ", ") << '\n';
+    if (locked && !CallOk("UnlockCoustomer", {Value(id)})) {
+        ++summary_.failures;
+        out_ << "customer " << id << ": unlock failed\n";
+    }
+}
+
+void SyncRun::Decide(const SyncKind& kind, int decision, const std::vector<Value>& args,
+                     const std::string& label) {
+    if (decision == 3) {
+        switch (options_.prefer) {
+            case Prefer::Server:
+                decision = 1;
+                break;
+            case Prefer::Local:
+                decision = 2;
+                break;
+            case Prefer::Skip:
+                decision = 0;
+                break;
+            case Prefer::Ask:
+                decision = NzLong(c_.Call("ShowCompareMsg", {Value(), Value(kind.name), Value(),
+                                                             Value(), Value(), Value()}));
+                break;
+        }
+        if (decision == 0) {
+            ++summary_.conflicts;
+            out_ << label << ": both sides moved; left as it is\n";
+            return;
+        }
+    }
+    if (decision != 1 && decision != 2) return;
+    if (options_.dryRun) {
+        ++summary_.planned;
+        out_ << label << ": would " << (decision == 1 ? "download" : "upload") << '\n';
+        return;
+    }
+    const std::string& member = decision == 1 ? kind.download : kind.upload;
+    if (CallOk(member, args)) {
+        ++(decision == 1 ? summary_.downloads : summary_.uploads);
+        out_ << label << ": " << (decision == 1 ? "downloaded" : "uploaded") << '\n';
+    } else {
+        ++summary_.failures;
+        out_ << label << ": " << member << " failed\n";
+    }
+}
+
+void SyncRun::Masters() {
+    std::vector<const SyncKind*> live;
+    for (const SyncKind& k : SyncKinds()) {
+        if (k.scope != KindScope::Master) continue;
+        if (Live(k))
+            live.push_back(&k);
+        else
+            tally_[k.name].notCompared++;
+    }
+    if (!live.empty()) {
+        bool locked = false;
+        if (!options_.dryRun) {
+            if (!c_.Has("LockMasterData")) {
+                summary_.unsupported.push_back({"masters", "no master lock yet: nothing moved"});
+            } else if (CallOk("LockMasterData", {Value(1)})) {
+                locked = true;
+            } else {
+                ++summary_.failures;
+                out_ << "masters: lock refused\n";
+            }
+        }
+        for (const SyncKind* k : live) {
+            const int decision = NzLong(c_.Call(k->compare, {Value(masterDb_)}));
+            if (decision != 0 && !options_.dryRun && !locked) {
+                tally_[k->name].differ[decision]++;
+                continue;
+            }
+            Decide(*k, decision, {Value(masterDb_)}, k->name);
+        }
+        if (locked && !CallOk("UnlockMasterData", {Value(1)})) ++summary_.failures;
+    }
+    // The kinds no worker moves yet, in the table's order.
+    for (const SyncKind& k : SyncKinds()) {
+        auto it = tally_.find(k.name);
+        if (it == tally_.end()) continue;
+        const Tally& t = it->second;
+        std::string detail;
+        const bool noWorkerEver = k.scope == KindScope::StampsOnly;
+        if (t.notCompared > 0)
+            detail = k.scope == KindScope::Master
+                         ? "not compared"
+                         : "not compared for " + std::to_string(t.notCompared) + " customer(s)";
+        int differ = 0;
+        std::vector<std::string> ways;
+        for (const auto& [flag, n] : t.differ) {
+            differ += n;
+            ways.push_back(std::to_string(n) + " " + Way(flag));
+        }
+        if (differ > 0)
+            detail += (detail.empty() ? "" : "; ") + std::to_string(differ) +
+                      " customer(s) differ (" + Join(ways, ", ") + ")";
+        if (detail.empty()) continue;
+        detail += noWorkerEver ? ": compared by stamp only, no worker moves these tables"
+                               : ": no worker yet";
+        summary_.unsupported.push_back({k.name, detail});
+    }
+}
+
+void SyncRun::Progress(std::size_t done, std::size_t total, std::int32_t id) {
+    if (!options_.progress || total == 0) return;
+    constexpr std::size_t kWidth = 30;
+    const std::size_t filled = done * kWidth / total;
+    err_ << "\r[" << std::string(filled, '#') << std::string(kWidth - filled, '.') << "] " << done
+         << '/' << total;
+    if (id != 0) err_ << " customer " << id << "   ";
+    if (done == total) err_ << "             \n";
+    err_ << std::flush;
+}
+
+}  // namespace morvane::cli
