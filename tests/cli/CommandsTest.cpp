@@ -1,0 +1,101 @@
+// The command line's smaller commands: calls split on --then, calls by name on one object,
+// the local databases of init-db, and the demo run as the README runs it.
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "CallCommand.h"
+#include "InitDbCommand.h"
+#include "support/MorvaneTest.h"
+
+namespace morvane::cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST(SplitCalls, ThenStartsANewCallAndArgumentsStayWithTheirMember) {
+    const auto calls = SplitCalls({"A", "x", "y", "--then", "B", "--then", "C", "z"});
+    ASSERT_EQ(calls.size(), 3u);
+    EXPECT_EQ(calls[0].member, "A");
+    EXPECT_EQ(calls[0].args, (std::vector<std::string>{"x", "y"}));
+    EXPECT_TRUE(calls[1].args.empty());
+    EXPECT_EQ(calls[2].args, (std::vector<std::string>{"z"}));
+    EXPECT_TRUE(SplitCalls({}).empty());
+    EXPECT_EQ(SplitCalls({"--then", "--then", "A"}).size(), 1u) << "empty calls are dropped";
+}
+
+class CallTest : public test::MorvaneTest {};
+
+TEST_F(CallTest, CallsPrintOneResultPerLineAndStopAtTheFirstBadOne) {
+    std::ostringstream out, err;
+    EXPECT_EQ(RunCalls(SplitCalls({"LoginState", "--then", "loginstate"}), out, err), 0);
+    EXPECT_EQ(out.str(), "0\n0\n") << "names match without regard to case";
+
+    out.str("");
+    EXPECT_EQ(RunCalls(SplitCalls({"LoginState", "--then", "NoSuchMember", "--then", "LoginState"}),
+                       out, err),
+              2);
+    EXPECT_EQ(out.str(), "0\n");
+    EXPECT_NE(err.str().find("no member named NoSuchMember"), std::string::npos);
+
+    err.str("");
+    EXPECT_EQ(RunCalls(SplitCalls({"CustmerBackuped"}), out, err), 2);
+    EXPECT_NE(err.str().find("takes 1 argument(s), 0 given"), std::string::npos);
+    err.str("");
+    EXPECT_EQ(RunCalls(SplitCalls({"CustmerBackuped", "not-a-number"}), out, err), 2)
+        << "a text that is no number is a type mismatch, not a crash";
+}
+
+TEST(InitDb, CreatesTheThreeFilesAndNeverOverwritesThem) {
+    std::string pattern = (fs::temp_directory_path() / "morvane-initdb-XXXXXX").string();
+    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
+    const fs::path dir = pattern;
+    std::ostringstream out, err;
+    ASSERT_EQ(RunInitDb(dir / "db", 2, out, err), 0) << err.str();
+    for (const char* name : {"Customer.dat", "Master.dat", "prefcustom.dat"})
+        EXPECT_GT(fs::file_size(dir / "db" / name), 0u) << name;
+    const auto size = fs::file_size(dir / "db" / "Customer.dat");
+    EXPECT_EQ(RunInitDb(dir / "db", 0, out, err), 1);
+    EXPECT_EQ(fs::file_size(dir / "db" / "Customer.dat"), size);
+    EXPECT_EQ(RunInitDb(dir / "other", -1, out, err), 2);
+    EXPECT_FALSE(fs::exists(dir / "other" / "Customer.dat"));
+    fs::remove_all(dir);
+}
+
+// The README's main job: the real program, a real server, two offices; leaves nothing behind.
+TEST(Demo, RunsToACleanEndAndStopsItsServer) {
+    std::string pattern = (fs::temp_directory_path() / "morvane-demo-test-XXXXXX").string();
+    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
+    const fs::path work = fs::path(pattern) / "work";
+    const std::string command =
+        std::string(MORVANE_CLI_BINARY) + " demo --workdir " + work.string() + " 2>&1";
+    FILE* pipe = ::popen(command.c_str(), "r");
+    ASSERT_NE(pipe, nullptr);
+    std::string output;
+    std::array<char, 4096> buffer{};
+    while (std::fgets(buffer.data(), buffer.size(), pipe)) output += buffer.data();
+    const int status = ::pclose(pipe);
+    ASSERT_TRUE(WIFEXITED(status)) << output;
+    EXPECT_EQ(WEXITSTATUS(status), 0) << output;
+    for (const char* line : {"morvane-server listens on https://127.0.0.1:",
+                             "roster: server has none (result 4)", "no roster upload worker yet",
+                             "office B agrees with the server", "The demo ran to a clean end."})
+        EXPECT_NE(output.find(line), std::string::npos) << line << "\n" << output;
+    // The server wrote its port file; nothing may still listen there.
+    std::ifstream portFile(work / "server-data" / "port");
+    int port = 0;
+    portFile >> port;
+    EXPECT_GT(port, 0);
+    const std::string probe = "exec 3<>/dev/tcp/127.0.0.1/" + std::to_string(port) + " 2>/dev/null";
+    EXPECT_NE(std::system(("bash -c '" + probe + "'").c_str()), 0) << "the server still listens";
+    fs::remove_all(pattern);
+}
+
+}  // namespace
+}  // namespace morvane::cli
