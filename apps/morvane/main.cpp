@@ -39,12 +39,10 @@ int main(int argc, char** argv) {
 
     auto* statusCmd = app.add_subcommand("status", "Show the login state and the account");
 
-    std::vector<std::string> callWords;
     bool listMembers = false;
     auto* callCmd =
         app.add_subcommand("call", "Call members by name: MEMBER ARGS... [--then MEMBER ARGS...]");
     callCmd->add_flag("--list", listMembers, "List the members and their parameters");
-    callCmd->add_option("words", callWords, "Member and arguments");
     callCmd->prefix_command();
 
     SyncOptions sync;
@@ -85,9 +83,13 @@ int main(int argc, char** argv) {
                 ListMembers(std::cout);
                 return 0;
             }
-            // prefix_command leaves the member's words to us, "--then" included.
-            std::vector<std::string> words = callWords;
-            for (const auto& w : callCmd->remaining()) words.push_back(w);
+            // prefix_command leaves every word from the member on to us, in order, "--then"
+            // included; a positional option would take words out of that order.
+            const std::vector<std::string> words = callCmd->remaining();
+            if (words.empty()) {
+                std::cerr << "morvane: call needs a member name (see call --list)\n";
+                return 2;
+            }
             return RunCalls(SplitCalls(words), std::cout, std::cerr);
         }
     } catch (const std::exception& e) {

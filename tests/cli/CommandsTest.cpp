@@ -68,6 +68,39 @@ TEST(InitDb, CreatesTheThreeFilesAndNeverOverwritesThem) {
     fs::remove_all(dir);
 }
 
+struct ProgramRun {
+    int exitCode = -1;
+    std::string output;
+};
+
+ProgramRun RunCli(const std::string& args) {
+    ProgramRun run;
+    const std::string command = std::string(MORVANE_CLI_BINARY) + " " + args + " </dev/null";
+    FILE* pipe = ::popen(command.c_str(), "r");
+    if (!pipe) return run;
+    std::array<char, 4096> buffer{};
+    while (std::fgets(buffer.data(), buffer.size(), pipe)) run.output += buffer.data();
+    const int status = ::pclose(pipe);
+    if (WIFEXITED(status)) run.exitCode = WEXITSTATUS(status);
+    return run;
+}
+
+TEST(CallProgram, KeepsEachMembersArgumentsInOrderAcrossThen) {
+    std::string pattern = (fs::temp_directory_path() / "morvane-call-XXXXXX").string();
+    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
+    const std::string config = "--config " + pattern + " call ";
+    ProgramRun run = RunCli(config + "CustmerBackuped 1 --then LoginState 2>&1");
+    EXPECT_EQ(run.exitCode, 0) << run.output;
+    EXPECT_EQ(run.output, "False\n0\n");
+    // A failed exchange's message box goes to stderr with its title; stdout keeps the result.
+    run = RunCli(config + "CompareCustomerList " + pattern + "/none.dat 2>/dev/null");
+    EXPECT_EQ(run.output, "0\n");
+    run = RunCli(config + "CompareCustomerList " + pattern + "/none.dat 2>&1 >/dev/null");
+    EXPECT_NE(run.output.find("[サーバー通信エラー]"), std::string::npos) << run.output;
+    EXPECT_EQ(RunCli(config + "2>/dev/null").exitCode, 2);
+    fs::remove_all(pattern);
+}
+
 // The README's main job: the real program, a real server, two offices; leaves nothing behind.
 TEST(Demo, RunsToACleanEndAndStopsItsServer) {
     std::string pattern = (fs::temp_directory_path() / "morvane-demo-test-XXXXXX").string();
