@@ -6,8 +6,11 @@
 #include <fstream>
 #include <memory>
 #include <sstream>
+#include <streambuf>
 #include <string>
 #include <thread>
+
+#include <unistd.h>
 
 #include "session/ProcessState.h"
 #include "session/basTextEncrypt.h"
@@ -22,7 +25,7 @@ namespace morvane::test {
 namespace {
 
 class TtyTest : public MorvaneTest {
-  protected:
+protected:
     // Installs a terminal toolkit that reads the given lines.
     void UseTty(const std::string& input, bool interactive) {
         in_.str(input);
@@ -138,6 +141,55 @@ TEST_F(TtyTest, TimersTickWhenPumpedOnlyWhileLive) {
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
     tty_->PumpTimers();
     EXPECT_EQ(ticks, 1);
+}
+
+// Hands out its text one character at a time, so nothing ever looks buffered ahead, as
+// with a terminal.
+class UnbufferedInput final : public std::streambuf {
+public:
+    explicit UnbufferedInput(std::string text) : text_(std::move(text)) {}
+
+protected:
+    int_type underflow() override {
+        if (pos_ >= text_.size()) return traits_type::eof();
+        current_ = text_[pos_++];
+        setg(&current_, &current_, &current_ + 1);
+        return traits_type::to_int_type(current_);
+    }
+
+private:
+    std::string text_;
+    size_t pos_ = 0;
+    char current_ = 0;
+};
+
+TEST_F(TtyTest, TimersTickWhileAnAnswerIsAwaited) {
+    // The descriptor that is waited on stays empty until the third tick writes to it.
+    int fds[2];
+    ASSERT_EQ(pipe(fds), 0);
+    UnbufferedInput buffer("cmdClose\n");
+    std::istream input(&buffer);
+    tty::TtyOptions options;
+    options.interactive = true;
+    options.inputFd = fds[0];
+    tty::TtyToolkit kit(input, out_, options);
+    forms::Form form(kit, "frmWait", "wait");
+    auto& timer = form.Add<forms::Timer>("tmr");
+    auto& cmdClose = form.Add<forms::Button>("cmdClose", "close");
+    cmdClose.onClick = [&form] { form.Hide(); };
+    int ticks = 0;
+    timer.onTimer = [&] {
+        if (++ticks == 3) {
+            EXPECT_EQ(write(fds[1], "x", 1), 1);
+        }
+    };
+    timer.SetInterval(2);
+    timer.SetTimerEnabled(true);
+    form.ShowModal(nullptr);
+    EXPECT_EQ(ticks, 3);
+    EXPECT_FALSE(form.Visible());
+    ::close(fds[0]);
+    ::close(fds[1]);
 }
 
 TEST_F(TtyTest, ProgramsAreStartedWithoutAShell) {
