@@ -54,14 +54,10 @@ std::int32_t ctrlMorvane::GetLoginInfoFromPrefCustom() {
     return 0;
 }
 
-std::int32_t ctrlMorvane::ShowSetting(forms::Form* OwnerForm) {
-    return ShowSettingDlg(OwnerForm);
-}
+std::int32_t ctrlMorvane::ShowSetting(forms::Form* OwnerForm) { return ShowSettingDlg(OwnerForm); }
 
 // Deliberately the same dialog as ShowSetting.
-std::int32_t ctrlMorvane::ShowInfo(forms::Form* OwnerForm) {
-    return ShowSettingDlg(OwnerForm);
-}
+std::int32_t ctrlMorvane::ShowInfo(forms::Form* OwnerForm) { return ShowSettingDlg(OwnerForm); }
 
 void RegisterLoginMembers(DispatchTable& t) {
     t.Method("ShowLogin", &ctrlMorvane::ShowLogin, {"OwnerForm"});

@@ -137,11 +137,7 @@ std::string DecryptText(std::string_view cipher, std::string_view passPhrase) {
     return FromUtf16Bytes(bytes);
 }
 
-std::string EncryptText(std::string_view plain) {
-    return EncryptText(plain, build::kPassPhrase);
-}
-std::string DecryptText(std::string_view cipher) {
-    return DecryptText(cipher, build::kPassPhrase);
-}
+std::string EncryptText(std::string_view plain) { return EncryptText(plain, build::kPassPhrase); }
+std::string DecryptText(std::string_view cipher) { return DecryptText(cipher, build::kPassPhrase); }
 
 }  // namespace morvane

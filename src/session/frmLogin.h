@@ -10,7 +10,7 @@
 namespace morvane {
 
 class frmLogin final : public forms::Form {
-  public:
+public:
     explicit frmLogin(forms::Toolkit& toolkit);
 
     // Why the dialog opened, set before loading: 0 for the host, 1 for an expired token.
@@ -21,12 +21,12 @@ class frmLogin final : public forms::Form {
 
     static constexpr const char* kCaption = "ログイン";
 
-  protected:
+protected:
     void OnLoad() override;
     void OnActivate() override;
     void OnQueryUnload(forms::CloseReason reason, bool& cancel) override;
 
-  private:
+private:
     void cmdLogin_Click();
     void FocusAndSelect(forms::TextBox& box);
 

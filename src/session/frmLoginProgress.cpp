@@ -11,9 +11,7 @@ frmLoginProgress::frmLoginProgress(forms::Toolkit& toolkit)
     SetSize(360, 90);
 }
 
-void frmLoginProgress::OnLoad() {
-    PlaceOnWorkArea();
-}
+void frmLoginProgress::OnLoad() { PlaceOnWorkArea(); }
 
 void frmLoginProgress::OnActivate() {
     if (shown_) return;

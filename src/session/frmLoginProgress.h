@@ -9,18 +9,18 @@
 namespace morvane {
 
 class frmLoginProgress final : public forms::Form {
-  public:
+public:
     explicit frmLoginProgress(forms::Toolkit& toolkit);
 
     void SetId(std::string id) { id_ = std::move(id); }
     void SetPassword(std::string password) { password_ = std::move(password); }
     void SetContractNo(std::string contractNo) { contractNo_ = std::move(contractNo); }
 
-  protected:
+protected:
     void OnLoad() override;
     void OnActivate() override;
 
-  private:
+private:
     forms::Label& lblInfo_;
     std::string id_, password_, contractNo_;
     bool shown_ = false;

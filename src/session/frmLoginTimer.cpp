@@ -20,13 +20,9 @@ void frmLoginTimer::OnLoad() {
     tmr_.SetTimerEnabled(true);
 }
 
-void frmLoginTimer::OnUnload() {
-    tmr_.SetTimerEnabled(false);
-}
+void frmLoginTimer::OnUnload() { tmr_.SetTimerEnabled(false); }
 
-void frmLoginTimer::DoTimer() {
-    RefreshLogin();
-}
+void frmLoginTimer::DoTimer() { RefreshLogin(); }
 
 void frmLoginTimer::Tick() {
     ++counter_;

@@ -9,7 +9,7 @@
 namespace morvane {
 
 class frmLoginTimer final : public forms::Form {
-  public:
+public:
     explicit frmLoginTimer(forms::Toolkit& toolkit);
 
     // Refreshes at once.
@@ -21,11 +21,11 @@ class frmLoginTimer final : public forms::Form {
     static constexpr std::int32_t kRefreshEvery = 20;
     static constexpr std::int32_t kCounterLimit = 2000000000;
 
-  protected:
+protected:
     void OnLoad() override;
     void OnUnload() override;
 
-  private:
+private:
     void Tick();
     // Posts the keep-alive while logged in, else stops the timer for good. The reply check
     // may reset the login and so destroy this form: nothing may touch it after the post.

@@ -9,17 +9,17 @@
 namespace morvane {
 
 class frmMorvaneSetting final : public forms::Form {
-  public:
+public:
     explicit frmMorvaneSetting(forms::Toolkit& toolkit);
 
     static constexpr const char* kCaption = "モルヴェインの設定";
     static constexpr int kClipboardMilliseconds = 1000;
 
-  protected:
+protected:
     void OnLoad() override;
     void OnQueryUnload(forms::CloseReason reason, bool& cancel) override;
 
-  private:
+private:
     void cmdOK_Click();
     void cmdConnectionTest_Click();
     void ShowControlPanel();

@@ -39,7 +39,7 @@ namespace {
 // Answers every message box that comes up with its default button and keeps its text, and
 // fails the test rather than let a dialog hang it.
 class BoxAnswerer {
-  public:
+public:
     BoxAnswerer() {
         timer_.setInterval(10);
         QObject::connect(&timer_, &QTimer::timeout, [this] {
@@ -60,13 +60,13 @@ class BoxAnswerer {
     std::vector<std::string> texts, titles;
     std::vector<QMessageBox::Icon> icons;
 
-  private:
+private:
     QTimer timer_;
     QElapsedTimer clock_;
 };
 
 class QtDialogsTest : public MorvaneTest {
-  protected:
+protected:
     void SetUp() override {
         MorvaneTest::SetUp();
         qt_ = std::make_shared<qt::QtToolkit>();

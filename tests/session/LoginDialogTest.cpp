@@ -21,7 +21,7 @@ using forms::MsgIcon;
 using forms::TextBox;
 
 class LoginDialogTest : public MorvaneTest {
-  protected:
+protected:
     // Types the credentials and presses the login button.
     static void TypeAndLogin(forms::Form& f, const std::string& uid, const std::string& pwd,
                              bool save) {

@@ -14,7 +14,7 @@ namespace {
 constexpr const char* kPage = "master/getKessanTaioh.php";
 
 class LoginTimerTest : public MorvaneTest {
-  protected:
+protected:
     void SetUp() override {
         MorvaneTest::SetUp();
         server_->On(kPage, Envelope(1, "T2"));

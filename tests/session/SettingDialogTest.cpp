@@ -25,7 +25,7 @@ using forms::TextBox;
 constexpr const char* kCaption = "モルヴェインの設定";
 
 class SettingDialogTest : public MorvaneTest {
-  protected:
+protected:
     static void Fill(forms::Form& f, const std::string& server, const std::string& contract,
                      const std::string& uid, const std::string& pwd, bool save) {
         f.Get<ComboBox>("cboServerName").SetText(server);

@@ -31,9 +31,7 @@ FormWindow::FormWindow(QtToolkit& kit, forms::Form& form, QWidget* parent)
     SyncAll();
 }
 
-FormWindow::~FormWindow() {
-    kit_.Unregister(form_, this);
-}
+FormWindow::~FormWindow() { kit_.Unregister(form_, this); }
 
 // Rows of the form's row hints, in order; a row of a label and a field becomes a line of a
 // two-column grid, any other row a line of its own, buttons set to the right.

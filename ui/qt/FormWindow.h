@@ -13,7 +13,7 @@ namespace morvane::qt {
 class QtToolkit;
 
 class FormWindow final : public QDialog {
-  public:
+public:
     FormWindow(QtToolkit& kit, forms::Form& form, QWidget* parent);
     ~FormWindow() override;
 
@@ -27,12 +27,12 @@ class FormWindow final : public QDialog {
     // Ends a running modal show.
     void Finish();
 
-  protected:
+protected:
     void reject() override;
     void closeEvent(QCloseEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
-  private:
+private:
     void Build();
 
     QtToolkit& kit_;

@@ -22,9 +22,7 @@ namespace {
 constexpr int kShellSuccess = 33;
 constexpr int kShellNoApplication = 31;
 
-QString Q(const std::string& s) {
-    return QString::fromStdString(s);
-}
+QString Q(const std::string& s) { return QString::fromStdString(s); }
 
 QMessageBox::Icon IconOf(forms::MsgIcon icon) {
     switch (icon) {
@@ -74,9 +72,7 @@ QtToolkit::QtToolkit() : timerParent_(std::make_unique<QObject>()) {}
 
 QtToolkit::~QtToolkit() = default;
 
-void QtToolkit::Register(forms::Form& form, FormWindow* window) {
-    windows_[&form] = window;
-}
+void QtToolkit::Register(forms::Form& form, FormWindow* window) { windows_[&form] = window; }
 
 void QtToolkit::Unregister(forms::Form& form, const FormWindow* window) {
     const auto it = windows_.find(&form);
@@ -113,9 +109,7 @@ void QtToolkit::FormHidden(forms::Form& form) {
     if (auto it = windows_.find(&form); it != windows_.end()) it->second->Finish();
 }
 
-void QtToolkit::FormUnloaded(forms::Form& form) {
-    FormHidden(form);
-}
+void QtToolkit::FormUnloaded(forms::Form& form) { FormHidden(form); }
 
 void QtToolkit::ControlChanged(forms::Control& control) {
     if (auto it = windows_.find(&control.Owner()); it != windows_.end()) it->second->Sync(control);
@@ -140,9 +134,7 @@ forms::MsgResult QtToolkit::MessageBox(const forms::MessageBoxRequest& request) 
     return forms::DefaultResult(request);
 }
 
-void QtToolkit::DoEvents() {
-    QCoreApplication::processEvents();
-}
+void QtToolkit::DoEvents() { QCoreApplication::processEvents(); }
 
 void QtToolkit::TimerChanged(forms::Timer& timer) {
     auto it = timers_.find(&timer);
@@ -203,9 +195,7 @@ int QtToolkit::OpenUrl(const std::string& url) {
     return QDesktopServices::openUrl(QUrl(Q(url))) ? kShellSuccess : kShellNoApplication;
 }
 
-int QtToolkit::MoveToTrash(const std::string& path) {
-    return QFile::moveToTrash(Q(path)) ? 0 : 1;
-}
+int QtToolkit::MoveToTrash(const std::string& path) { return QFile::moveToTrash(Q(path)) ? 0 : 1; }
 
 std::shared_ptr<QtToolkit> InstallQtToolkit() {
     if (!QApplication::instance()) return nullptr;

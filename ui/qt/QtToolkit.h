@@ -19,7 +19,7 @@ namespace morvane::qt {
 class FormWindow;
 
 class QtToolkit final : public forms::Toolkit {
-  public:
+public:
     // A QApplication must exist for as long as the toolkit does.
     QtToolkit();
     ~QtToolkit() override;
@@ -49,7 +49,7 @@ class QtToolkit final : public forms::Toolkit {
     // The window of a form while it has one.
     QDialog* WindowOf(const forms::Form& form) const;
 
-  private:
+private:
     friend class FormWindow;
     void Register(forms::Form& form, FormWindow* window);
     void Unregister(forms::Form& form, const FormWindow* window);

@@ -20,16 +20,10 @@
 namespace morvane::qt {
 namespace {
 
-QString Q(const std::string& s) {
-    return QString::fromStdString(s);
-}
-std::string S(const QString& s) {
-    return s.toStdString();
-}
+QString Q(const std::string& s) { return QString::fromStdString(s); }
+std::string S(const QString& s) { return s.toStdString(); }
 // A text as shown: the host's CR LF line breaks as Qt's.
-QString Shown(const std::string& s) {
-    return Q(s).replace("\r\n", "\n");
-}
+QString Shown(const std::string& s) { return Q(s).replace("\r\n", "\n"); }
 
 // Every widget here is owned by its Qt parent, which deletes it with the window.
 template <class W, class... A>
@@ -39,13 +33,13 @@ W* Child(QWidget* parent, A&&... args) {
 
 // Feeds clicks and focus of a widget to its control. Owned by the widget it watches.
 class ControlEvents final : public QObject {
-  public:
+public:
     ControlEvents(forms::Control& control, QWidget* widget, bool clicks)
         : QObject(widget), control_(control), clicks_(clicks) {
         widget->installEventFilter(this);
     }
 
-  protected:
+protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (event->type() == QEvent::FocusIn && control_.Owner().Focused() != &control_)
             control_.Owner().SetFocus(control_);
@@ -53,7 +47,7 @@ class ControlEvents final : public QObject {
         return QObject::eventFilter(watched, event);
     }
 
-  private:
+private:
     forms::Control& control_;
     bool clicks_;
 };
@@ -254,9 +248,7 @@ ControlBinding BuildGrid(forms::Control& c, QWidget* parent) {
             }};
 }
 
-ControlBinding BuildTimer(forms::Control&, QWidget*) {
-    return {};
-}
+ControlBinding BuildTimer(forms::Control&, QWidget*) { return {}; }
 
 using Builder = ControlBinding (*)(forms::Control&, QWidget*);
 

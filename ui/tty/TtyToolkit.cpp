@@ -41,7 +41,7 @@ int Spawn(const std::vector<std::string>& command, const std::string& argument) 
 
 // Switches the terminal's echo off while a password is typed.
 class EchoOff {
-  public:
+public:
     explicit EchoOff(int fd) : fd_(fd) {
         if (fd_ < 0 || !isatty(fd_) || tcgetattr(fd_, &saved_) != 0) {
             fd_ = -1;
@@ -57,7 +57,7 @@ class EchoOff {
     EchoOff(const EchoOff&) = delete;
     EchoOff& operator=(const EchoOff&) = delete;
 
-  private:
+private:
     int fd_;
     termios saved_{};
 };
@@ -398,9 +398,7 @@ void TtyToolkit::TimerChanged(forms::Timer& timer) {
     due_[&timer] = std::chrono::steady_clock::now() + std::chrono::milliseconds(timer.Interval());
 }
 
-void TtyToolkit::TimerDestroyed(forms::Timer& timer) {
-    due_.erase(&timer);
-}
+void TtyToolkit::TimerDestroyed(forms::Timer& timer) { due_.erase(&timer); }
 
 void TtyToolkit::PumpTimers() {
     const auto now = std::chrono::steady_clock::now();

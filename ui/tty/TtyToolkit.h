@@ -26,7 +26,7 @@ struct TtyOptions {
 };
 
 class TtyToolkit final : public forms::Toolkit {
-  public:
+public:
     TtyToolkit(std::istream& in, std::ostream& out, TtyOptions options);
     // On std::cin and std::cout, interactive when both are terminals.
     static std::shared_ptr<TtyToolkit> ForStdio();
@@ -43,7 +43,7 @@ class TtyToolkit final : public forms::Toolkit {
     void PumpTimers();
     bool Interactive() const { return options_.interactive; }
 
-  private:
+private:
     struct Action {
         std::string label;
         forms::Control* control;
