@@ -194,9 +194,7 @@ struct Statement {
     ~Statement() { sqlite3_finalize(st); }
 };
 
-std::string Quoted(std::string_view name) {
-    return "[" + std::string(name) + "]";
-}
+std::string Quoted(std::string_view name) { return "[" + std::string(name) + "]"; }
 
 }  // namespace
 
@@ -368,9 +366,7 @@ Field Recordset::Fields(std::string_view name) {
     return Field(*this, it->second);
 }
 
-int Recordset::FieldCount() const {
-    return impl_ ? impl_->Columns() : 0;
-}
+int Recordset::FieldCount() const { return impl_ ? impl_->Columns() : 0; }
 
 Field Recordset::FieldAt(int index) {
     if (!impl_ || index < 0 || index >= impl_->Columns())
@@ -378,9 +374,7 @@ Field Recordset::FieldAt(int index) {
     return Field(*this, index);
 }
 
-const std::string& Field::Name() const {
-    return rs_->impl_->names[column_];
-}
+const std::string& Field::Name() const { return rs_->impl_->names[column_]; }
 
 Value Field::GetValue() const {
     auto& r = *rs_->impl_;
@@ -391,6 +385,40 @@ Value Field::GetValue() const {
         return ColumnValue(r.stmt.st, column_ + r.first, r.expressions[column_],
                            r.affinities[column_]);
     return r.rows[r.pos][column_];
+}
+
+std::optional<std::int32_t> Field::GetLong() const {
+    const auto& r = *rs_->impl_;
+    if (!r.readOnly || r.eof || r.mode != Recordset::Impl::Mode::None) return std::nullopt;
+    sqlite3_stmt* st = r.stmt.st;
+    const int i = column_ + r.first;
+    if (sqlite3_column_type(st, i) != SQLITE_INTEGER) return std::nullopt;
+    const sqlite3_int64 n = sqlite3_column_int64(st, i);
+    if (n < INT32_MIN || n > INT32_MAX) return std::nullopt;
+    return static_cast<std::int32_t>(n);
+}
+
+Field::StampKind Field::GetStamp(DateValue& date) const {
+    const auto& r = *rs_->impl_;
+    if (!r.readOnly || r.eof || r.mode != Recordset::Impl::Mode::None) return StampKind::Other;
+    sqlite3_stmt* st = r.stmt.st;
+    const int i = column_ + r.first;
+    switch (sqlite3_column_type(st, i)) {
+        case SQLITE_NULL:
+            return StampKind::Null;
+        case SQLITE_TEXT: {
+            if (r.affinities[column_] != Affinity::Date && !r.expressions[column_])
+                return StampKind::Other;
+            const auto* p = reinterpret_cast<const char*>(sqlite3_column_text(st, i));
+            const auto d = ParseStoredDate(
+                std::string_view(p ? p : "", static_cast<size_t>(sqlite3_column_bytes(st, i))));
+            if (!d) return StampKind::Other;
+            date = *d;
+            return StampKind::Date;
+        }
+        default:
+            return StampKind::Other;
+    }
 }
 
 void Field::PutValue(const Value& value) {
@@ -457,9 +485,7 @@ void Recordset::Update() {
     r.pending.clear();
 }
 
-void Recordset::Close() {
-    impl_.reset();
-}
+void Recordset::Close() { impl_.reset(); }
 
 // ---- Database --------------------------------------------------------------------------
 
@@ -488,9 +514,7 @@ Database::Database(std::string path, bool exclusive) : path_(std::move(path)) {
     }
 }
 
-Database::~Database() {
-    Close();
-}
+Database::~Database() { Close(); }
 
 void Database::Close() {
     if (db_) sqlite3_close_v2(db_);  // statements still open finish on their own

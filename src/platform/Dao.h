@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -48,14 +49,22 @@ class Recordset;
 
 // One column of the current row of a recordset.
 class Field {
-  public:
+public:
     const std::string& Name() const;
     // Null for a database Null; a date for a DATETIME column or a MAX() of one.
     Value GetValue() const;
     // Writes into the row being edited or added; kept until Update.
     void PutValue(const Value& value);
 
-  private:
+    // Reads for hot loops that build no Value. Each answers only the common case on a
+    // read-only recordset and otherwise says "read it with GetValue".
+    // The integer when the column holds one that fits a Long.
+    std::optional<std::int32_t> GetLong() const;
+    // Null, a date in this layer's stored form (set into date), or Other.
+    enum class StampKind { Null, Date, Other };
+    StampKind GetStamp(DateValue& date) const;
+
+private:
     friend class Recordset;
     Field(Recordset& rs, int column) : rs_(&rs), column_(column) {}
     Recordset* rs_;
@@ -63,7 +72,7 @@ class Field {
 };
 
 class Recordset {
-  public:
+public:
     ~Recordset();
     Recordset(const Recordset&) = delete;
     Recordset& operator=(const Recordset&) = delete;
@@ -85,7 +94,7 @@ class Recordset {
     void Update();
     void Close();
 
-  private:
+private:
     friend class Database;
     friend class Field;
     struct Impl;
@@ -94,7 +103,7 @@ class Recordset {
 };
 
 class Database {
-  public:
+public:
     ~Database();
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
@@ -107,7 +116,7 @@ class Database {
     void Close();
     bool IsOpen() const { return db_ != nullptr; }
 
-  private:
+private:
     friend class Workspace;
     Database(std::string path, bool exclusive);
     void Exec(const char* nativeSql);
@@ -118,7 +127,7 @@ class Database {
 // A session over one or more databases; its transaction spans every database it opened.
 // An open transaction is rolled back when the workspace closes.
 class Workspace {
-  public:
+public:
     Workspace(std::string name, std::string userName);
     ~Workspace();
     Workspace(const Workspace&) = delete;
@@ -132,7 +141,7 @@ class Workspace {
     bool InTransaction() const { return inTrans_; }
     void Close();
 
-  private:
+private:
     std::string name_;
     std::string userName_;
     std::vector<std::unique_ptr<Database>> databases_;
@@ -141,7 +150,7 @@ class Workspace {
 
 // The engine: creates workspaces. It holds nothing, so every caller may have its own.
 class DBEngine {
-  public:
+public:
     static std::unique_ptr<Workspace> CreateWorkspace(const std::string& name,
                                                       const std::string& userName,
                                                       const std::string& password,

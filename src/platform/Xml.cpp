@@ -11,12 +11,12 @@ struct XmlDocument::Impl {
 };
 
 namespace {
-void AppendText(const pugi::xml_node& node, std::string& out) {
+void AppendTextOf(const pugi::xml_node& node, std::string& out) {
     for (pugi::xml_node child = node.first_child(); child; child = child.next_sibling()) {
         if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata)
             out += child.value();
         else if (child.type() == pugi::node_element)
-            AppendText(child, out);
+            AppendTextOf(child, out);
     }
 }
 }  // namespace
@@ -25,8 +25,12 @@ std::string XmlNode::Name() const { return node_ ? pugi::xml_node(node_).name() 
 
 std::string XmlNode::Text() const {
     std::string out;
-    if (node_) AppendText(pugi::xml_node(node_), out);
+    if (node_) AppendTextOf(pugi::xml_node(node_), out);
     return out;
+}
+
+void XmlNode::AppendText(std::string& out) const {
+    if (node_) AppendTextOf(pugi::xml_node(node_), out);
 }
 
 std::vector<XmlNode> XmlNode::Children() const {

@@ -21,6 +21,8 @@ public:
     std::string Name() const;
     // The concatenated text of every text node below this one.
     std::string Text() const;
+    // The same, appended to out.
+    void AppendText(std::string& out) const;
     // Element children, in document order.
     std::vector<XmlNode> Children() const;
     // Element children of exactly this name.

@@ -52,81 +52,63 @@ std::string Newest(const std::unique_ptr<cCustListSync>& sync, std::int32_t cust
     });
 }
 
-}  // namespace
+facade::Request RosterRequest() {
+    return {page::kGetCompList, UpperBody(), facade::Routine::Plain};
+}
 
-std::int32_t ctrlMorvane::CompareCustomerList(const std::string& LocalDB) {
-    try {
-        const std::string reply = SendRequest(page::kGetCompList, UpperBody());
-        if (GetLoginState() != 1) {
-            ErrTrap();
-            custList_.reset();
-            return 0;
-        }
-        custList_ = std::make_unique<cCustList>();
-        if (!custList_->ReadXML(reply)) {
-            ErrTrap();
-            custList_.reset();
-            return 0;
-        }
-        const std::string prefDb = SiblingPath(LocalDB, kPrefCustomDatabaseName);
-        custListSync_ = std::make_unique<cCustListSync>();
-        for (const auto& item : *custList_) {
-            cCustListSyncItem& s = custListSync_->Add(item->Key, item->id);
-            s.CorpName0 = item->CorpName0;
-            s.Code = item->Code;
-            s.InetEnableFlag = item->InetEnableFlag;
-        }
-        EnsureDataFolderTimeOffset(LocalDB);
-        UpdateServerTimeOffset();
-        custList_->CompareLocalDBTable(LocalDB, prefDb, *custListSync_, 0);
-        const std::int32_t result = custList_->CompareLocalDB(LocalDB);
-        if (result == 0) custList_.reset();
-        return result;
-    } catch (...) {
-        CaptureError(std::current_exception());
-        ErrTrap();
-        custList_.reset();
-        return 0;
+// The roster from the document the reply check parsed, so that it is parsed only once.
+bool ReadRoster(cCustList& list, const JudgedReply& reply) {
+    return reply.document ? list.ReadXML(*reply.document) : list.ReadXML(reply.text);
+}
+
+// Customers of the roster that the snapshot does not hold yet; those it holds stay as they are.
+void AddToSnapshot(const cCustList& list, cCustListSync& sync) {
+    for (const auto& item : list) {
+        if (sync.Find(item->Key)) continue;
+        cCustListSyncItem& s = sync.Add(item->Key, item->id);
+        s.CorpName0 = item->CorpName0;
+        s.Code = item->Code;
+        s.InetEnableFlag = item->InetEnableFlag;
     }
 }
 
+}  // namespace
+
+std::int32_t ctrlMorvane::CompareCustomerList(const std::string& LocalDB) {
+    return facade::CompareJudged<cCustList>(
+        custList_, RosterRequest(), ReadRoster,
+        [&](cCustList& list) {
+            custListSync_ = std::make_unique<cCustListSync>();
+            AddToSnapshot(list, *custListSync_);
+            EnsureDataFolderTimeOffset(LocalDB);
+            UpdateServerTimeOffset();
+            list.CompareLocalDBTable(LocalDB, SiblingPath(LocalDB, kPrefCustomDatabaseName),
+                                     *custListSync_, 0);
+            return list.CompareLocalDB(LocalDB);
+        },
+        facade::Keep::NonZero);
+}
+
 std::int32_t ctrlMorvane::CompareCustomerListItem(const std::string& LocalDB, std::int32_t CustID) {
-    try {
-        const std::string reply = SendRequest(page::kGetCompList, UpperBody());
-        if (GetLoginState() != 1) {
-            ErrTrap();
-            custList_.reset();
+    // Only this customer is refreshed: the snapshot of the others stays. The host wants the
+    // snapshot, not a result, so the roster is let go and the answer is always 0.
+    facade::CompareJudged<cCustList>(
+        custList_, RosterRequest(), ReadRoster,
+        [&](cCustList& list) {
+            if (!custListSync_) custListSync_ = std::make_unique<cCustListSync>();
+            AddToSnapshot(list, *custListSync_);
+            UpdateServerTimeOffset();
+            list.CompareLocalDBTable(LocalDB, SiblingPath(LocalDB, kPrefCustomDatabaseName),
+                                     *custListSync_, CustID);
             return 0;
-        }
-        custList_ = std::make_unique<cCustList>();
-        if (!custList_->ReadXML(reply)) {
-            ErrTrap();
-            custList_.reset();
-            return 0;
-        }
-        const std::string prefDb = SiblingPath(LocalDB, kPrefCustomDatabaseName);
-        // The snapshot of the other customers stays: only this one is refreshed.
-        if (!custListSync_) custListSync_ = std::make_unique<cCustListSync>();
-        for (const auto& item : *custList_) {
-            if (custListSync_->Find(item->Key)) continue;
-            cCustListSyncItem& s = custListSync_->Add(item->Key, item->id);
-            s.CorpName0 = item->CorpName0;
-            s.Code = item->Code;
-            s.InetEnableFlag = item->InetEnableFlag;
-        }
-        UpdateServerTimeOffset();
-        custList_->CompareLocalDBTable(LocalDB, prefDb, *custListSync_, CustID);
-    } catch (...) {
-        CaptureError(std::current_exception());
-        ErrTrap();
-    }
-    custList_.reset();
+        },
+        facade::Keep::Never);
     return 0;
 }
 
 std::int32_t ctrlMorvane::SyncDownloadCustomerList(const std::string& LocalDB) {
     return facade::AlwaysFetch<cCustList>(
-        custList_, {page::kGetCompList, UpperBody(), facade::Routine::Plain},
+        custList_, RosterRequest(),
         [](cCustList& list, const std::string& reply) { return list.ReadXML(reply); },
         [&](cCustList& list) { list.SyncDownload(LocalDB); });
 }

@@ -43,13 +43,11 @@ void Trap() {
     ErrTrap();
 }
 
-std::string Key(std::int32_t id) {
-    return "K" + std::to_string(id);
-}
+std::string Key(std::int32_t id) { return "K" + std::to_string(id); }
 
 // The snapshot item under the key "K" + id, found by its number without forming the key.
-cCustListSyncItem* SyncItem(cCustListSync& sync, std::int32_t id) {
-    cCustListSyncItem* item = sync.FindById(id);
+cCustListSyncItem* SyncItem(cCustListSync& sync, std::int32_t id, size_t& cursor) {
+    cCustListSyncItem* item = sync.FindById(id, cursor);
     if (item) {
         const std::string& key = item->Key;
         std::int32_t n = 0;
@@ -77,7 +75,7 @@ cCustListItem& cCustList::Add(std::int32_t id, std::int32_t index) {
         Reindex();
     } else {
         byKey_.emplace(ref.Key, items_.size());
-        byId_.emplace(ref.id, items_.size());
+        firstOfId_.push_back(byId_.emplace(ref.id, items_.size()).second);
         items_.push_back(std::move(item));
     }
     return ref;
@@ -109,14 +107,16 @@ void cCustList::Clear() {
     items_.clear();
     byKey_.clear();
     byId_.clear();
+    firstOfId_.clear();
 }
 
 void cCustList::Reindex() {
     byKey_.clear();
     byId_.clear();
+    firstOfId_.clear();
     for (size_t i = 0; i < items_.size(); ++i) {
         byKey_.emplace(items_[i]->Key, i);
-        byId_.emplace(items_[i]->id, i);
+        firstOfId_.push_back(byId_.emplace(items_[i]->id, i).second);
     }
 }
 
@@ -125,17 +125,30 @@ const cCustListItem* cCustList::ItemById(std::int32_t id) const {
     return it == byId_.end() ? nullptr : items_[it->second].get();
 }
 
+const cCustListItem* cCustList::ItemById(std::int32_t id, size_t& cursor) const {
+    if (cursor < items_.size() && firstOfId_[cursor] && items_[cursor]->id == id)
+        return items_[cursor++].get();
+    const auto it = byId_.find(id);
+    if (it == byId_.end()) return nullptr;
+    cursor = it->second + 1;
+    return items_[it->second].get();
+}
+
 // ---- Reading the reply -----------------------------------------------------------------
 
 bool cCustList::ReadXML(std::string_view xml) {
     Clear();
-    return ParseCompList(xml);
+    const auto doc = platform::XmlDocument::Load(xml);
+    return doc && ParseCompList(*doc);
 }
 
-bool cCustList::ParseCompList(std::string_view xml) {
-    const auto doc = platform::XmlDocument::Load(xml);
-    if (!doc) return false;
-    const platform::XmlNode root = doc->DocumentElement();
+bool cCustList::ReadXML(const platform::XmlDocument& doc) {
+    Clear();
+    return ParseCompList(doc);
+}
+
+bool cCustList::ParseCompList(const platform::XmlDocument& doc) {
+    const platform::XmlNode root = doc.DocumentElement();
     if (!root) return false;
     const auto lists = root.SelectNodes("compList");
     if (lists.size() != 1) return false;
@@ -161,10 +174,11 @@ bool cCustList::ParseCompList(std::string_view xml) {
 bool cCustList::AnalyzeCustListItem(const platform::XmlNode& node) {
     std::bitset<kTagCount> seen;
     cCustListItem read;
+    auto stamps = std::make_shared<ServerStamps>();
     for (const platform::XmlNode& child : node.Children()) {
         const std::string name = child.Name();
         if (const int index = StampIndex(name); index >= 0) {
-            read.RecordUpdate[static_cast<size_t>(index)] = child.Text();
+            stamps->SetText(index, [&](std::string& out) { child.AppendText(out); });
             seen.set(kFirstStamp + static_cast<size_t>(index));
         } else if (name == "CustomerID") {
             read.id = NzLong(child.Text());
@@ -191,7 +205,7 @@ bool cCustList::AnalyzeCustListItem(const platform::XmlNode& node) {
     item.CorpName0 = std::move(read.CorpName0);
     item.CorpKanaS = std::move(read.CorpKanaS);
     item.InetEnableFlag = read.InetEnableFlag;
-    item.RecordUpdate = std::move(read.RecordUpdate);
+    item.Stamps = std::move(stamps);
     return true;
 }
 
@@ -255,8 +269,9 @@ void cCustList::CompareLocalDBTable(const std::string& localDb, const std::strin
         int index = 0;
         ~LastDecision() {
             if (!item) return;
-            KeepComparedStamps(result, Value(item->RecordUpdate_sv(index)), item->LocalStamp(index),
-                               item->CheckStamp(index));
+            KeepComparedStamps(result, Value(item->RecordUpdate_sv(index)),
+                               item->LocalStampAt(index).ToValue(),
+                               item->CheckStampAt(index).ToValue());
         }
     } last;
     const double offset = State().inetServerTimeOffset;
@@ -275,13 +290,11 @@ void cCustList::CompareLocalDBTable(const std::string& localDb, const std::strin
             const dao::Field localField = rs->Fields(main ? "RecordUpdate" : "rumax");
             const dao::Field checkField = rs->Fields(main ? "InetCheckDate" : "cdmax");
 
-            auto judge = [&](cCustListSyncItem& item, const cCustListItem* listed, Value lc,
-                             Value cd, bool hasRows) {
-                static const std::string kNone;
-                const std::string& server =
-                    listed ? listed->RecordUpdate[static_cast<size_t>(index)] : kNone;
-                const std::int32_t result =
-                    DecideInetDates(DateValue::Parse(server), AsDate(lc), AsDate(cd), offset);
+            auto judge = [&](cCustListSyncItem& item, const cCustListItem* listed, LocalStamp lc,
+                             LocalStamp cd, bool hasRows) {
+                const ServerStamps* server = listed ? listed->Stamps.get() : nullptr;
+                const std::int32_t result = DecideInetDates(
+                    server ? server->Date(index) : std::nullopt, lc.Date(), cd.Date(), offset);
                 bool backuped = false;
                 if (result == 0)
                     backuped = true;
@@ -293,27 +306,52 @@ void cCustList::CompareLocalDBTable(const std::string& localDb, const std::strin
                     backuped = true;
                 item.SetBackuped(index, backuped);
                 item.SetSyncFlag(index, result);
-                item.SetStamps(index, std::move(lc), server, std::move(cd));
+                static const std::shared_ptr<const ServerStamps> kNone;
+                item.SetStamps(index, std::move(lc), listed ? listed->Stamps : kNone,
+                               std::move(cd));
                 last.result = result;
                 last.item = &item;
                 last.index = index;
             };
+            // Stamps come as dates in the stored form, or Null, nearly always: other values
+            // take the general way.
+            auto stamp = [](const dao::Field& field) {
+                DateValue date;
+                switch (field.GetStamp(date)) {
+                    case dao::Field::StampKind::Null:
+                        return LocalStamp();
+                    case dao::Field::StampKind::Date:
+                        return LocalStamp(date);
+                    default:
+                        return LocalStamp(field.GetValue());
+                }
+            };
 
+            // Rows come in ascending customer order, as the roster and the snapshot mostly
+            // do: each lookup first tries the place after the last one found.
+            size_t syncCursor = 0, listCursor = 0;
             if (!rs->Eof()) {
                 for (; !rs->Eof(); rs->MoveNext()) {
-                    const Value key = keyField.GetValue();
-                    // Items are keyed "K" + number: a row whose key names no item is a
-                    // customer the server does not know.
-                    cCustListSyncItem* item = key.IsLong() ? SyncItem(sync, key.AsLong())
-                                                           : sync.Item("K" + NzString(key));
-                    if (!item) continue;
-                    const cCustListItem* listed =
-                        key.IsLong() ? ItemById(key.AsLong()) : Item("K" + NzString(key));
-                    judge(*item, listed, localField.GetValue(), checkField.GetValue(), true);
+                    cCustListSyncItem* item = nullptr;
+                    const cCustListItem* listed = nullptr;
+                    if (const auto id = keyField.GetLong()) {
+                        item = SyncItem(sync, *id, syncCursor);
+                        if (!item) continue;
+                        listed = ItemById(*id, listCursor);
+                    } else {
+                        // Items are keyed "K" + number: a row whose key names no item is a
+                        // customer the server does not know.
+                        const Value key = keyField.GetValue();
+                        item = key.IsLong() ? SyncItem(sync, key.AsLong(), syncCursor)
+                                            : sync.Item("K" + NzString(key));
+                        if (!item) continue;
+                        listed = key.IsLong() ? ItemById(key.AsLong()) : Item("K" + NzString(key));
+                    }
+                    judge(*item, listed, stamp(localField), stamp(checkField), true);
                 }
             } else if (custId > 0) {
-                if (cCustListSyncItem* item = SyncItem(sync, custId))
-                    judge(*item, ItemById(custId), Value(), Value(), false);
+                if (cCustListSyncItem* item = SyncItem(sync, custId, syncCursor))
+                    judge(*item, ItemById(custId), LocalStamp(), LocalStamp(), false);
             }
         }
     } catch (...) {

@@ -11,28 +11,35 @@
 #include <vector>
 
 #include "store/BackupTableIndex.h"
+#include "store/ServerStamps.h"
 
 namespace morvane {
 
 namespace platform {
+class XmlDocument;
 class XmlNode;
-}
+}  // namespace platform
 class cCustListSync;
 
 class cCustListItem {
-  public:
+public:
     std::string Key;
     std::int32_t id = 0;
     std::int32_t Disabled = 0;
     std::string Code;
     std::string CorpName0;
     std::string CorpKanaS;
-    std::array<std::string, kBackupTableCount> RecordUpdate;
+    // The server stamps of the 53 tables; the snapshot shares them. Null: all "".
+    std::shared_ptr<const ServerStamps> Stamps;
     std::int32_t InetEnableFlag = 0;
+
+    std::string_view RecordUpdate(int index) const {
+        return Stamps ? Stamps->Text(index) : std::string_view();
+    }
 };
 
 class cCustList {
-  public:
+public:
     // The four ID texts the user chose in the last roster dialog.
     const std::string& AddLocalIDs() const { return addLocalIDs_; }
     const std::string& AddServerIDs() const { return addServerIDs_; }
@@ -43,6 +50,8 @@ class cCustList {
 
     // Clears, then reads a getCompList reply; false for a malformed or incomplete one.
     bool ReadXML(std::string_view xml);
+    // The same on a reply the reply check has already parsed.
+    bool ReadXML(const platform::XmlDocument& doc);
     // 0 the rosters agree (or both are empty), 3 they differ, 4 the server's is empty,
     // 5 the local one is (the host's sample customer alone counts as empty). 0 on failure.
     std::int32_t CompareLocalDB(const std::string& localDb);
@@ -70,15 +79,18 @@ class cCustList {
     auto begin() const { return items_.begin(); }
     auto end() const { return items_.end(); }
 
-  private:
-    bool ParseCompList(std::string_view xml);
+private:
+    bool ParseCompList(const platform::XmlDocument& doc);
     bool AnalyzeCustListItem(const platform::XmlNode& node);
     void Reindex();
     const cCustListItem* ItemById(std::int32_t id) const;
+    // The same, trying first the place after the last one found.
+    const cCustListItem* ItemById(std::int32_t id, size_t& cursor) const;
 
     std::vector<std::unique_ptr<cCustListItem>> items_;
     std::unordered_map<std::string, size_t> byKey_;
     std::unordered_map<std::int32_t, size_t> byId_;
+    std::vector<bool> firstOfId_;  // per position: byId_ names it
     std::string localDb_;
     std::string addLocalIDs_, addServerIDs_, delLocalIDs_, delServerIDs_;
 };

@@ -9,4 +9,9 @@ std::string Fetch(const Request& request) {
     return SendRequestProgress(request.path, request.body, "", nullptr);
 }
 
+JudgedReply FetchJudged(const Request& request) {
+    if (request.routine == Routine::Plain) return SendRequestJudged(request.path, request.body);
+    return {SendRequestProgress(request.path, request.body, "", nullptr), nullptr};
+}
+
 }  // namespace morvane::facade

@@ -12,6 +12,7 @@
 #include "session/ProcessState.h"
 #include "session/mdlErrTrap.h"
 #include "session/mdlLogin.h"
+#include "transport/mdlServerReply.h"
 
 namespace morvane::facade {
 
@@ -26,6 +27,8 @@ struct Request {
 
 // Posts the request by its routine (the progress form gets no message and no owner).
 std::string Fetch(const Request& request);
+// The same with the document the reply check parsed; the progress form gives none.
+JudgedReply FetchJudged(const Request& request);
 
 // When a compare result leaves the worker in its slot for the download that may follow.
 enum class Keep { NonZero, OnlyOne, Never };
@@ -42,15 +45,20 @@ std::unique_ptr<Worker> MakeDefault() {
 template <class Worker>
 using Reader = std::function<bool(Worker&, const std::string&)>;
 
-// Compare: post (even when not logged in, since the exchange itself sets the state), then
-// read and compare; the result is the decision code, 0 on any failure.
+// A worker reading its judged reply, from the parsed document when there is one.
 template <class Worker>
-std::int32_t Compare(std::unique_ptr<Worker>& slot, const Request& request,
-                     const Reader<Worker>& read,
-                     const std::function<std::int32_t(Worker&)>& compare, Keep keep,
-                     const Factory<Worker>& make = MakeDefault<Worker>) {
+using JudgedReader = std::function<bool(Worker&, const JudgedReply&)>;
+
+// Compare, for a worker that reads the document the reply check already parsed: post (even
+// when not logged in, since the exchange itself sets the state), then read and compare; the
+// result is the decision code, 0 on any failure.
+template <class Worker>
+std::int32_t CompareJudged(std::unique_ptr<Worker>& slot, const Request& request,
+                           const JudgedReader<Worker>& read,
+                           const std::function<std::int32_t(Worker&)>& compare, Keep keep,
+                           const Factory<Worker>& make = MakeDefault<Worker>) {
     try {
-        const std::string reply = Fetch(request);
+        const JudgedReply reply = FetchJudged(request);
         if (GetLoginState() != 1) {
             ErrTrap();
             slot.reset();
@@ -75,6 +83,18 @@ std::int32_t Compare(std::unique_ptr<Worker>& slot, const Request& request,
         slot.reset();
         return 0;
     }
+}
+
+// Compare, for a worker that reads the reply's text.
+template <class Worker>
+std::int32_t Compare(std::unique_ptr<Worker>& slot, const Request& request,
+                     const Reader<Worker>& read,
+                     const std::function<std::int32_t(Worker&)>& compare, Keep keep,
+                     const Factory<Worker>& make = MakeDefault<Worker>) {
+    return CompareJudged<Worker>(
+        slot, request,
+        [&read](Worker& worker, const JudgedReply& reply) { return read(worker, reply.text); },
+        compare, keep, make);
 }
 
 namespace detail {

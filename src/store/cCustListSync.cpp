@@ -1,12 +1,39 @@
 #include "store/cCustListSync.h"
 
+#include <cmath>
+
+#include "store/mdlMorvaneCommon.h"
 #include "util/Nz.h"
 
 namespace morvane {
 
-cCustListSyncItem::cCustListSyncItem(std::int32_t id) : id_(id) {
-    backuped_.fill(true);
+LocalStamp::LocalStamp(Value value) {
+    if (value.IsNull() || value.IsEmpty()) return;
+    if (value.IsDateValue())
+        days_ = value.AsDate().Days();
+    else
+        other_ = std::make_unique<Value>(std::move(value));
 }
+
+std::optional<DateValue> LocalStamp::Date() const {
+    if (other_) return AsDate(*other_);
+    if (std::isnan(days_)) return std::nullopt;
+    return DateValue(days_);
+}
+
+std::string LocalStamp::Text() const {
+    if (other_) return NzString(*other_);
+    if (std::isnan(days_)) return {};
+    return DateValue(days_).Text();
+}
+
+Value LocalStamp::ToValue() const {
+    if (other_) return *other_;
+    if (std::isnan(days_)) return Value::Null();
+    return Value(DateValue(days_));
+}
+
+cCustListSyncItem::cCustListSyncItem(std::int32_t id) : id_(id) { backuped_.fill(true); }
 
 bool cCustListSyncItem::Backuped(int index) const {
     if (index < 0) return false;
@@ -33,23 +60,47 @@ void cCustListSyncItem::SetSyncFlag(int index, std::int32_t flag) {
 }
 
 std::string cCustListSyncItem::RecordUpdate_lc(int index) const {
-    return InRange(index) ? NzString(lc_[static_cast<size_t>(index)]) : std::string();
+    return InRange(index) ? lc_[static_cast<size_t>(index)].Text() : std::string();
 }
 
 std::string cCustListSyncItem::RecordUpdate_sv(int index) const {
-    return InRange(index) ? sv_[static_cast<size_t>(index)] : std::string();
+    if (!InRange(index)) return {};
+    const std::uint8_t from = svFrom_[static_cast<size_t>(index)];
+    return from ? std::string(svSources_[from - 1u]->Text(index)) : std::string();
 }
 
 std::string cCustListSyncItem::RecordUpdate_comp(int index) const {
-    return InRange(index) ? NzString(comp_[static_cast<size_t>(index)]) : std::string();
+    return InRange(index) ? comp_[static_cast<size_t>(index)].Text() : std::string();
 }
 
-void cCustListSyncItem::SetStamps(int index, Value local, std::string server, Value check) {
+void cCustListSyncItem::SetStamps(int index, LocalStamp local,
+                                  const std::shared_ptr<const ServerStamps>& server,
+                                  LocalStamp check) {
     if (!InRange(index)) return;
     const auto i = static_cast<size_t>(index);
     lc_[i] = std::move(local);
-    sv_[i] = std::move(server);
     comp_[i] = std::move(check);
+    if (!server) {
+        svFrom_[i] = 0;
+        return;
+    }
+    if (svSources_.empty() || svSources_.back() != server) {
+        // Rosters no stamp points into any more are let go before a new one is kept.
+        std::vector<std::shared_ptr<const ServerStamps>> kept;
+        std::array<std::uint8_t, kBackupTableCount> from{};
+        for (size_t j = 0; j < svFrom_.size(); ++j) {
+            if (!svFrom_[j] || j == i) continue;
+            const auto& source = svSources_[svFrom_[j] - 1u];
+            size_t k = 0;
+            while (k < kept.size() && kept[k] != source) ++k;
+            if (k == kept.size()) kept.push_back(source);
+            from[j] = static_cast<std::uint8_t>(k + 1);
+        }
+        kept.push_back(server);
+        svSources_ = std::move(kept);
+        svFrom_ = from;
+    }
+    svFrom_[i] = static_cast<std::uint8_t>(svSources_.size());
 }
 
 void cCustListSync::SetTargetIDs(std::string enabled, std::string disabled) {
@@ -68,7 +119,7 @@ cCustListSyncItem& cCustListSync::Add(const std::string& key, std::int32_t id) {
     item->Key = key;
     const size_t position = items_.size();
     if (!key.empty()) byKey_.emplace(key, position);
-    byId_.emplace(id, position);  // keeps the first position of a number
+    firstOfId_.push_back(byId_.emplace(id, position).second);  // keeps the first position
     items_.push_back(std::move(item));
     return *items_.back();
 }
@@ -93,15 +144,25 @@ cCustListSyncItem* cCustListSync::FindById(std::int32_t custId) {
     return it == byId_.end() ? nullptr : items_[it->second].get();
 }
 
+cCustListSyncItem* cCustListSync::FindById(std::int32_t custId, size_t& cursor) {
+    if (cursor < items_.size() && firstOfId_[cursor] && items_[cursor]->Id() == custId)
+        return items_[cursor++].get();
+    const auto it = byId_.find(custId);
+    if (it == byId_.end()) return nullptr;
+    cursor = it->second + 1;
+    return items_[it->second].get();
+}
+
 void cCustListSync::Remove(std::string_view key) {
     const auto it = byKey_.find(std::string(key));
     if (it == byKey_.end()) return;
     items_.erase(items_.begin() + static_cast<std::ptrdiff_t>(it->second));
     byKey_.clear();
     byId_.clear();
+    firstOfId_.clear();
     for (size_t i = 0; i < items_.size(); ++i) {
         if (!items_[i]->Key.empty()) byKey_.emplace(items_[i]->Key, i);
-        byId_.emplace(items_[i]->Id(), i);
+        firstOfId_.push_back(byId_.emplace(items_[i]->Id(), i).second);
     }
 }
 

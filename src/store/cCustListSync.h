@@ -4,19 +4,41 @@
 
 #include <array>
 #include <cstdint>
+#include <limits>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
 #include "store/BackupTableIndex.h"
+#include "store/ServerStamps.h"
 #include "util/Value.h"
 
 namespace morvane {
 
+// A local stamp as its field gave it: nothing (Null), a date, or any other value kept whole.
+class LocalStamp {
+public:
+    LocalStamp() = default;
+    explicit LocalStamp(DateValue date) : days_(date.Days()) {}
+    explicit LocalStamp(Value value);
+
+    // The stamp as the decision reads it: a date, or a text that reads as one.
+    std::optional<DateValue> Date() const;
+    // The stamp as the host reads it: "" for Null.
+    std::string Text() const;
+    Value ToValue() const;
+
+private:
+    static constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+    double days_ = kNone;           // a date unless NaN
+    std::unique_ptr<Value> other_;  // a value that is neither Null nor a date
+};
+
 class cCustListSyncItem {
-  public:
+public:
     explicit cCustListSyncItem(std::int32_t id = 0);
 
     std::string Key;
@@ -35,24 +57,27 @@ class cCustListSyncItem {
     std::string RecordUpdate_lc(int index) const;
     std::string RecordUpdate_sv(int index) const;
     std::string RecordUpdate_comp(int index) const;
-    // The local stamps are kept as the fields gave them (a date, a text or Null) and read
-    // as text; the server's as its text.
-    void SetStamps(int index, Value local, std::string server, Value check);
-    const Value& LocalStamp(int index) const { return lc_[static_cast<size_t>(index)]; }
-    const Value& CheckStamp(int index) const { return comp_[static_cast<size_t>(index)]; }
+    // The server's stamp of the index is taken from the roster's stamps (none: "").
+    void SetStamps(int index, LocalStamp local, const std::shared_ptr<const ServerStamps>& server,
+                   LocalStamp check);
+    const LocalStamp& LocalStampAt(int index) const { return lc_[static_cast<size_t>(index)]; }
+    const LocalStamp& CheckStampAt(int index) const { return comp_[static_cast<size_t>(index)]; }
 
-  private:
+private:
     static bool InRange(int index) { return index >= 0 && index < kBackupTableCount; }
     std::int32_t id_;
     std::array<bool, kBackupTableCount> backuped_;
     std::array<std::int32_t, kBackupTableCount> syncFlag_{};
-    std::array<Value, kBackupTableCount> lc_;
-    std::array<std::string, kBackupTableCount> sv_;
-    std::array<Value, kBackupTableCount> comp_;
+    std::array<LocalStamp, kBackupTableCount> lc_;
+    std::array<LocalStamp, kBackupTableCount> comp_;
+    // Where each server stamp comes from: 0 none, else a place in svSources_ counted from 1.
+    // A scan of one customer against a newer roster can mix rosters within one item.
+    std::array<std::uint8_t, kBackupTableCount> svFrom_{};
+    std::vector<std::shared_ptr<const ServerStamps>> svSources_;
 };
 
 class cCustListSync {
-  public:
+public:
     // Comma texts of the last backup-target dialog.
     const std::string& EnabledIDs() const { return enabledIDs_; }
     const std::string& DisabledIDs() const { return disabledIDs_; }
@@ -70,16 +95,20 @@ class cCustListSync {
     // The first item, in stored order, with this customer number; in constant time.
     const cCustListSyncItem* FindById(std::int32_t custId) const;
     cCustListSyncItem* FindById(std::int32_t custId);
+    // The same, trying first the place after the last one found, so that a walk in the
+    // items' own order hashes nothing.
+    cCustListSyncItem* FindById(std::int32_t custId, size_t& cursor);
     std::int32_t Count() const { return static_cast<std::int32_t>(items_.size()); }
     void Remove(std::string_view key);
 
     auto begin() const { return items_.begin(); }
     auto end() const { return items_.end(); }
 
-  private:
+private:
     std::vector<std::unique_ptr<cCustListSyncItem>> items_;
     std::unordered_map<std::string, size_t> byKey_;
     std::unordered_map<std::int32_t, size_t> byId_;  // first position of each number
+    std::vector<bool> firstOfId_;                    // per position: byId_ names it
     std::string enabledIDs_;
     std::string disabledIDs_;
 };

@@ -26,10 +26,7 @@ void ReLogin() {
     ShowLoginDlg(nullptr, 1);
 }
 
-}  // namespace
-
-bool ParseSystemNode(std::string_view reply, std::int32_t& flags, std::string& token) {
-    const auto doc = platform::XmlDocument::Load(reply);
+bool ReadSystemNode(const platform::XmlDocument* doc, std::int32_t& flags, std::string& token) {
     if (!doc) return false;
     const auto systems = doc->DocumentElement().SelectNodes("system");
     if (systems.size() != 1) return false;
@@ -41,10 +38,11 @@ bool ParseSystemNode(std::string_view reply, std::int32_t& flags, std::string& t
     return true;
 }
 
-std::int32_t CheckServerReply(std::string_view reply) {
+// The reply check on a parsed reply (null: empty or malformed).
+std::int32_t Judge(const platform::XmlDocument* doc) {
     std::int32_t flags = 0;
     std::string token;
-    if (!ParseSystemNode(reply, flags, token)) {
+    if (!ReadSystemNode(doc, flags, token)) {
         ShowWarning(msg::kCommFailNoNetwork, msg::kCommFailTitle);
         ResetLogin();
         return 0;
@@ -75,10 +73,25 @@ std::int32_t CheckServerReply(std::string_view reply) {
     }
 }
 
+}  // namespace
+
+bool ParseSystemNode(std::string_view reply, std::int32_t& flags, std::string& token) {
+    return ReadSystemNode(platform::XmlDocument::Load(reply).get(), flags, token);
+}
+
+std::int32_t CheckServerReply(std::string_view reply) {
+    return Judge(platform::XmlDocument::Load(reply).get());
+}
+
 std::string SendRequest(std::string_view path, std::string_view postData) {
+    return SendRequestJudged(path, postData).text;
+}
+
+JudgedReply SendRequestJudged(std::string_view path, std::string_view postData) {
     std::string reply = PostToServer(path, postData);
-    if (CheckServerReply(reply) < 1) return {};
-    return reply;
+    auto doc = platform::XmlDocument::Load(reply);
+    if (Judge(doc.get()) < 1) return {};
+    return {std::move(reply), std::move(doc)};
 }
 
 std::string SendRequestProgress(std::string_view path, std::string_view postData,

@@ -3,8 +3,11 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
+
+#include "platform/Xml.h"
 
 namespace morvane {
 
@@ -20,6 +23,16 @@ bool ParseSystemNode(std::string_view reply, std::int32_t& flags, std::string& t
 std::int32_t CheckServerReply(std::string_view reply);
 // The reply text when the reply check gave 1, else "".
 std::string SendRequest(std::string_view path, std::string_view postData);
+
+// A judged reply with the document the reply check parsed, so that its reader need not
+// parse a large reply a second time. Both are empty unless the check gave 1; the document
+// is also empty where the reply came by another way than SendRequestJudged.
+struct JudgedReply {
+    std::string text;
+    std::unique_ptr<platform::XmlDocument> document;
+};
+// SendRequest, keeping the parsed document.
+JudgedReply SendRequestJudged(std::string_view path, std::string_view postData);
 // The same behind the progress form (none when the object usage option is 1).
 std::string SendRequestProgress(std::string_view path, std::string_view postData,
                                 std::string_view msg, forms::Form* owner);

@@ -15,8 +15,10 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTableWidget>
 #include <QTest>
 #include <QTimer>
+#include <QTreeWidget>
 #include <functional>
 #include <memory>
 #include <string>
@@ -243,6 +245,51 @@ TEST_F(QtDialogsTest, ClipboardMailShowsInTheFields) {
     };
     ctrlMorvane obj;
     obj.ShowSetting(nullptr);
+}
+
+TEST_F(QtDialogsTest, ListAndGridFeedTheUsersChoicesBack) {
+    forms::Form form(*qt_, "frmLists", "lists");
+    auto& list = form.Add<forms::ListView>("lvw");
+    list.columns = {"番号", "名前"};
+    list.checkboxes = true;
+    list.items = {{{"1", "山田建設"}, "K1", false, false}, {{"2", "佐藤工業"}, "K2", true, false}};
+    auto& grid = form.Add<forms::Grid>("grd");
+    grid.headers = {"顧客", "処理"};
+    grid.Resize(1, 2);
+    grid.At(0, 0).text = "山田建設";
+    grid.At(0, 1).text = "追加";
+    grid.At(0, 1).choices = {"追加", "削除"};
+    std::vector<std::string> chosen;
+    grid.onCellChoice = [&](int row, int col, const std::string& choice) {
+        chosen.push_back(std::to_string(row) + "," + std::to_string(col) + "=" + choice);
+        grid.At(row, col).text = choice;
+        grid.Resize(1, 2);  // a handler that rebuilds the table it was called from
+    };
+    auto window = qt_->BuildWindow(form);
+    window->show();
+    QCoreApplication::processEvents();
+
+    auto* tree = window->findChild<QTreeWidget*>("lvw");
+    ASSERT_NE(tree, nullptr);
+    ASSERT_EQ(tree->topLevelItemCount(), 2);
+    EXPECT_EQ(tree->topLevelItem(1)->text(1).toStdString(), "佐藤工業");
+    EXPECT_EQ(tree->topLevelItem(1)->checkState(0), Qt::Checked);
+    tree->topLevelItem(0)->setCheckState(0, Qt::Checked);
+    EXPECT_TRUE(list.items[0].checked);
+
+    auto* table = window->findChild<QTableWidget*>("grd");
+    ASSERT_NE(table, nullptr);
+    EXPECT_EQ(table->item(0, 0)->text().toStdString(), "山田建設");
+    auto* box = qobject_cast<QComboBox*>(table->cellWidget(0, 1));
+    ASSERT_NE(box, nullptr);
+    box->setCurrentIndex(1);
+    emit box->activated(1);
+    QTest::qWait(20);
+    ASSERT_EQ(chosen.size(), 1u);
+    EXPECT_EQ(chosen[0], "0,1=削除");
+    auto* rebuilt = qobject_cast<QComboBox*>(table->cellWidget(0, 1));
+    ASSERT_NE(rebuilt, nullptr);
+    EXPECT_EQ(rebuilt->currentText().toStdString(), "削除");
 }
 
 TEST_F(QtDialogsTest, TimersTickOnQtsEventLoopWhileTheirFormIsLoaded) {
