@@ -45,6 +45,22 @@ std::unique_ptr<Worker> MakeDefault() {
 template <class Worker>
 using Reader = std::function<bool(Worker&, const std::string&)>;
 
+namespace detail {
+// The failure end of a member with a worker: the error trap, the slot emptied, 0.
+template <class Worker>
+std::int32_t FailureEnd(std::unique_ptr<Worker>& slot) {
+    ErrTrap();
+    slot.reset();
+    return 0;
+}
+
+template <class Worker>
+std::int32_t ErrorEnd(std::unique_ptr<Worker>& slot) {
+    CaptureError(std::current_exception());
+    return FailureEnd(slot);
+}
+}  // namespace detail
+
 // A worker reading its judged reply, from the parsed document when there is one.
 template <class Worker>
 using JudgedReader = std::function<bool(Worker&, const JudgedReply&)>;
@@ -59,18 +75,10 @@ std::int32_t CompareJudged(std::unique_ptr<Worker>& slot, const Request& request
                            const Factory<Worker>& make = MakeDefault<Worker>) {
     try {
         const JudgedReply reply = FetchJudged(request);
-        if (GetLoginState() != 1) {
-            ErrTrap();
-            slot.reset();
-            return 0;
-        }
+        if (GetLoginState() != 1) return detail::FailureEnd(slot);
         slot.reset();
         slot = make();
-        if (!read(*slot, reply)) {
-            ErrTrap();
-            slot.reset();
-            return 0;
-        }
+        if (!read(*slot, reply)) return detail::FailureEnd(slot);
         const std::int32_t result = compare(*slot);
         const bool kept = keep == Keep::NonZero   ? result != 0
                           : keep == Keep::OnlyOne ? result == 1
@@ -78,10 +86,7 @@ std::int32_t CompareJudged(std::unique_ptr<Worker>& slot, const Request& request
         if (!kept) slot.reset();
         return result;
     } catch (...) {
-        CaptureError(std::current_exception());
-        ErrTrap();
-        slot.reset();
-        return 0;
+        return detail::ErrorEnd(slot);
     }
 }
 
@@ -122,19 +127,12 @@ std::int32_t AlwaysFetch(std::unique_ptr<Worker>& slot, const Request& request,
                          const Reader<Worker>& read, const std::function<void(Worker&)>& download,
                          const Factory<Worker>& make = MakeDefault<Worker>) {
     try {
-        if (GetLoginState() != 1) {
-            ErrTrap();
-            slot.reset();
-            return 0;
-        }
+        if (GetLoginState() != 1) return detail::FailureEnd(slot);
         slot.reset();
         detail::FetchInto(slot, request, read, make);
         return detail::Download(slot, download);
     } catch (...) {
-        CaptureError(std::current_exception());
-        ErrTrap();
-        slot.reset();
-        return 0;
+        return detail::ErrorEnd(slot);
     }
 }
 
@@ -149,19 +147,12 @@ std::int32_t KeptWorker(std::unique_ptr<Worker>& slot, const Request& request,
                         FetchWhenEmpty fetch = FetchWhenEmpty::UnderOption,
                         const Factory<Worker>& make = MakeDefault<Worker>) {
     try {
-        if (GetLoginState() != 1) {
-            ErrTrap();
-            slot.reset();
-            return 0;
-        }
+        if (GetLoginState() != 1) return detail::FailureEnd(slot);
         if (!slot && fetch == FetchWhenEmpty::UnderOption && State().objectUsage == 1)
             detail::FetchInto(slot, request, read, make);
         return detail::Download(slot, download);
     } catch (...) {
-        CaptureError(std::current_exception());
-        ErrTrap();
-        slot.reset();
-        return 0;
+        return detail::ErrorEnd(slot);
     }
 }
 
