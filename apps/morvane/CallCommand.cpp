@@ -40,7 +40,7 @@ int RunCalls(const std::vector<MemberCall>& calls, std::ostream& out, std::ostre
         for (size_t i = 0; i < call.args.size() && i < member->params.size(); ++i) {
             DispatchArg a;
             // An object argument from the command line can only be "no owner".
-            if (member->params[i].second != ArgType::Object) a.value = Value(call.args[i]);
+            if (member->params[i].type != ArgType::Object) a.value = Value(call.args[i]);
             args.push_back(a);
         }
         if (call.args.size() != member->params.size()) {
@@ -51,6 +51,9 @@ int RunCalls(const std::vector<MemberCall>& calls, std::ostream& out, std::ostre
         try {
             const Value result = table.Invoke(obj, member->name, args);
             if (member->result) out << result.ToText() << '\n';
+            for (size_t i = 0; i < member->params.size(); ++i)
+                if (member->params[i].byRef)
+                    out << member->params[i].name << '=' << args[i].value.ToText() << '\n';
         } catch (const RuntimeError& e) {
             err << "morvane: " << member->name << ": error " << e.Number() << ": " << e.what()
                 << '\n';
@@ -64,7 +67,8 @@ void ListMembers(std::ostream& out) {
     for (const DispatchMember& m : DispatchTable::Instance().Members()) {
         out << m.name;
         std::vector<std::string> params;
-        for (const auto& [name, type] : m.params) params.push_back(name + " " + ArgTypeName(type));
+        for (const DispatchParam& p : m.params)
+            params.push_back((p.byRef ? "ByRef " : "") + p.name + " " + ArgTypeName(p.type));
         if (!m.property) out << '(' << Join(params, ", ") << ')';
         if (m.result) out << " -> " << ArgTypeName(*m.result);
         out << '\n';

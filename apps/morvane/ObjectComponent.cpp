@@ -25,7 +25,7 @@ Value ObjectComponent::Call(std::string_view member, const std::vector<Value>& a
     std::vector<DispatchArg> converted;
     for (size_t i = 0; i < args.size(); ++i) {
         DispatchArg a;
-        if (m->params[i].second != ArgType::Object) a.value = args[i];
+        if (m->params[i].type != ArgType::Object) a.value = args[i];
         converted.push_back(a);
     }
     try {

@@ -62,7 +62,7 @@ const DispatchMember* DispatchTable::Find(std::string_view name) const {
 }
 
 Value DispatchTable::Invoke(ctrlMorvane& object, std::string_view name,
-                            const std::vector<DispatchArg>& args) const {
+                            std::vector<DispatchArg>& args) const {
     const DispatchMember* m = Find(name);
     if (!m)
         throw RuntimeError(kNoSuchMember,

@@ -30,12 +30,19 @@ struct DispatchArg {
     forms::Form* object = nullptr;
 };
 
+struct DispatchParam {
+    std::string name;
+    ArgType type;
+    // An in-out parameter: the call writes its new value back into the argument.
+    bool byRef = false;
+};
+
 struct DispatchMember {
     std::string name;
-    std::vector<std::pair<std::string, ArgType>> params;
+    std::vector<DispatchParam> params;
     std::optional<ArgType> result;  // none for members without a result
     bool property = false;
-    std::function<Value(ctrlMorvane&, const std::vector<DispatchArg>&)> invoke;
+    std::function<Value(ctrlMorvane&, std::vector<DispatchArg>&)> invoke;
 };
 
 class DispatchTable {
@@ -48,11 +55,15 @@ public:
     const DispatchMember* Find(std::string_view name) const;
     const std::vector<DispatchMember>& Members() const { return members_; }
     // Calls a member; a wrong name, count or argument type is a RuntimeError (438, 450, 13).
+    // In-out parameters leave their new values in args.
+    Value Invoke(ctrlMorvane& object, std::string_view name, std::vector<DispatchArg>& args) const;
     Value Invoke(ctrlMorvane& object, std::string_view name,
-                 const std::vector<DispatchArg>& args) const;
+                 std::vector<DispatchArg>&& args) const {
+        return Invoke(object, name, args);
+    }
 
     // Adds a member from its C++ signature: parameters of std::int32_t, double, bool,
-    // std::string, forms::Form* or const Value&.
+    // std::string, forms::Form* or const Value&; a non-const reference is in-out.
     template <class R, class... A>
     void Method(std::string name, R (ctrlMorvane::*fn)(A...),
                 std::vector<std::string> paramNames = {});
@@ -110,6 +121,11 @@ struct Param<Value> {
     static Value From(const DispatchArg& a) { return a.value; }
 };
 
+// A non-const lvalue reference parameter is written back after the call.
+template <class A>
+inline constexpr bool kByRef =
+    std::is_lvalue_reference_v<A> && !std::is_const_v<std::remove_reference_t<A>>;
+
 template <class R>
 struct Result {
     static constexpr std::optional<ArgType> kType = Param<R>::kType;
@@ -134,21 +150,29 @@ void DispatchTable::AddTyped(std::string name, Fn call, std::vector<std::string>
     m.property = property;
     m.result = dispatch::Result<R>::kType;
     constexpr ArgType types[] = {dispatch::Param<std::decay_t<A>>::kType..., ArgType::Variant};
+    constexpr bool byRef[] = {dispatch::kByRef<A>..., false};
     for (size_t i = 0; i < sizeof...(A); ++i)
-        m.params.emplace_back(i < paramNames.size() ? paramNames[i] : "arg" + std::to_string(i + 1),
-                              types[i]);
-    m.invoke = [call](ctrlMorvane& obj, const std::vector<DispatchArg>& args) -> Value {
-        return [&]<size_t... I>(std::index_sequence<I...>) -> Value {
+        m.params.push_back({i < paramNames.size() ? paramNames[i] : "arg" + std::to_string(i + 1),
+                            types[i], byRef[i]});
+    m.invoke = [call](ctrlMorvane& obj, std::vector<DispatchArg>& args) -> Value {
+        return [&]<size_t... I>(std::index_sequence<I...>)->Value {
             auto converted =
                 std::tuple<std::decay_t<A>...>(dispatch::Param<std::decay_t<A>>::From(args[I])...);
-            if constexpr (std::is_void_v<R>) {
+            Value result;
+            if constexpr (std::is_void_v<R>)
                 std::apply([&](auto&&... v) { call(obj, v...); }, converted);
-                return Value();
-            } else {
-                return dispatch::Result<R>::To(
+            else
+                result = dispatch::Result<R>::To(
                     std::apply([&](auto&&... v) { return call(obj, v...); }, converted));
-            }
-        }(std::index_sequence_for<A...>{});
+            (
+                [&] {
+                    if constexpr (dispatch::kByRef<A>)
+                        args[I].value = Value(std::get<I>(converted));
+                }(),
+                ...);
+            return result;
+        }
+        (std::index_sequence_for<A...>{});
     };
     Add(std::move(m));
 }

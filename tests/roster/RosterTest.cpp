@@ -2,6 +2,8 @@
 // snapshot they leave, the roster download and its rollback, the IDs to upload.
 #include <gtest/gtest.h>
 
+#include "session/DispatchTable.h"
+
 #include "RosterTestUtil.h"
 #include "session/ProcessState.h"
 #include "session/ctrlMorvane.h"
@@ -13,7 +15,7 @@ namespace morvane::test {
 namespace {
 
 class RosterTest : public MorvaneTest {
-  protected:
+protected:
     void SetUp() override {
         MorvaneTest::SetUp();
         paths_ = CreateLocalDatabases(temp_.Path() / "data");
@@ -202,6 +204,14 @@ TEST_F(RosterTest, UploadIDsAfterADifferingComparison) {
     EXPECT_EQ(add, "3");
     EXPECT_EQ(del, "4,5");
     EXPECT_EQ(upd, "2");
+
+    // By name, the three texts come back in the arguments.
+    std::vector<DispatchArg> args{{Value(Db())}, {Value("")}, {Value("")}, {Value("")}};
+    EXPECT_EQ(DispatchTable::Instance().Invoke(obj, "GetUploadCustomerListIDs", args),
+              Value(std::int32_t{1}));
+    EXPECT_EQ(args[1].value, Value("3"));
+    EXPECT_EQ(args[2].value, Value("4,5"));
+    EXPECT_EQ(args[3].value, Value("2"));
 }
 
 }  // namespace

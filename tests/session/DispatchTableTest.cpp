@@ -27,10 +27,26 @@ TEST_F(DispatchTableTest, SessionMembersAreCallableByName) {
 
     const DispatchMember* m = table.Find("setObjectUsage");
     ASSERT_EQ(m->params.size(), 1u);
-    EXPECT_EQ(m->params[0].first, "n");
-    EXPECT_EQ(m->params[0].second, ArgType::Long);
+    EXPECT_EQ(m->params[0].name, "n");
+    EXPECT_EQ(m->params[0].type, ArgType::Long);
     EXPECT_FALSE(m->result.has_value());
     EXPECT_TRUE(table.Find("LoginState")->property);
+}
+
+TEST_F(DispatchTableTest, InOutParametersComeBackInTheArguments) {
+    const DispatchMember* m = DispatchTable::Instance().Find("GetUploadCustomerListIDs");
+    ASSERT_NE(m, nullptr);
+    ASSERT_EQ(m->params.size(), 4u);
+    EXPECT_FALSE(m->params[0].byRef);
+    EXPECT_TRUE(m->params[1].byRef && m->params[2].byRef && m->params[3].byRef);
+
+    // Without a roster in the slot the member gives 0 and leaves the texts as they were.
+    ctrlMorvane obj;
+    std::vector<DispatchArg> args{
+        {Value("/none/Customer.dat")}, {Value("a")}, {Value("b")}, {Value("c")}};
+    EXPECT_EQ(DispatchTable::Instance().Invoke(obj, "GetUploadCustomerListIDs", args),
+              Value(std::int32_t{0}));
+    EXPECT_EQ(args[1].value, Value("a"));
 }
 
 TEST_F(DispatchTableTest, WrongCallsAreNumberedErrors) {
