@@ -108,6 +108,9 @@ TEST_F(TtyTest, SettingsEditedAndStored) {
     EXPECT_EQ(Setting(reg::kEnabledMorvane), "True");
     EXPECT_NE(Out().find("[モルヴェインの設定] (i) モルヴェインの設定が変更されました。\n"),
               std::string::npos);
+    // Access-key marks are not shown.
+    EXPECT_NE(Out().find("<接続テスト(T)>"), std::string::npos);
+    EXPECT_NE(Out().find(") 接続テスト(T)\n"), std::string::npos);
 }
 
 TEST_F(TtyTest, BoxWithChoicesIsAnswered) {

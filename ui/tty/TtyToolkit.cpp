@@ -107,6 +107,16 @@ size_t ChoiceOf(const std::string& text, size_t count) {
     return n >= 1 && n <= count ? n : 0;
 }
 
+// A caption without its access-key marks: "&T" shows as "T", "&&" as "&".
+std::string Caption(const std::string& text) {
+    std::string out;
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '&' && i + 1 < text.size()) ++i;
+        out += text[i];
+    }
+    return out;
+}
+
 std::string Rendered(const forms::Control& c) {
     using forms::ControlKind;
     switch (c.Kind()) {
@@ -124,7 +134,7 @@ std::string Rendered(const forms::Control& c) {
             return std::string(static_cast<const forms::CheckBox&>(c).Checked() ? "[x] " : "[ ] ") +
                    c.Text();
         case ControlKind::Button:
-            return "<" + c.Text() + (c.Enabled() ? ">" : "> (-)");
+            return "<" + Caption(c.Text()) + (c.Enabled() ? ">" : "> (-)");
         case ControlKind::Frame:
             return "-- " + c.Text() + " --";
         case ControlKind::ListView:
@@ -201,7 +211,7 @@ std::vector<TtyToolkit::Action> TtyToolkit::Actions(const forms::Form& form) con
         switch (c->Kind()) {
             case ControlKind::Button:
             case ControlKind::Panel:
-                actions.push_back({c->Text(), c.get()});
+                actions.push_back({Caption(c->Text()), c.get()});
                 break;
             case ControlKind::Label:
                 if (c->onClick) actions.push_back({c->Text(), c.get()});
