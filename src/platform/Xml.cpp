@@ -23,6 +23,10 @@ void AppendTextOf(const pugi::xml_node& node, std::string& out) {
 
 std::string XmlNode::Name() const { return node_ ? pugi::xml_node(node_).name() : ""; }
 
+std::string_view XmlNode::NameView() const {
+    return node_ ? std::string_view(pugi::xml_node(node_).name()) : std::string_view();
+}
+
 std::string XmlNode::Text() const {
     std::string out;
     if (node_) AppendTextOf(pugi::xml_node(node_), out);
@@ -31,6 +35,34 @@ std::string XmlNode::Text() const {
 
 void XmlNode::AppendText(std::string& out) const {
     if (node_) AppendTextOf(pugi::xml_node(node_), out);
+}
+
+std::string_view XmlNode::TextView(std::string& scratch) const {
+    if (!node_) return {};
+    const pugi::xml_node node(node_);
+    const pugi::xml_node first = node.first_child();
+    if (!first) return {};
+    if (!first.next_sibling() &&
+        (first.type() == pugi::node_pcdata || first.type() == pugi::node_cdata))
+        return first.value();
+    scratch.clear();
+    AppendTextOf(node, scratch);
+    return scratch;
+}
+
+namespace {
+pugi::xml_node_struct* ElementFrom(pugi::xml_node node) {
+    while (node && node.type() != pugi::node_element) node = node.next_sibling();
+    return node.internal_object();
+}
+}  // namespace
+
+XmlNode XmlNode::FirstChildElement() const {
+    return node_ ? XmlNode(ElementFrom(pugi::xml_node(node_).first_child())) : XmlNode();
+}
+
+XmlNode XmlNode::NextSiblingElement() const {
+    return node_ ? XmlNode(ElementFrom(pugi::xml_node(node_).next_sibling())) : XmlNode();
 }
 
 std::vector<XmlNode> XmlNode::Children() const {

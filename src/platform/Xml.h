@@ -19,10 +19,18 @@ public:
 
     explicit operator bool() const { return node_ != nullptr; }
     std::string Name() const;
+    // The name as it lies in the tree, valid as long as the document.
+    std::string_view NameView() const;
     // The concatenated text of every text node below this one.
     std::string Text() const;
     // The same, appended to out.
     void AppendText(std::string& out) const;
+    // The same as Text(), but a view into the tree when the text is one node, so that a
+    // large reply's values are not copied; otherwise built in scratch.
+    std::string_view TextView(std::string& scratch) const;
+    // Element children one by one, for walks that keep no list.
+    XmlNode FirstChildElement() const;
+    XmlNode NextSiblingElement() const;
     // Element children, in document order.
     std::vector<XmlNode> Children() const;
     // Element children of exactly this name.

@@ -63,6 +63,7 @@ bool ReadRoster(cCustList& list, const JudgedReply& reply) {
 
 // Customers of the roster that the snapshot does not hold yet; those it holds stay as they are.
 void AddToSnapshot(const cCustList& list, cCustListSync& sync) {
+    sync.Reserve(static_cast<size_t>(sync.Count()) + static_cast<size_t>(list.Count()));
     for (const auto& item : list) {
         if (sync.Find(item->Key)) continue;
         cCustListSyncItem& s = sync.Add(item->Key, item->id);

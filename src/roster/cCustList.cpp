@@ -2,7 +2,10 @@
 
 #include <bitset>
 #include <charconv>
+#include <cmath>
 #include <exception>
+#include <limits>
+#include <optional>
 #include <unordered_set>
 
 #include "platform/Dao.h"
@@ -45,21 +48,43 @@ void Trap() {
 
 std::string Key(std::int32_t id) { return "K" + std::to_string(id); }
 
-// The snapshot item under the key "K" + id, found by its number without forming the key.
-cCustListSyncItem* SyncItem(cCustListSync& sync, std::int32_t id, size_t& cursor) {
-    cCustListSyncItem* item = sync.FindById(id, cursor);
-    if (item) {
-        const std::string& key = item->Key;
-        std::int32_t n = 0;
-        const bool named = !key.empty() && key[0] == 'K';
-        const auto [end, ec] =
-            named ? std::from_chars(key.data() + 1, key.data() + key.size(), n)
-                  : std::from_chars_result{key.data(), std::errc::invalid_argument};
-        if (!named || ec != std::errc() || end != key.data() + key.size() || n != id)
-            item = nullptr;
+// The roster as the scan of all customers reads it: numbers and server dates in dense
+// arrays, the dates one array a table, so that each row reads in order.
+class DenseRoster {
+public:
+    template <class Items>
+    explicit DenseRoster(const Items& items) : count_(items.size()) {
+        ids_.reserve(count_);
+        stamps_.reserve(count_);
+        days_.assign(count_ * kBackupTableCount, std::numeric_limits<double>::quiet_NaN());
+        for (size_t p = 0; p < count_; ++p) {
+            ids_.push_back(items[p]->id);
+            stamps_.push_back(items[p]->Stamps);
+            if (!stamps_.back()) continue;
+            for (int index = 0; index < kBackupTableCount; ++index)
+                if (const auto date = stamps_.back()->Date(index))
+                    days_[static_cast<size_t>(index) * count_ + p] = date->Days();
+        }
     }
-    return item ? item : sync.Item(Key(id));
-}
+    // With a position the roster's own lookup found.
+    bool Holds(size_t position, std::int32_t id) const {
+        return position < count_ && ids_[position] == id;
+    }
+    std::optional<DateValue> Date(int index, size_t position) const {
+        const double days = days_[static_cast<size_t>(index) * count_ + position];
+        if (std::isnan(days)) return std::nullopt;
+        return DateValue(days);
+    }
+    const std::shared_ptr<const ServerStamps>& Stamps(size_t position) const {
+        return stamps_[position];
+    }
+
+private:
+    size_t count_;
+    std::vector<std::int32_t> ids_;
+    std::vector<std::shared_ptr<const ServerStamps>> stamps_;
+    std::vector<double> days_;  // table-major
+};
 
 }  // namespace
 
@@ -156,8 +181,9 @@ bool cCustList::ParseCompList(const platform::XmlDocument& doc) {
     std::int32_t count = 0;
     bool anyItem = false;
     bool lastItem = false;
-    for (const platform::XmlNode& child : lists[0].Children()) {
-        const std::string name = child.Name();
+    for (platform::XmlNode child = lists[0].FirstChildElement(); child;
+         child = child.NextSiblingElement()) {
+        const std::string_view name = child.NameView();
         if (EqualsNoCase(name, "CompCount")) {
             count = NzLong(child.Text());
             countSeen = true;
@@ -175,25 +201,27 @@ bool cCustList::AnalyzeCustListItem(const platform::XmlNode& node) {
     std::bitset<kTagCount> seen;
     cCustListItem read;
     auto stamps = std::make_shared<ServerStamps>();
-    for (const platform::XmlNode& child : node.Children()) {
-        const std::string name = child.Name();
+    std::string scratch;
+    for (platform::XmlNode child = node.FirstChildElement(); child;
+         child = child.NextSiblingElement()) {
+        const std::string_view name = child.NameView();
         if (const int index = StampIndex(name); index >= 0) {
-            stamps->SetText(index, [&](std::string& out) { child.AppendText(out); });
+            stamps->SetText(index, child.TextView(scratch));
             seen.set(kFirstStamp + static_cast<size_t>(index));
         } else if (name == "CustomerID") {
-            read.id = NzLong(child.Text());
+            read.id = NzLong(child.TextView(scratch));
             seen.set(kCustomerID);
         } else if (name == "Code") {
-            read.Code = child.Text();
+            read.Code = child.TextView(scratch);
             seen.set(kCode);
         } else if (name == "CorpName0") {
-            read.CorpName0 = child.Text();
+            read.CorpName0 = child.TextView(scratch);
             seen.set(kCorpName0);
         } else if (name == "CorpKanaS") {
-            read.CorpKanaS = child.Text();
+            read.CorpKanaS = child.TextView(scratch);
             seen.set(kCorpKanaS);
         } else if (name == "InetEnableFlag") {
-            read.InetEnableFlag = NzLong(child.Text());
+            read.InetEnableFlag = NzLong(child.TextView(scratch));
             seen.set(kInetEnableFlag);
         }
         // "disabled" and unknown tags are passed over.
@@ -264,18 +292,24 @@ void cCustList::CompareLocalDBTable(const std::string& localDb, const std::strin
     // The process-wide stamps are left as the last decision of the scan leaves them; they
     // are written once at the end rather than half a million times.
     struct LastDecision {
+        const cCustListSync& sync;
         std::int32_t result = 0;
-        const cCustListSyncItem* item = nullptr;
+        std::optional<size_t> position;
         int index = 0;
         ~LastDecision() {
-            if (!item) return;
-            KeepComparedStamps(result, Value(item->RecordUpdate_sv(index)),
-                               item->LocalStampAt(index).ToValue(),
-                               item->CheckStampAt(index).ToValue());
+            if (!position) return;
+            const cCustListSyncItem& item = sync.ItemAt(*position);
+            KeepComparedStamps(result, Value(item.RecordUpdate_sv(index)),
+                               item.LocalStampAt(index).ToValue(),
+                               item.CheckStampAt(index).ToValue());
         }
-    } last;
+    } last{sync, 0, std::nullopt, 0};
     const double offset = State().inetServerTimeOffset;
+    static const std::shared_ptr<const ServerStamps> kNone;
     try {
+        // Only the scan of all customers reads enough rows to pay for the dense copy.
+        std::optional<DenseRoster> dense;
+        if (custId == 0) dense.emplace(items_);
         auto ws = CreateMorvaneWorkspace();
         dao::Database& local = ws->OpenDatabase(localDb);
         dao::Database* pref = nullptr;  // opened when the scan reaches its tables
@@ -290,28 +324,30 @@ void cCustList::CompareLocalDBTable(const std::string& localDb, const std::strin
             const dao::Field localField = rs->Fields(main ? "RecordUpdate" : "rumax");
             const dao::Field checkField = rs->Fields(main ? "InetCheckDate" : "cdmax");
 
-            auto judge = [&](cCustListSyncItem& item, const cCustListItem* listed, LocalStamp lc,
+            auto judge = [&](size_t position, std::optional<DateValue> serverDate,
+                             const std::shared_ptr<const ServerStamps>& server, LocalStamp lc,
                              LocalStamp cd, bool hasRows) {
-                const ServerStamps* server = listed ? listed->Stamps.get() : nullptr;
-                const std::int32_t result = DecideInetDates(
-                    server ? server->Date(index) : std::nullopt, lc.Date(), cd.Date(), offset);
+                const std::int32_t result =
+                    DecideInetDates(serverDate, lc.Date(), cd.Date(), offset);
                 bool backuped = false;
                 if (result == 0)
                     backuped = true;
                 else if (index == kIndexGyoshu)
-                    backuped = item.Backuped(kIndexCustomer);
+                    backuped = sync.BackupedAt(kIndexCustomer, position);
                 else if (index == kIndexPrintCustomerData)
                     backuped = true;
                 else if (index == kIndexT28KyokaShinseiHyoshi && hasRows)
                     backuped = true;
-                item.SetBackuped(index, backuped);
-                item.SetSyncFlag(index, result);
-                static const std::shared_ptr<const ServerStamps> kNone;
-                item.SetStamps(index, std::move(lc), listed ? listed->Stamps : kNone,
-                               std::move(cd));
+                sync.Store(index, position, backuped, result, std::move(lc), server, std::move(cd));
                 last.result = result;
-                last.item = &item;
+                last.position = position;
                 last.index = index;
+            };
+            auto judgeListed = [&](size_t position, const cCustListItem* listed, LocalStamp lc,
+                                   LocalStamp cd, bool hasRows) {
+                const ServerStamps* server = listed ? listed->Stamps.get() : nullptr;
+                judge(position, server ? server->Date(index) : std::nullopt,
+                      listed ? listed->Stamps : kNone, std::move(lc), std::move(cd), hasRows);
             };
             // Stamps come as dates in the stored form, or Null, nearly always: other values
             // take the general way.
@@ -329,29 +365,49 @@ void cCustList::CompareLocalDBTable(const std::string& localDb, const std::strin
 
             // Rows come in ascending customer order, as the roster and the snapshot mostly
             // do: each lookup first tries the place after the last one found.
+            auto listPosition = [&](std::int32_t id, size_t& cursor) -> std::optional<size_t> {
+                if (firstOfId_.size() > cursor && firstOfId_[cursor] && dense->Holds(cursor, id))
+                    return cursor++;
+                const auto it = byId_.find(id);
+                if (it == byId_.end()) return std::nullopt;
+                cursor = it->second + 1;
+                return it->second;
+            };
             size_t syncCursor = 0, listCursor = 0;
             if (!rs->Eof()) {
                 for (; !rs->Eof(); rs->MoveNext()) {
-                    cCustListSyncItem* item = nullptr;
-                    const cCustListItem* listed = nullptr;
+                    std::optional<size_t> position;
                     if (const auto id = keyField.GetLong()) {
-                        item = SyncItem(sync, *id, syncCursor);
-                        if (!item) continue;
-                        listed = ItemById(*id, listCursor);
+                        position = sync.KeyedPosition(*id, syncCursor);
+                        if (!position) continue;
+                        if (dense) {
+                            const auto at = listPosition(*id, listCursor);
+                            if (at)
+                                judge(*position, dense->Date(index, *at), dense->Stamps(*at),
+                                      stamp(localField), stamp(checkField), true);
+                            else
+                                judge(*position, std::nullopt, kNone, stamp(localField),
+                                      stamp(checkField), true);
+                        } else {
+                            judgeListed(*position, ItemById(*id, listCursor), stamp(localField),
+                                        stamp(checkField), true);
+                        }
                     } else {
                         // Items are keyed "K" + number: a row whose key names no item is a
                         // customer the server does not know.
                         const Value key = keyField.GetValue();
-                        item = key.IsLong() ? SyncItem(sync, key.AsLong(), syncCursor)
-                                            : sync.Item("K" + NzString(key));
-                        if (!item) continue;
-                        listed = key.IsLong() ? ItemById(key.AsLong()) : Item("K" + NzString(key));
+                        position = key.IsLong() ? sync.KeyedPosition(key.AsLong(), syncCursor)
+                                                : sync.PositionOf("K" + NzString(key));
+                        if (!position) continue;
+                        judgeListed(
+                            *position,
+                            key.IsLong() ? ItemById(key.AsLong()) : Item("K" + NzString(key)),
+                            stamp(localField), stamp(checkField), true);
                     }
-                    judge(*item, listed, stamp(localField), stamp(checkField), true);
                 }
             } else if (custId > 0) {
-                if (cCustListSyncItem* item = SyncItem(sync, custId, syncCursor))
-                    judge(*item, ItemById(custId), LocalStamp(), LocalStamp(), false);
+                if (const auto position = sync.KeyedPosition(custId, syncCursor))
+                    judgeListed(*position, ItemById(custId), LocalStamp(), LocalStamp(), false);
             }
         }
     } catch (...) {

@@ -4,6 +4,11 @@
 
 namespace morvane {
 
+ServerStamps::ServerStamps() {
+    days_.fill(kNoDate);
+    texts_.reserve(kBackupTableCount * 19);  // one stamp text a table, as the roster sends them
+}
+
 std::string_view ServerStamps::Text(int index) const {
     if (index < 0 || index >= kBackupTableCount) return {};
     const auto i = static_cast<size_t>(index);
@@ -17,11 +22,13 @@ std::optional<DateValue> ServerStamps::Date(int index) const {
     return DateValue(days);
 }
 
-void ServerStamps::Mark(int index, size_t start) {
+void ServerStamps::SetText(int index, std::string_view text) {
+    if (index < 0 || index >= kBackupTableCount) return;
     const auto i = static_cast<size_t>(index);
-    start_[i] = static_cast<std::uint32_t>(start);
-    length_[i] = static_cast<std::uint32_t>(texts_.size() - start);
-    const auto date = DateValue::Parse(Text(index));
+    start_[i] = static_cast<std::uint32_t>(texts_.size());
+    length_[i] = static_cast<std::uint32_t>(text.size());
+    texts_ += text;
+    const auto date = DateValue::ParseStamp(text);
     days_[i] = date ? date->Days() : kNoDate;
 }
 

@@ -16,27 +16,18 @@ namespace morvane {
 
 class ServerStamps {
 public:
-    ServerStamps() { days_.fill(kNoDate); }
+    ServerStamps();
 
     // "" for an index without a text or outside 0..52.
     std::string_view Text(int index) const;
     // The text as a date, when it is one.
     std::optional<DateValue> Date(int index) const;
 
-    // Sets the text of an index through append(std::string&), which adds it to the buffer;
-    // a second text of the same index replaces the first.
-    template <class Append>
-    void SetText(int index, Append append) {
-        if (index < 0 || index >= kBackupTableCount) return;
-        const size_t start = texts_.size();
-        append(texts_);
-        Mark(index, start);
-    }
+    // A second text of the same index replaces the first.
+    void SetText(int index, std::string_view text);
 
 private:
     static constexpr double kNoDate = std::numeric_limits<double>::quiet_NaN();
-    void Mark(int index, size_t start);
-
     std::string texts_;
     std::array<std::uint32_t, kBackupTableCount> start_{};
     std::array<std::uint32_t, kBackupTableCount> length_{};

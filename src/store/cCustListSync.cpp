@@ -33,74 +33,106 @@ Value LocalStamp::ToValue() const {
     return Value(DateValue(days_));
 }
 
-cCustListSyncItem::cCustListSyncItem(std::int32_t id) : id_(id) { backuped_.fill(true); }
+namespace {
+std::string KeyOf(std::int32_t id) { return "K" + std::to_string(id); }
+}  // namespace
+
+cCustListSyncItem::cCustListSyncItem(Token, cCustListSync& owner, size_t position, std::string key,
+                                     std::int32_t id)
+    : Key(std::move(key)), owner_(&owner), position_(position), id_(id) {}
 
 bool cCustListSyncItem::Backuped(int index) const {
     if (index < 0) return false;
     if (index >= kBackupTableCount) return true;  // a table this version does not know
-    return backuped_[static_cast<size_t>(index)];
+    return owner_->CellAt(index, position_).backuped;
 }
 
 void cCustListSyncItem::SetBackuped(int index, bool on) {
-    if (InRange(index)) backuped_[static_cast<size_t>(index)] = on;
+    if (InRange(index)) owner_->CellAt(index, position_).backuped = on;
 }
 
 bool cCustListSyncItem::AllBackuped() const {
-    for (bool b : backuped_)
-        if (!b) return false;
+    for (int index = 0; index < kBackupTableCount; ++index)
+        if (!owner_->CellAt(index, position_).backuped) return false;
     return true;
 }
 
 std::int32_t cCustListSyncItem::SyncFlag(int index) const {
-    return InRange(index) ? syncFlag_[static_cast<size_t>(index)] : 0;
+    return InRange(index) ? owner_->CellAt(index, position_).flag : 0;
 }
 
 void cCustListSyncItem::SetSyncFlag(int index, std::int32_t flag) {
-    if (InRange(index)) syncFlag_[static_cast<size_t>(index)] = flag;
+    if (InRange(index)) owner_->CellAt(index, position_).flag = flag;
 }
 
 std::string cCustListSyncItem::RecordUpdate_lc(int index) const {
-    return InRange(index) ? lc_[static_cast<size_t>(index)].Text() : std::string();
+    return InRange(index) ? owner_->CellAt(index, position_).lc.Text() : std::string();
 }
 
 std::string cCustListSyncItem::RecordUpdate_sv(int index) const {
     if (!InRange(index)) return {};
-    const std::uint8_t from = svFrom_[static_cast<size_t>(index)];
-    return from ? std::string(svSources_[from - 1u]->Text(index)) : std::string();
+    const ServerStamps* source = owner_->Source(index, position_);
+    return source ? std::string(source->Text(index)) : std::string();
 }
 
 std::string cCustListSyncItem::RecordUpdate_comp(int index) const {
-    return InRange(index) ? comp_[static_cast<size_t>(index)].Text() : std::string();
+    return InRange(index) ? owner_->CellAt(index, position_).comp.Text() : std::string();
 }
 
 void cCustListSyncItem::SetStamps(int index, LocalStamp local,
                                   const std::shared_ptr<const ServerStamps>& server,
                                   LocalStamp check) {
     if (!InRange(index)) return;
-    const auto i = static_cast<size_t>(index);
-    lc_[i] = std::move(local);
-    comp_[i] = std::move(check);
+    auto& cell = owner_->CellAt(index, position_);
+    cell.lc = std::move(local);
+    cell.comp = std::move(check);
+    owner_->SetSource(index, position_, server);
+}
+
+const LocalStamp& cCustListSyncItem::LocalStampAt(int index) const {
+    return owner_->CellAt(index, position_).lc;
+}
+
+const LocalStamp& cCustListSyncItem::CheckStampAt(int index) const {
+    return owner_->CellAt(index, position_).comp;
+}
+
+const ServerStamps* cCustListSync::Source(int index, size_t position) const {
+    const std::uint8_t from = CellAt(index, position).svFrom;
+    if (from == 0) return nullptr;
+    const Sources& sources = sources_[position];
+    return from == 1 ? sources.newest.get() : sources.older[from - 2u].get();
+}
+
+void cCustListSync::SetSource(int index, size_t position,
+                              const std::shared_ptr<const ServerStamps>& server) {
+    Cell& cell = CellAt(index, position);
     if (!server) {
-        svFrom_[i] = 0;
+        cell.svFrom = 0;
         return;
     }
-    if (svSources_.empty() || svSources_.back() != server) {
+    Sources& sources = sources_[position];
+    if (sources.newest != server) {
         // Rosters no stamp points into any more are let go before a new one is kept.
-        std::vector<std::shared_ptr<const ServerStamps>> kept;
-        std::array<std::uint8_t, kBackupTableCount> from{};
-        for (size_t j = 0; j < svFrom_.size(); ++j) {
-            if (!svFrom_[j] || j == i) continue;
-            const auto& source = svSources_[svFrom_[j] - 1u];
+        std::vector<std::shared_ptr<const ServerStamps>> older;
+        for (int j = 0; j < kBackupTableCount; ++j) {
+            Cell& other = CellAt(j, position);
+            if (!other.svFrom || j == index) continue;
+            const std::shared_ptr<const ServerStamps>& source =
+                other.svFrom == 1 ? sources.newest : sources.older[other.svFrom - 2u];
+            if (source == server) {
+                other.svFrom = 1;
+                continue;
+            }
             size_t k = 0;
-            while (k < kept.size() && kept[k] != source) ++k;
-            if (k == kept.size()) kept.push_back(source);
-            from[j] = static_cast<std::uint8_t>(k + 1);
+            while (k < older.size() && older[k] != source) ++k;
+            if (k == older.size()) older.push_back(source);
+            other.svFrom = static_cast<std::uint8_t>(k + 2);
         }
-        kept.push_back(server);
-        svSources_ = std::move(kept);
-        svFrom_ = from;
+        sources.newest = server;
+        sources.older = std::move(older);
     }
-    svFrom_[i] = static_cast<std::uint8_t>(svSources_.size());
+    cell.svFrom = 1;
 }
 
 void cCustListSync::SetTargetIDs(std::string enabled, std::string disabled) {
@@ -115,23 +147,39 @@ std::int32_t cCustListSync::CheckExistCustID(std::int32_t custId) const {
 cCustListSyncItem& cCustListSync::Add(const std::string& key, std::int32_t id) {
     if (!key.empty())
         if (auto* existing = Item(key)) return *existing;
-    auto item = std::make_unique<cCustListSyncItem>(id);
-    item->Key = key;
     const size_t position = items_.size();
+    items_.push_back(
+        std::make_unique<cCustListSyncItem>(cCustListSyncItem::Token{}, *this, position, key, id));
+    for (auto& table : tables_) table.emplace_back();
+    sources_.emplace_back();
+    ids_.push_back(id);
+    plainKey_.push_back(key == KeyOf(id));
     if (!key.empty()) byKey_.emplace(key, position);
     firstOfId_.push_back(byId_.emplace(id, position).second);  // keeps the first position
-    items_.push_back(std::move(item));
     return *items_.back();
 }
 
+void cCustListSync::Reserve(size_t count) {
+    items_.reserve(count);
+    for (auto& table : tables_) table.reserve(count);
+    sources_.reserve(count);
+    ids_.reserve(count);
+}
+
 cCustListSyncItem* cCustListSync::Item(std::string_view key) {
-    const auto it = byKey_.find(std::string(key));
-    return it == byKey_.end() ? nullptr : items_[it->second].get();
+    const auto position = PositionOf(key);
+    return position ? items_[*position].get() : nullptr;
 }
 
 const cCustListSyncItem* cCustListSync::Item(std::string_view key) const {
+    const auto position = PositionOf(key);
+    return position ? items_[*position].get() : nullptr;
+}
+
+std::optional<size_t> cCustListSync::PositionOf(std::string_view key) const {
     const auto it = byKey_.find(std::string(key));
-    return it == byKey_.end() ? nullptr : items_[it->second].get();
+    if (it == byKey_.end()) return std::nullopt;
+    return it->second;
 }
 
 const cCustListSyncItem* cCustListSync::FindById(std::int32_t custId) const {
@@ -144,23 +192,47 @@ cCustListSyncItem* cCustListSync::FindById(std::int32_t custId) {
     return it == byId_.end() ? nullptr : items_[it->second].get();
 }
 
-cCustListSyncItem* cCustListSync::FindById(std::int32_t custId, size_t& cursor) {
-    if (cursor < items_.size() && firstOfId_[cursor] && items_[cursor]->Id() == custId)
-        return items_[cursor++].get();
-    const auto it = byId_.find(custId);
-    if (it == byId_.end()) return nullptr;
-    cursor = it->second + 1;
-    return items_[it->second].get();
+std::optional<size_t> cCustListSync::KeyedPosition(std::int32_t id, size_t& cursor) const {
+    if (cursor < ids_.size() && firstOfId_[cursor] && ids_[cursor] == id && plainKey_[cursor])
+        return cursor++;
+    // The first item with the number, when its key names it; else whichever item the key
+    // names, whatever its number.
+    if (const auto it = byId_.find(id); it != byId_.end() && plainKey_[it->second]) {
+        cursor = it->second + 1;
+        return it->second;
+    }
+    return PositionOf(KeyOf(id));
+}
+
+void cCustListSync::Store(int index, size_t position, bool backuped, std::int32_t flag,
+                          LocalStamp local, const std::shared_ptr<const ServerStamps>& server,
+                          LocalStamp check) {
+    Cell& cell = CellAt(index, position);
+    cell.backuped = backuped;
+    cell.flag = flag;
+    cell.lc = std::move(local);
+    cell.comp = std::move(check);
+    SetSource(index, position, server);
 }
 
 void cCustListSync::Remove(std::string_view key) {
-    const auto it = byKey_.find(std::string(key));
-    if (it == byKey_.end()) return;
-    items_.erase(items_.begin() + static_cast<std::ptrdiff_t>(it->second));
+    const auto found = PositionOf(key);
+    if (!found) return;
+    const auto at = static_cast<std::ptrdiff_t>(*found);
+    items_.erase(items_.begin() + at);
+    for (auto& table : tables_) table.erase(table.begin() + at);
+    sources_.erase(sources_.begin() + at);
+    ids_.erase(ids_.begin() + at);
+    plainKey_.erase(plainKey_.begin() + at);
+    Reindex();
+}
+
+void cCustListSync::Reindex() {
     byKey_.clear();
     byId_.clear();
     firstOfId_.clear();
     for (size_t i = 0; i < items_.size(); ++i) {
+        items_[i]->position_ = i;
         if (!items_[i]->Key.empty()) byKey_.emplace(items_[i]->Key, i);
         firstOfId_.push_back(byId_.emplace(items_[i]->Id(), i).second);
     }

@@ -37,11 +37,20 @@ private:
     std::unique_ptr<Value> other_;  // a value that is neither Null nor a date
 };
 
-class cCustListSyncItem {
-public:
-    explicit cCustListSyncItem(std::int32_t id = 0);
+class cCustListSync;
 
-    std::string Key;
+// One customer of the snapshot. Its per-table answers live in the snapshot, one dense array
+// a table, so that a scan over one table writes in order; the item reads them in place.
+class cCustListSyncItem {
+    struct Token {};  // only the snapshot makes items
+
+public:
+    cCustListSyncItem(Token, cCustListSync& owner, size_t position, std::string key,
+                      std::int32_t id);
+    cCustListSyncItem(const cCustListSyncItem&) = delete;
+    cCustListSyncItem& operator=(const cCustListSyncItem&) = delete;
+
+    const std::string Key;
     std::int32_t Id() const { return id_; }
     std::string Code;
     std::string CorpName0;
@@ -60,24 +69,24 @@ public:
     // The server's stamp of the index is taken from the roster's stamps (none: "").
     void SetStamps(int index, LocalStamp local, const std::shared_ptr<const ServerStamps>& server,
                    LocalStamp check);
-    const LocalStamp& LocalStampAt(int index) const { return lc_[static_cast<size_t>(index)]; }
-    const LocalStamp& CheckStampAt(int index) const { return comp_[static_cast<size_t>(index)]; }
+    const LocalStamp& LocalStampAt(int index) const;
+    const LocalStamp& CheckStampAt(int index) const;
 
 private:
+    friend class cCustListSync;
     static bool InRange(int index) { return index >= 0 && index < kBackupTableCount; }
+    cCustListSync* owner_;
+    size_t position_;
     std::int32_t id_;
-    std::array<bool, kBackupTableCount> backuped_;
-    std::array<std::int32_t, kBackupTableCount> syncFlag_{};
-    std::array<LocalStamp, kBackupTableCount> lc_;
-    std::array<LocalStamp, kBackupTableCount> comp_;
-    // Where each server stamp comes from: 0 none, else a place in svSources_ counted from 1.
-    // A scan of one customer against a newer roster can mix rosters within one item.
-    std::array<std::uint8_t, kBackupTableCount> svFrom_{};
-    std::vector<std::shared_ptr<const ServerStamps>> svSources_;
 };
 
 class cCustListSync {
 public:
+    cCustListSync() = default;
+    // Items point back into the snapshot.
+    cCustListSync(const cCustListSync&) = delete;
+    cCustListSync& operator=(const cCustListSync&) = delete;
+
     // Comma texts of the last backup-target dialog.
     const std::string& EnabledIDs() const { return enabledIDs_; }
     const std::string& DisabledIDs() const { return disabledIDs_; }
@@ -88,6 +97,8 @@ public:
     // A new item under the key (none when empty); an existing key adds nothing and gives
     // the item it names.
     cCustListSyncItem& Add(const std::string& key, std::int32_t id = 0);
+    // Room for this many items, so that adding them moves no table.
+    void Reserve(size_t count);
     // The item under the key, or nullptr.
     cCustListSyncItem* Item(std::string_view key);
     const cCustListSyncItem* Item(std::string_view key) const;
@@ -95,20 +106,60 @@ public:
     // The first item, in stored order, with this customer number; in constant time.
     const cCustListSyncItem* FindById(std::int32_t custId) const;
     cCustListSyncItem* FindById(std::int32_t custId);
-    // The same, trying first the place after the last one found, so that a walk in the
-    // items' own order hashes nothing.
-    cCustListSyncItem* FindById(std::int32_t custId, size_t& cursor);
     std::int32_t Count() const { return static_cast<std::int32_t>(items_.size()); }
     void Remove(std::string_view key);
+
+    // For the table scan, which works on positions rather than items: the position of the
+    // item under the key "K" + id, trying first the place after the last one found, so that
+    // a walk in the items' own order hashes nothing.
+    std::optional<size_t> KeyedPosition(std::int32_t id, size_t& cursor) const;
+    std::optional<size_t> PositionOf(std::string_view key) const;
+    const cCustListSyncItem& ItemAt(size_t position) const { return *items_[position]; }
+    bool BackupedAt(int index, size_t position) const {
+        return tables_[static_cast<size_t>(index)][position].backuped;
+    }
+    // One table's answers for one customer, as the scan decides them; index in 0..52.
+    void Store(int index, size_t position, bool backuped, std::int32_t flag, LocalStamp local,
+               const std::shared_ptr<const ServerStamps>& server, LocalStamp check);
 
     auto begin() const { return items_.begin(); }
     auto end() const { return items_.end(); }
 
 private:
+    friend class cCustListSyncItem;
+
+    // One table of one customer.
+    struct Cell {
+        LocalStamp lc;
+        LocalStamp comp;
+        std::int32_t flag = 0;
+        bool backuped = true;
+        // Where the server stamp comes from: 0 none, 1 the customer's newest roster, k + 2
+        // older[k]. A scan of one customer against a newer roster can mix rosters.
+        std::uint8_t svFrom = 0;
+    };
+    struct Sources {
+        std::shared_ptr<const ServerStamps> newest;
+        std::vector<std::shared_ptr<const ServerStamps>> older;
+    };
+    Cell& CellAt(int index, size_t position) {
+        return tables_[static_cast<size_t>(index)][position];
+    }
+    const Cell& CellAt(int index, size_t position) const {
+        return tables_[static_cast<size_t>(index)][position];
+    }
+    const ServerStamps* Source(int index, size_t position) const;
+    void SetSource(int index, size_t position, const std::shared_ptr<const ServerStamps>& server);
+    void Reindex();
+
     std::vector<std::unique_ptr<cCustListSyncItem>> items_;
+    std::array<std::vector<Cell>, kBackupTableCount> tables_;  // per table, by position
+    std::vector<Sources> sources_;                             // by position
+    std::vector<std::int32_t> ids_;                            // by position
+    std::vector<bool> plainKey_;                               // by position: the key is "K" + id
     std::unordered_map<std::string, size_t> byKey_;
     std::unordered_map<std::int32_t, size_t> byId_;  // first position of each number
-    std::vector<bool> firstOfId_;                    // per position: byId_ names it
+    std::vector<bool> firstOfId_;                    // by position: byId_ names it
     std::string enabledIDs_;
     std::string disabledIDs_;
 };

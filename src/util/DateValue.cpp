@@ -171,6 +171,31 @@ std::optional<DateValue> DateValue::Parse(std::string_view text) {
     return FromCivil(t);
 }
 
+std::optional<DateValue> DateValue::ParseStamp(std::string_view s) {
+    auto two = [&](size_t at) {
+        const unsigned hi = static_cast<unsigned char>(s[at]) - '0';
+        const unsigned lo = static_cast<unsigned char>(s[at + 1]) - '0';
+        return hi < 10 && lo < 10 ? static_cast<int>(hi * 10 + lo) : -1;
+    };
+    if (s.size() == 19 && (s[4] == '/' || s[4] == '-') && s[7] == s[4] && s[10] == ' ' &&
+        s[13] == ':' && s[16] == ':') {
+        CivilTime t;
+        const int century = two(0), year = two(2);
+        t.month = two(5);
+        t.day = two(8);
+        t.hour = two(11);
+        t.minute = two(14);
+        t.second = two(17);
+        if (century >= 0 && year >= 0 && t.month >= 0 && t.day >= 0 && t.hour >= 0 &&
+            t.minute >= 0 && t.second >= 0) {
+            t.year = century * 100 + year;
+            if (!Valid(t)) return std::nullopt;
+            return FromCivil(t);
+        }
+    }
+    return Parse(s);
+}
+
 bool IsDateText(std::string_view text) { return DateValue::Parse(text).has_value(); }
 
 }  // namespace morvane

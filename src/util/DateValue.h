@@ -23,6 +23,9 @@ public:
     // Parses the stamp forms met in the system: "yyyy/MM/dd[ H:mm[:ss]]", the same with
     // "-" (the database's text), "yyyy年M月d日", and "M月d日" in the current year.
     static std::optional<DateValue> Parse(std::string_view text);
+    // The same result as Parse, read without its general walk when the text is a stamp in
+    // one of the two fixed forms, "yyyy/MM/dd hh:mm:ss" or "yyyy-MM-dd HH:MM:SS".
+    static std::optional<DateValue> ParseStamp(std::string_view text);
 
     double Days() const { return days_; }
     // Rounded to the nearest second, as every text form of a date is.

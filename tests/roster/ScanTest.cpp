@@ -2,6 +2,9 @@
 // against the scan of one.
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 #include "RosterTestUtil.h"
 #include "roster/cCustList.h"
 #include "store/StoreTestUtil.h"
@@ -15,7 +18,7 @@ constexpr const char* kT = "2024/05/01 10:00:00";
 constexpr const char* kLater = "2024/05/01 11:00:00";
 
 class ScanTest : public MorvaneTest {
-  protected:
+protected:
     void SetUp() override {
         MorvaneTest::SetUp();
         paths_ = CreateLocalDatabases(temp_.Path() / "data");
@@ -130,6 +133,25 @@ TEST_F(ScanTest, ScanOfOneJudgesMissingTablesTheScanOfAllLeaves) {
     Scan(1);
     EXPECT_EQ(Item(1).SyncFlag(8), 1);
     EXPECT_FALSE(Item(1).Backuped(8));
+}
+
+TEST_F(ScanTest, RemovingACustomerLeavesTheOthersAnswersInPlace) {
+    Scan(0);
+    auto answers = [&](int i) {
+        const auto& two = Item(2);
+        return std::to_string(two.SyncFlag(i)) + two.RecordUpdate_lc(i) + two.RecordUpdate_sv(i) +
+               two.RecordUpdate_comp(i) + (two.Backuped(i) ? "+" : "-");
+    };
+    std::vector<std::string> before;
+    for (int i = 0; i < kBackupTableCount; ++i) before.push_back(answers(i));
+    sync_.Remove("K1");
+    ASSERT_EQ(sync_.FindById(1), nullptr);
+    for (int i = 0; i < kBackupTableCount; ++i)
+        EXPECT_EQ(answers(i), before[static_cast<size_t>(i)]) << "table " << i;
+    // A later scan still writes to the right customer.
+    Scan(2);
+    EXPECT_EQ(Item(2).RecordUpdate_sv(25), kLater);
+    EXPECT_FALSE(Item(2).Backuped(25));
 }
 
 TEST_F(ScanTest, MissingPrefectureFileStopsAfterTheCustomerTables) {
