@@ -6,6 +6,7 @@
 #include <openssl/x509.h>
 #include <openssl/x509v3.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
@@ -94,6 +95,7 @@ struct TestServer::Impl {
     httplib::SSLServer server;
     std::string caFile;
     std::thread thread;
+    std::atomic<bool> ended{false};
     mutable std::mutex mutex;
     std::map<std::string, Handler> handlers;
     std::vector<RecordedRequest> requests;
@@ -129,10 +131,13 @@ TestServer::TestServer() : impl_(std::make_unique<Impl>(SharedCertificate())) {
     });
     port_ = impl_->server.bind_to_any_port("127.0.0.1");
     if (port_ <= 0) throw std::runtime_error("test server: cannot bind");
-    impl_->thread = std::thread([this] { impl_->server.listen_after_bind(); });
-    // A stop before the loop runs would be lost, and the join would wait for ever.
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (!impl_->server.is_running() && std::chrono::steady_clock::now() < deadline)
+    impl_->thread = std::thread([this] {
+        impl_->server.listen_after_bind();
+        impl_->ended = true;
+    });
+    // A stop before the loop runs would be lost, and the join would wait for ever; so wait
+    // for the loop (or its end), however long a loaded machine takes.
+    while (!impl_->server.is_running() && !impl_->ended)
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
 
