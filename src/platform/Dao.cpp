@@ -50,28 +50,31 @@ namespace fs = std::filesystem;
     }
 }
 
-// "YYYY-MM-DD HH:MM:SS" or "YYYY-MM-DD", the form this layer stores dates in.
+// "YYYY-MM-DD HH:MM:SS" or "YYYY-MM-DD", the form this layer stores dates in. Every stamp of
+// a table scan comes through here, so the fields are read at fixed places in one pass.
 std::optional<DateValue> ParseStoredDate(std::string_view s) {
-    auto digits = [&](size_t at, size_t n, int& out) {
-        out = 0;
-        for (size_t i = at; i < at + n; ++i) {
-            if (s[i] < '0' || s[i] > '9') return false;
-            out = out * 10 + (s[i] - '0');
-        }
-        return true;
-    };
-    CivilTime t;
-    if (s.size() != 19 && s.size() != 10) return std::nullopt;
+    const bool withTime = s.size() == 19;
+    if (!withTime && s.size() != 10) return std::nullopt;
     if (s[4] != '-' || s[7] != '-') return std::nullopt;
-    if (!digits(0, 4, t.year) || !digits(5, 2, t.month) || !digits(8, 2, t.day))
-        return std::nullopt;
-    if (s.size() == 19) {
-        if (s[10] != ' ' || s[13] != ':' || s[16] != ':') return std::nullopt;
-        if (!digits(11, 2, t.hour) || !digits(14, 2, t.minute) || !digits(17, 2, t.second))
-            return std::nullopt;
+    if (withTime && (s[10] != ' ' || s[13] != ':' || s[16] != ':')) return std::nullopt;
+    unsigned bad = 0;
+    auto digit = [&](size_t i) {
+        const unsigned d = static_cast<unsigned char>(s[i]) - unsigned{'0'};
+        bad |= d > 9;
+        return static_cast<int>(d);
+    };
+    auto two = [&](size_t i) { return digit(i) * 10 + digit(i + 1); };
+    CivilTime t;
+    t.year = two(0) * 100 + two(2);
+    t.month = two(5);
+    t.day = two(8);
+    if (withTime) {
+        t.hour = two(11);
+        t.minute = two(14);
+        t.second = two(17);
     }
-    if (t.month < 1 || t.month > 12 || t.day < 1 || t.day > 31 || t.hour > 23 || t.minute > 59 ||
-        t.second > 59)
+    if (bad || t.month < 1 || t.month > 12 || t.day < 1 || t.day > 31 || t.hour > 23 ||
+        t.minute > 59 || t.second > 59)
         return std::nullopt;
     return DateValue::FromCivil(t);
 }

@@ -14,8 +14,22 @@ void GlobalInitOnce() {
     std::call_once(once, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
 }
 
+struct Sink {
+    CURL* curl;
+    std::string* body;
+};
+
 size_t Collect(char* data, size_t size, size_t count, void* user) {
-    static_cast<std::string*>(user)->append(data, size * count);
+    const Sink& sink = *static_cast<Sink*>(user);
+    if (sink.body->empty()) {
+        // A large reply announced by its length is kept in one buffer from the start.
+        curl_off_t length = -1;
+        constexpr curl_off_t kMostReserved = curl_off_t{1} << 30;
+        if (curl_easy_getinfo(sink.curl, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length) == CURLE_OK &&
+            length > 0 && length <= kMostReserved)
+            sink.body->reserve(static_cast<size_t>(length));
+    }
+    sink.body->append(data, size * count);
     return size * count;
 }
 
@@ -84,7 +98,8 @@ HttpReply HttpClient::Post(const std::string& url, const HttpHeaders& headers,
     curl_easy_setopt(c, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
     curl_easy_setopt(c, CURLOPT_HTTPHEADER, list.get());
     curl_easy_setopt(c, CURLOPT_WRITEFUNCTION, Collect);
-    curl_easy_setopt(c, CURLOPT_WRITEDATA, &reply.body);
+    Sink sink{c, &reply.body};
+    curl_easy_setopt(c, CURLOPT_WRITEDATA, &sink);
     curl_easy_setopt(c, CURLOPT_ERRORBUFFER, errbuf);
     curl_easy_setopt(c, CURLOPT_NOSIGNAL, 1L);
     curl_easy_setopt(c, CURLOPT_SSL_VERIFYPEER, 1L);

@@ -41,9 +41,9 @@ platform::HttpReply PostWithHeaders(const std::string& url, const platform::Http
 
 std::string PostToServer(std::string_view path, std::string_view postData) {
     // No retry, no judgement: a failure is the empty text, and the reply check tells the user.
-    const platform::HttpReply reply =
+    platform::HttpReply reply =
         PostWithHeaders(GetServerBaseURL() + std::string(path), {}, postData);
-    return reply.transported ? reply.body : std::string();
+    return reply.transported ? std::move(reply.body) : std::string();
 }
 
 std::string SendRequestRaw(std::string_view path, std::string_view postData) {
