@@ -130,8 +130,9 @@ std::string DecryptText(std::string_view cipher, std::string_view passPhrase) {
     const auto parts = Split(cipher, " ");
     std::vector<std::uint8_t> bytes(parts.size(), 0);
     for (size_t i = 0; i < parts.size(); ++i) {
-        const auto v = RoundToLong(LeadingNumber(parts[i]));
-        if (v && *v >= 0 && *v <= 255) bytes[i] = static_cast<std::uint8_t>(*v);
+        // Judged before rounding: 255.4 lies outside the byte range and is not rounded in.
+        const double v = LeadingNumber(parts[i]);
+        if (v >= 0 && v <= 255) bytes[i] = static_cast<std::uint8_t>(RoundToLong(v).value_or(0));
     }
     Cipher(bytes, passPhrase);
     return FromUtf16Bytes(bytes);

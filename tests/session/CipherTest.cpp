@@ -51,6 +51,10 @@ TEST(CipherTest, DecipheringBadTextNeverFails) {
     // Out-of-range and non-numeric elements give zero bytes; an odd last byte is dropped.
     EXPECT_EQ(DecryptText("81 0 300 0", kPhrase), std::string("a") + "1");
     EXPECT_EQ(DecryptText("x y", kPhrase), "0");
+    // The range is judged on the number as written: 255.4 is outside it and gives a zero
+    // byte, never 255; a fraction inside it is rounded.
+    EXPECT_EQ(DecryptText("81 0 255.4 0", kPhrase), "a1");
+    EXPECT_EQ(DecryptText("81 0 0.6 0", kPhrase), "a0");
     EXPECT_NO_THROW(DecryptText("81  0 -5 1e9 65535 ", kPhrase));
     EXPECT_NO_THROW(DecryptText(std::string("\xff\xfe\x00", 3), kPhrase));
     EXPECT_NO_THROW(EncryptText(std::string("\xff\xc3", 2), kPhrase));
