@@ -81,6 +81,10 @@ TEST_F(ReplyCheckTest, FlagsMinusOneWithoutTokenEndsTheLogin) {
     EXPECT_EQ(GetLoginToken(), "");  // the empty token is stored too
     ASSERT_EQ(kit_->Boxes().size(), 1u);
     EXPECT_EQ(kit_->Boxes()[0].text, "データの通信に失敗しました。　");
+    // Without a token the user must log in again, after the message.
+    ASSERT_EQ(kit_->ShownForms().size(), 1u);
+    EXPECT_EQ(kit_->ShownForms()[0].form, "frmLogin");
+    EXPECT_EQ(kit_->ShownForms()[0].owner, "");
 }
 
 TEST_F(ReplyCheckTest, FlagsMinusTwoTellsOfTheLock) {
@@ -94,10 +98,13 @@ TEST_F(ReplyCheckTest, FlagsMinusTwoTellsOfTheLock) {
     EXPECT_EQ(kit_->Boxes()[0].title, "サーバーデータの更新");
     EXPECT_EQ(kit_->Boxes()[0].icon, MsgIcon::Exclamation);
 
+    EXPECT_TRUE(kit_->ShownForms().empty());
+
     kit_->ClearRecords();
     EXPECT_EQ(Send(Envelope(-2, "")), "");
     EXPECT_EQ(GetLoginState(), 0);
     EXPECT_EQ(kit_->Boxes().size(), 1u);
+    EXPECT_EQ(kit_->ShownForms().size(), 1u);
 }
 
 TEST_F(ReplyCheckTest, OtherFlagsStayAsSentWithoutAWord) {
@@ -118,6 +125,13 @@ TEST_F(ReplyCheckTest, UnreadableRepliesTellOnceAndReset) {
           std::string("<root><flags>1</flags><token>x</token></root>"),
           std::string(
               "<root><system><flags>1</flags><flags>1</flags><token>x</token></system></root>"),
+          std::string("<root><system><flags>1</flags><token>x</token><token>y</token></system>"
+                      "</root>"),
+          std::string("<root><system><flags>1</flags><token>x</token></system>"
+                      "<system><flags>1</flags><token>x</token></system></root>"),
+          // The envelope's names are taken exactly as written.
+          std::string("<root><System><flags>1</flags><token>x</token></System></root>"),
+          std::string("<root><system><Flags>1</Flags><token>x</token></system></root>"),
           std::string("not xml at all")}) {
         LogIn("T1");
         EXPECT_EQ(Send(reply), "") << reply;
@@ -126,6 +140,7 @@ TEST_F(ReplyCheckTest, UnreadableRepliesTellOnceAndReset) {
         ASSERT_EQ(kit_->Boxes().size(), 1u) << reply;
         EXPECT_EQ(kit_->Boxes()[0].text, kThreeLines);
         EXPECT_EQ(kit_->Boxes()[0].title, "サーバー通信エラー");
+        EXPECT_TRUE(kit_->ShownForms().empty()) << reply;  // no login dialog here
     }
 }
 
