@@ -187,9 +187,21 @@ TEST_F(ReplyCheckTest, ProgressFormRunsTheExchangeOnceUnlessTheOptionIsOne) {
     EXPECT_EQ(server_->RequestsTo("customer/getCompKihon.php").size(), 1u);
     EXPECT_TRUE(kit_->Unanswered().empty());  // it hid itself
 
-    // An empty body sends nothing.
+    // An empty body or path sends nothing.
     EXPECT_EQ(SendRequestProgress("customer/getCompKihon.php", "", "", nullptr), "");
+    EXPECT_EQ(SendRequestProgress("", "ID=a&", "", nullptr), "");
     EXPECT_EQ(server_->RequestsTo("customer/getCompKihon.php").size(), 1u);
+    EXPECT_EQ(server_->Requests().size(), 1u);
+
+    // Becoming the active window again, as after a box over it, does not post again.
+    frmSendRequestProgress form(State().Toolkit());
+    form.Load();
+    form.SetURL("customer/getCompKihon.php");
+    form.SetPostData("ID=a&");
+    form.ShowModal(nullptr);
+    form.Activate();
+    EXPECT_EQ(server_->RequestsTo("customer/getCompKihon.php").size(), 2u);
+    EXPECT_NE(form.ReturnString(), "");
 
     kit_->ClearRecords();
     State().objectUsage = 1;
