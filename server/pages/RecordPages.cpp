@@ -1,5 +1,6 @@
 // The generic pages of every declared kind: get pages send what is stored, set pages store
 // what the body holds.
+#include <algorithm>
 #include <set>
 
 #include "server/pages/Service.h"
@@ -129,13 +130,20 @@ void Service::SetRecordPage(Call& call, const SetPageDecl& page) {
     for (const auto& target : page.targets) {
         const auto& store = StoreNamed(target.store);
         if (!store.list) {
-            records_.UpdateRecord(place, store.name, picked(FieldsOf(store, target.fields)));
+            const auto fields = picked(FieldsOf(store, target.fields));
+            records_.UpdateRecord(place, store.name, fields);
+            const bool quiet = std::all_of(fields.begin(), fields.end(), [&](const auto& field) {
+                return std::find(store.quietFields.begin(), store.quietFields.end(), field.first) !=
+                       store.quietFields.end();
+            });
+            if (quiet) continue;
         } else {
             const bool disableAll = call.body.Has("DISABLEDALL");
             const auto itemId = call.body.GetOr(store.ItemIdKey());
-            if (itemId.empty() && !disableAll) throw PageFailure(-1, "no item ID");
-            if (disableAll || (store.singleItem && !itemId.empty()))
-                records_.ClearList(place, store.name);
+            // A single item posted without an ID is a form whose row the office no longer has.
+            if (itemId.empty() && !disableAll && !store.singleItem)
+                throw PageFailure(-1, "no item ID");
+            if (disableAll || store.singleItem) records_.ClearList(place, store.name);
             if (!itemId.empty()) {
                 const std::int64_t order =
                     store.orderKey.empty() ? 0 : LeadingNumber(call.body.GetOr(store.orderKey));

@@ -51,7 +51,13 @@ void Service::AddRosterRoutes() {
                     fields.emplace_back(name, *value);
                 }
             }
-            if (!records_.CustomerExists(account, customer)) {
+            if (records_.CustomerExists(account, customer)) {
+                // The add sends the short kana as the kana name; a record with its own keeps it.
+                const auto kihon = records_.Record({account, customer, ""}, "Kihon");
+                const auto kana = kihon.find("CorpKana0");
+                if (kana != kihon.end() && !kana->second.empty())
+                    std::erase_if(fields, [](const auto& f) { return f.first == "CorpKana0"; });
+            } else {
                 const auto max = accounts_.AccountById(account)->fields.maxCustomer;
                 const int flag = max <= 0 || records_.EnabledCount(account) < max ? 1 : 0;
                 records_.CreateCustomer(account, customer, flag);

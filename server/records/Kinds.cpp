@@ -192,9 +192,16 @@ Catalogue::Catalogue() {
     const Scope C = Scope::Customer;
 
     // Customer record kinds.
-    stores_.push_back({"Kihon", C, false, false, "", "", KihonFields()});
-    stores_.push_back({"Gyoshu", C, false, false, "", "",
-                       Join({Numbered("EPmtCheck", 1, 31), Numbered("EPmtDate", 1, 31)})});
+    stores_.push_back(
+        {"Kihon", C, false, false, "", "", KihonFields(), {"Code", "KanriNendoNyusatsu"}});
+    stores_.push_back({"Gyoshu",
+                       C,
+                       false,
+                       false,
+                       "",
+                       "",
+                       Join({Numbered("EPmtCheck", 1, 31), Numbered("EPmtDate", 1, 31)}),
+                       {}});
     stores_.push_back(List("Shokuin", C, "Shokuin", "vno", ShokuinFields()));
     stores_.push_back(
         List("Eigyosho", C, "Eigyosho", "vno",

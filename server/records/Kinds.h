@@ -27,6 +27,9 @@ struct StoreDecl {
     std::string orderKey;
     // Declared spelling is the XML tag; body keys match it without case.
     std::vector<std::string> fields;
+    // Fields no reader compares: a write of these alone leaves the stamp, which would otherwise
+    // make an unchanged record look changed on the server while the office changed it too.
+    std::vector<std::string> quietFields;
 
     std::string ItemIdKey() const { return stem + "ItemID"; }
 };

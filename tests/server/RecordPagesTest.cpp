@@ -150,6 +150,100 @@ TEST_F(ServerTest, KihonUploadWithTheClientsKeysReadsBackUnderTheRecordsTags) {
     EXPECT_EQ(after.at("ADDR0"), "東京都");
 }
 
+TEST_F(ServerTest, CodeOrAgencyYearAloneLeaveTheRecordStampWhereNoReaderLooks) {
+    Login u = LogIn();
+    CreateCustomer(u, 9);
+    ASSERT_EQ(Call(u, "customer/setCompKihon.php", "CustomerID=9&CorpName0=旧&MinName=M&").Flags(),
+              1);
+    const auto stampOf = [&](const char* path) {
+        return std::string(
+            Call(u, path, "CustomerID=9&").Payload("Customer").child("RecordUpdate").text().get());
+    };
+    const std::string kihon = stampOf("customer/getCompKihon.php");
+    const std::string gyoshu = stampOf("customer/getCompGyoshu.php");
+    ASSERT_FALSE(kihon.empty());
+    clock_->Advance(2min);
+    // The code travels with the roster and the agency year only upward: a moved stamp here
+    // would show the local record as changed on both sides.
+    ASSERT_EQ(Call(u, "customer/setCompKihon.php", "CustomerID=9&Code=NEW&").Flags(), 1);
+    ASSERT_EQ(Call(u, "customer/setCompKihon.php", "CustomerID=9&KanriNendoNyusatsu=2025&").Flags(),
+              1);
+    EXPECT_EQ(stampOf("customer/getCompKihon.php"), kihon);
+    EXPECT_EQ(stampOf("customer/getCompGyoshu.php"), gyoshu);
+    auto item = Call(u, "customer/getCompList.php", "").Payload("compList").child("compItem");
+    EXPECT_STREQ(item.child("Code").text().get(), "NEW");
+    EXPECT_EQ(item.child("RecordUpdate0").text().get(), kihon);
+    EXPECT_EQ(ChildrenOf(Call(u, "customer/getCompKihon.php", "CustomerID=9&")
+                             .Payload("Customer")
+                             .child("CompKihon"))
+                  .at("CODE"),
+              "NEW");
+
+    ASSERT_EQ(Call(u, "customer/setCompKihon.php", "CustomerID=9&Code=N2&CorpName0=新&").Flags(),
+              1);
+    EXPECT_GT(stampOf("customer/getCompKihon.php"), kihon) << "a compared field moves it";
+}
+
+TEST_F(ServerTest, AddingACustomerThatExistsKeepsItsKanaNameAndStamp) {
+    Login u = LogIn();
+    CreateCustomer(u, 10);
+    ASSERT_EQ(Call(u, "customer/setCompKihon.php", "CustomerID=10&CorpKana0=カブシキガイシャエー&")
+                  .Flags(),
+              1);
+    const auto stamp = [&] {
+        return std::string(Call(u, "customer/getCompKihon.php", "CustomerID=10&")
+                               .Payload("Customer")
+                               .child("RecordUpdate")
+                               .text()
+                               .get());
+    };
+    const std::string before = stamp();
+    clock_->Advance(2min);
+    // The add carries the short kana under the kana name's key.
+    ASSERT_EQ(Call(u, "customer/createCompKihon.php",
+                   "CustomerID=10&Code=C10&CorpName0=エー&CorpKanaS=エー&CorpKana0=エー&", "id")
+                  .Flags(),
+              1);
+    const auto after = ChildrenOf(Call(u, "customer/getCompKihon.php", "CustomerID=10&")
+                                      .Payload("Customer")
+                                      .child("CompKihon"));
+    EXPECT_EQ(after.at("CORPKANA0"), "カブシキガイシャエー");
+    EXPECT_EQ(after.at("CORPNAME0"), "エー");
+    EXPECT_EQ(after.at("CORPKANAS"), "エー");
+    EXPECT_EQ(after.at("CODE"), "C10");
+    EXPECT_EQ(stamp(), before);
+}
+
+TEST_F(ServerTest, DelegationFormWithoutAMainRowIsAcceptedAndReadsAsEmpty) {
+    Login u = LogIn();
+    CreateCustomer(u, 11);
+    ASSERT_EQ(Call(u, "prefcust/99/setIninMain.php",
+                   "CustomerID=11&IninMainItemID=4&vno=1&MakeDate=&SubShokuin=s&SelectDetail=1&"
+                   "SelectSubShokuin=0&PrintDate=0&PrintSubShokuin=0&")
+                  .Flags(),
+              1);
+    // A form whose main row is gone locally: the main post carries an empty item ID.
+    Reply set = Call(u, "prefcust/99/setIninMain.php",
+                     "CustomerID=11&IninMainItemID=&vno=&MakeDate=&SubShokuin=&SelectDetail=&"
+                     "SelectSubShokuin=&PrintDate=&PrintSubShokuin=&");
+    ASSERT_EQ(set.Flags(), 1) << set.text;
+    ASSERT_EQ(Call(u, "prefcust/99/setIninSub.php",
+                   "CustomerID=11&IninSubItemID=1&DISABLEDALL=DISABLEDALL&vno=1&IninTitle=t&"
+                   "IninDetail0=&IninDetail1=&IninDetail2=&IninDetail3=&")
+                  .Flags(),
+              1);
+    Reply main = Call(u, "prefcust/99/getIninMain.php", "CustomerID=11&");
+    auto mainList = ReadList(main, "Customer", "IninMain", {});
+    ASSERT_TRUE(mainList) << main.text;
+    EXPECT_TRUE(mainList->empty()) << "the server holds what the office holds: no main row";
+    auto subs = ReadList(Call(u, "prefcust/99/getIninSub.php", "CustomerID=11&"), "Customer",
+                         "IninSub", {"vno", "IninTitle", "IninDetail3"});
+    ASSERT_TRUE(subs);
+    EXPECT_EQ(subs->size(), 1u);
+    EXPECT_EQ(Call(u, "customer/setMemo.php", "CustomerID=11&History=h&").Flags(), -1)
+        << "other lists still need an item ID";
+}
+
 TEST_F(ServerTest, MainPageAddsStaffCountAndDetailsCarryOneCombinedStamp) {
     Login u = LogIn();
     CreateCustomer(u, 2);
