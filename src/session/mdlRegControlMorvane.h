@@ -7,7 +7,7 @@
 
 namespace morvane {
 
-// The value, or the default when it is missing or reads as nothing.
+// The value, or the default when it is missing (a value stored empty reads as empty).
 std::string ReadSettingValue(std::string_view application, std::string_view section,
                              std::string_view name, std::string_view defaultValue,
                              std::string_view root, std::string_view basePath);

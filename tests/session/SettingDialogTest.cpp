@@ -65,11 +65,12 @@ TEST_F(SettingDialogTest, LoadShowsTheStoredValues) {
         EXPECT_FALSE(f.Get<forms::Label>("lblConnectinInfo").Visible());
         EXPECT_TRUE(kit_->TimerLive("frmMorvaneSetting", "tmrClipboard"));
     }));
-    // Without a stored server the service's default is shown; state 99 shows the note.
+    // A server stored empty stays empty (only a missing one gets the service's default);
+    // state 99 shows the note.
     SetSetting(reg::kServerName, "");
-    State().Settings();
     obj_.SetDisableMorvane();
     EXPECT_TRUE(Show([](forms::Form& f) {
+        EXPECT_EQ(f.Get<forms::ComboBox>("cboServerName").Text(), "");
         EXPECT_TRUE(f.Get<forms::Label>("lblConnectinInfo").Visible());
         EXPECT_EQ(f.Get<forms::Label>("lblConnectinInfo").Text(), "（未接続）");
     }));
