@@ -1,5 +1,7 @@
 #include "platform/Forms.h"
 
+#include "platform/Trash.h"
+
 #include <algorithm>
 #include <map>
 #include <stdexcept>
@@ -261,6 +263,6 @@ void HeadlessToolkit::RunModal(Form& form, Form* /*owner*/) {
 
 MsgResult HeadlessToolkit::MessageBox(const MessageBoxRequest& box) { return DefaultResult(box); }
 
-int HeadlessToolkit::MoveToTrash(const std::string& /*path*/) { return 1; }
+int HeadlessToolkit::MoveToTrash(const std::string& path) { return platform::MoveToTrash(path); }
 
 }  // namespace morvane::forms

@@ -1,0 +1,103 @@
+#include "platform/Trash.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <ctime>
+#include <string>
+
+namespace morvane::platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Percent-encodes what a trash note's path may not hold as it is.
+std::string EscapePath(const std::string& path) {
+    static constexpr char kHex[] = "0123456789ABCDEF";
+    std::string out;
+    for (const char ch : path) {
+        const unsigned char c = static_cast<unsigned char>(ch);
+        const bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
+                           (c >= '0' && c <= '9') ||
+                           std::string_view("/-_.~").find(ch) != std::string_view::npos;
+        if (plain) {
+            out += ch;
+        } else {
+            out += '%';
+            out += kHex[c >> 4];
+            out += kHex[c & 15];
+        }
+    }
+    return out;
+}
+
+std::string LocalTimeText() {
+    std::time_t now = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&now, &local);
+    char buf[32];
+    std::strftime(buf, sizeof buf, "%Y-%m-%dT%H:%M:%S", &local);
+    return buf;
+}
+
+// Creates info/<name>.trashinfo exclusively, so two deletions never take one name.
+int ClaimName(const fs::path& infoDir, const std::string& name, const std::string& note) {
+    const fs::path info = infoDir / (name + ".trashinfo");
+    const int fd = ::open(info.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (fd < 0) return errno;
+    const ssize_t written = ::write(fd, note.data(), note.size());
+    const int err = written == static_cast<ssize_t>(note.size()) ? 0 : EIO;
+    ::close(fd);
+    if (err) ::unlink(info.c_str());
+    return err;
+}
+
+}  // namespace
+
+fs::path TrashFolder() {
+    if (const char* data = std::getenv("XDG_DATA_HOME"); data && *data)
+        return fs::path(data) / "Trash";
+    if (const char* home = std::getenv("HOME"); home && *home)
+        return fs::path(home) / ".local" / "share" / "Trash";
+    return {};
+}
+
+int MoveToTrash(const fs::path& file) {
+    std::error_code ec;
+    const fs::path source = fs::absolute(file, ec);
+    if (ec || !fs::exists(fs::symlink_status(source, ec))) return ENOENT;
+    const fs::path trash = TrashFolder();
+    if (trash.empty()) return ENOENT;
+    fs::create_directories(trash / "files", ec);
+    fs::create_directories(trash / "info", ec);
+    if (ec) return ec.value();
+
+    const std::string note = "[Trash Info]\nPath=" + EscapePath(source.string()) +
+                             "\nDeletionDate=" + LocalTimeText() + "\n";
+    const std::string stem = source.filename().string();
+    for (int n = 1; n < 10000; ++n) {
+        const std::string name = n == 1 ? stem : stem + "." + std::to_string(n);
+        const int claimed = ClaimName(trash / "info", name, note);
+        if (claimed == EEXIST) continue;
+        if (claimed) return claimed;
+        const fs::path target = trash / "files" / name;
+        fs::rename(source, target, ec);
+        if (ec == std::errc::cross_device_link) {
+            // Another file system: copy, then remove the original only once the copy is whole.
+            ec.clear();
+            fs::copy(source, target, fs::copy_options::recursive, ec);
+            if (!ec) fs::remove_all(source, ec);
+        }
+        if (ec) {
+            std::error_code ignored;
+            fs::remove(trash / "info" / (name + ".trashinfo"), ignored);
+            return ec.value();
+        }
+        return 0;
+    }
+    return EEXIST;
+}
+
+}  // namespace morvane::platform

@@ -1,0 +1,73 @@
+// Deleting with undo: the file goes into the user's trash with a note of where it was.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+#include "platform/Forms.h"
+#include "platform/Trash.h"
+#include "support/TempDir.h"
+
+namespace morvane::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class TrashTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        const char* old = std::getenv("XDG_DATA_HOME");
+        saved_ = old ? old : "";
+        ::setenv("XDG_DATA_HOME", (dir_.Path() / "data").c_str(), 1);
+    }
+    void TearDown() override {
+        if (saved_.empty())
+            ::unsetenv("XDG_DATA_HOME");
+        else
+            ::setenv("XDG_DATA_HOME", saved_.c_str(), 1);
+    }
+    fs::path Write(const std::string& name, const std::string& text) {
+        const fs::path p = dir_.Path() / "work" / name;
+        fs::create_directories(p.parent_path());
+        std::ofstream(p) << text;
+        return p;
+    }
+    static std::string Read(const fs::path& p) {
+        std::ifstream in(p);
+        std::stringstream s;
+        s << in.rdbuf();
+        return s.str();
+    }
+
+    TempDir dir_;
+    std::string saved_;
+};
+
+TEST_F(TrashTest, FileMovesWithItsNoteAndNamesNeverCollide) {
+    const fs::path trash = dir_.Path() / "data" / "Trash";
+    EXPECT_EQ(platform::TrashFolder(), trash);
+    const fs::path first = Write("決算 2024.pdf", "one");
+    ASSERT_EQ(platform::MoveToTrash(first), 0);
+    EXPECT_FALSE(fs::exists(first));
+    EXPECT_EQ(Read(trash / "files" / "決算 2024.pdf"), "one");
+    const std::string note = Read(trash / "info" / "決算 2024.pdf.trashinfo");
+    EXPECT_NE(note.find("[Trash Info]\nPath="), std::string::npos);
+    EXPECT_NE(note.find("%E6%B1%BA%E7%AE%97%202024.pdf"), std::string::npos);
+    EXPECT_NE(note.find("DeletionDate="), std::string::npos);
+
+    // A second file of the same name keeps the first one in the trash.
+    const fs::path second = Write("決算 2024.pdf", "two");
+    forms::HeadlessToolkit kit;
+    ASSERT_EQ(kit.MoveToTrash(second.string()), 0);
+    EXPECT_EQ(Read(trash / "files" / "決算 2024.pdf"), "one");
+    EXPECT_EQ(Read(trash / "files" / "決算 2024.pdf.2"), "two");
+}
+
+TEST_F(TrashTest, MissingFileIsAnErrorAndNothingIsWritten) {
+    EXPECT_NE(platform::MoveToTrash(dir_.Path() / "work" / "none.pdf"), 0);
+    EXPECT_FALSE(fs::exists(dir_.Path() / "data" / "Trash" / "info" / "none.pdf.trashinfo"));
+}
+
+}  // namespace
+}  // namespace morvane::test
