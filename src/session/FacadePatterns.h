@@ -74,11 +74,14 @@ std::int32_t CompareJudged(std::unique_ptr<Worker>& slot, const Request& request
                            const std::function<std::int32_t(Worker&)>& compare, Keep keep,
                            const Factory<Worker>& make = MakeDefault<Worker>) {
     try {
-        const JudgedReply reply = FetchJudged(request);
+        JudgedReply reply = FetchJudged(request);
         if (GetLoginState() != 1) return detail::FailureEnd(slot);
         slot.reset();
         slot = make();
         if (!read(*slot, reply)) return detail::FailureEnd(slot);
+        // The worker holds what it read: a large reply and its tree are not kept through
+        // the comparison.
+        reply = JudgedReply();
         const std::int32_t result = compare(*slot);
         const bool kept = keep == Keep::NonZero   ? result != 0
                           : keep == Keep::OnlyOne ? result == 1
