@@ -6,9 +6,7 @@
 
 namespace morvane {
 
-void ctrlMorvane::UpdateServerTimeOffset() {
-    morvane::UpdateServerTimeOffset();
-}
+void ctrlMorvane::UpdateServerTimeOffset() { morvane::UpdateServerTimeOffset(); }
 std::string ctrlMorvane::InetServerTimeOffset() const {
     return DoubleText(State().inetServerTimeOffset);
 }

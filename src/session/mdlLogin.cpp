@@ -76,8 +76,7 @@ bool ParseLoginAccount(std::string_view reply) {
     const auto account = OnlySection(*doc, "account");
     if (!account) return false;
     static constexpr std::array<std::string_view, 6> kNames = {
-        "UserName", "ContractorName", "ContractBegin", "ContractEnd", "SharedCount",
-        "MaxCustomer"};
+        "UserName", "ContractorName", "ContractBegin", "ContractEnd", "SharedCount", "MaxCustomer"};
     std::array<std::optional<std::string>, 6> found;
     for (const auto& child : account->Children()) {
         for (size_t i = 0; i < kNames.size(); ++i)

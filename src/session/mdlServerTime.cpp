@@ -67,9 +67,7 @@ double MeasureServerTimeOffset() {
     return result - DateValue::kOneSecond;
 }
 
-void UpdateServerTimeOffset() {
-    State().inetServerTimeOffset = MeasureServerTimeOffset();
-}
+void UpdateServerTimeOffset() { State().inetServerTimeOffset = MeasureServerTimeOffset(); }
 
 double MeasureDataFolderTimeOffset(std::string_view path) {
     try {

@@ -108,15 +108,9 @@ std::string MasterRows(const SampleDataOptions& o) {
 
 }  // namespace
 
-std::string CustomerSchemaSql() {
-    return schema::k_customer;
-}
-std::string MasterSchemaSql() {
-    return schema::k_master;
-}
-std::string PrefCustomSchemaSql() {
-    return schema::k_prefcustom;
-}
+std::string CustomerSchemaSql() { return schema::k_customer; }
+std::string MasterSchemaSql() { return schema::k_master; }
+std::string PrefCustomSchemaSql() { return schema::k_prefcustom; }
 
 LocalDatabasePaths CreateLocalDatabases(const fs::path& folder, const SampleDataOptions& options) {
     std::error_code ec;

@@ -10,15 +10,9 @@
 
 namespace morvane {
 
-std::string ctrlMorvane::InetDateServer() const {
-    return State().inetDateServer;
-}
-std::string ctrlMorvane::InetDateLocal() const {
-    return State().inetDateLocal;
-}
-std::string ctrlMorvane::InetDateCheck() const {
-    return State().inetDateCheck;
-}
+std::string ctrlMorvane::InetDateServer() const { return State().inetDateServer; }
+std::string ctrlMorvane::InetDateLocal() const { return State().inetDateLocal; }
+std::string ctrlMorvane::InetDateCheck() const { return State().inetDateCheck; }
 
 std::int32_t ctrlMorvane::ShowCompareMsg(forms::Form* OwnerForm, const std::string& DataTitle,
                                          const Value&, const Value&, const Value&, const Value&) {

@@ -10,7 +10,7 @@
 namespace morvane {
 
 class frmSelectCompareMsg final : public forms::Form {
-  public:
+public:
     explicit frmSelectCompareMsg(forms::Toolkit& toolkit);
 
     // The data's title and the three stamps of the comparison that gave 3.
@@ -19,10 +19,10 @@ class frmSelectCompareMsg final : public forms::Form {
     // 0 cancelled, 1 the server's data, 2 the local data.
     std::int32_t DlgResult() const { return dlgResult_; }
 
-  protected:
+protected:
     void OnLoad() override;
 
-  private:
+private:
     void Select(int index);
 
     std::string server_, local_, check_;

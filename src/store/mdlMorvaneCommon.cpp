@@ -86,9 +86,7 @@ void SetInetCheckDate(std::string_view localDb, std::string_view table, std::str
     }
 }
 
-DateValue UnstampedLocalDate() {
-    return DateValue::FromCivil({2011, 10, 1, 12, 0, 0});
-}
+DateValue UnstampedLocalDate() { return DateValue::FromCivil({2011, 10, 1, 12, 0, 0}); }
 
 std::int32_t DecideInetDates(std::optional<DateValue> server, std::optional<DateValue> local,
                              std::optional<DateValue> check, double serverOffsetDays) {

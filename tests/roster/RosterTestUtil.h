@@ -28,7 +28,7 @@ std::string RosterReply(const std::vector<RosterEntry>& entries, const std::stri
 std::string TimeReply(const std::string& text);
 
 class StepClock final : public platform::Clock {
-  public:
+public:
     StepClock(DateValue start, double stepSeconds) : now_(start), step_(stepSeconds) {}
     DateValue Now() const override {
         const DateValue t = now_;
@@ -36,7 +36,7 @@ class StepClock final : public platform::Clock {
         return t;
     }
 
-  private:
+private:
     mutable DateValue now_;
     double step_;
 };

@@ -15,7 +15,7 @@ namespace morvane::test {
 namespace {
 
 class ServerTimeTest : public MorvaneTest {
-  protected:
+protected:
     double Seconds(double days) { return std::round(days * 86400.0 * 1000.0) / 1000.0; }
     const DateValue start_ = DateValue::FromCivil({2024, 5, 1, 10, 0, 0});
 };

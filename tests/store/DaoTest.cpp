@@ -14,7 +14,7 @@ namespace morvane::test {
 namespace {
 
 class DaoTest : public ::testing::Test {
-  protected:
+protected:
     void SetUp() override { paths_ = CreateLocalDatabases(temp_.Path()); }
     std::string Customer() const { return paths_.customer.string(); }
     TempDir temp_;
