@@ -34,6 +34,15 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+class FixedClock final : public platform::Clock {
+public:
+    explicit FixedClock(DateValue at) : at_(at) {}
+    DateValue Now() const override { return at_; }
+
+private:
+    DateValue at_;
+};
+
 double Since(Clock::time_point start) {
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
@@ -136,7 +145,11 @@ int main(int argc, char** argv) {
     const std::string xml = RosterXml(customers);
     std::printf("roster reply: %.1f MB\n", xml.size() / 1e6);
     server.On("customer/getCompList.php", xml);
-    server.On("gettime.php", "<r><datetime>" + state.Clock().Now().StampText() + "</datetime></r>");
+    // One fixed instant on both sides, so that the measured server offset, and with it every
+    // decision near the ten-second margin, is the same in every run.
+    const DateValue now = state.Clock().Now();
+    state.SetClock(std::make_shared<FixedClock>(now));
+    server.On("gettime.php", "<r><datetime>" + now.StampText() + "</datetime></r>");
     server.On("login.php", test::LoginReply(1, "T1"));
 
     ctrlMorvane obj;
