@@ -62,7 +62,29 @@ struct SlistDeleter {
 
 }  // namespace
 
-HttpClient::HttpClient(HttpOptions options) : options_(std::move(options)) { GlobalInitOnce(); }
+struct HttpConnectionPool::Impl {
+    CURLSH* share = nullptr;
+};
+
+// The component runs on one thread, so the share needs no lock callbacks.
+HttpConnectionPool::HttpConnectionPool() : impl_(std::make_unique<Impl>()) {
+    GlobalInitOnce();
+    impl_->share = curl_share_init();
+    if (impl_->share) {
+        curl_share_setopt(impl_->share, CURLSHOPT_SHARE, CURL_LOCK_DATA_CONNECT);
+        curl_share_setopt(impl_->share, CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
+        curl_share_setopt(impl_->share, CURLSHOPT_SHARE, CURL_LOCK_DATA_DNS);
+    }
+}
+
+HttpConnectionPool::~HttpConnectionPool() {
+    if (impl_->share) curl_share_cleanup(impl_->share);
+}
+
+HttpClient::HttpClient(HttpOptions options, HttpConnectionPool* pool)
+    : options_(std::move(options)), pool_(pool) {
+    GlobalInitOnce();
+}
 HttpClient::~HttpClient() = default;
 
 HttpReply HttpClient::Post(const std::string& url, const HttpHeaders& headers,
@@ -116,6 +138,7 @@ HttpReply HttpClient::Post(const std::string& url, const HttpHeaders& headers,
     curl_easy_setopt(c, CURLOPT_XFERINFODATA, &watch);
     curl_easy_setopt(c, CURLOPT_NOPROGRESS, 0L);
     curl_easy_setopt(c, CURLOPT_FOLLOWLOCATION, 0L);
+    if (pool_ && pool_->impl_->share) curl_easy_setopt(c, CURLOPT_SHARE, pool_->impl_->share);
     curl_easy_setopt(c, CURLOPT_PROTOCOLS_STR, "https,http");
 
     const CURLcode rc = curl_easy_perform(c);

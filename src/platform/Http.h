@@ -1,6 +1,7 @@
 // The blocking HTTPS exchange with the server: one POST, its headers and body, its reply.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -27,9 +28,26 @@ struct HttpReply {
     std::string error;  // why nothing arrived
 };
 
+// Open connections and TLS sessions kept between POSTs, so that a synchronisation of many
+// small requests does not pay a TLS handshake for each. A connection is reused only for the
+// same server under the same TLS settings.
+class HttpConnectionPool {
+public:
+    HttpConnectionPool();
+    ~HttpConnectionPool();
+    HttpConnectionPool(const HttpConnectionPool&) = delete;
+    HttpConnectionPool& operator=(const HttpConnectionPool&) = delete;
+
+private:
+    friend class HttpClient;
+    struct Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
 class HttpClient {
 public:
-    explicit HttpClient(HttpOptions options);
+    // Without a pool every POST opens its own connection.
+    explicit HttpClient(HttpOptions options, HttpConnectionPool* pool = nullptr);
     ~HttpClient();
     HttpClient(const HttpClient&) = delete;
     HttpClient& operator=(const HttpClient&) = delete;
@@ -38,6 +56,7 @@ public:
 
 private:
     HttpOptions options_;
+    HttpConnectionPool* pool_;
 };
 
 }  // namespace morvane::platform

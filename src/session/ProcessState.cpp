@@ -57,6 +57,11 @@ void ProcessState::SetHttpOptions(std::optional<platform::HttpOptions> options) 
     httpOptions_ = std::move(options);
 }
 
+platform::HttpConnectionPool& ProcessState::HttpPool() {
+    if (!httpPool_) httpPool_ = std::make_unique<platform::HttpConnectionPool>();
+    return *httpPool_;
+}
+
 void ProcessState::Reset() {
     loginTimer.reset();
     customerLockTimer.reset();
@@ -78,6 +83,7 @@ void ProcessState::Reset() {
     settings_.reset();
     clock_.reset();
     httpOptions_.reset();
+    httpPool_.reset();
 }
 
 }  // namespace morvane

@@ -74,6 +74,8 @@ public:
     // MORVANE_CA_FILE, else the setting "CAFile".
     platform::HttpOptions HttpOptions();
     void SetHttpOptions(std::optional<platform::HttpOptions> options);
+    // Connections kept open between the requests of this process.
+    platform::HttpConnectionPool& HttpPool();
 
     // Everything back to the start of a process, services included; for tests.
     void Reset();
@@ -83,6 +85,7 @@ private:
     std::optional<platform::SettingsStore> settings_;
     std::shared_ptr<platform::Clock> clock_;
     std::optional<platform::HttpOptions> httpOptions_;
+    std::unique_ptr<platform::HttpConnectionPool> httpPool_;
 };
 
 ProcessState& State();

@@ -35,7 +35,7 @@ platform::HttpReply PostWithHeaders(const std::string& url, const platform::Http
                                     std::string_view body) {
     platform::HttpHeaders headers = StandardHeaders();
     headers.insert(headers.end(), extra.begin(), extra.end());
-    platform::HttpClient client(State().HttpOptions());
+    platform::HttpClient client(State().HttpOptions(), &State().HttpPool());
     return client.Post(url, headers, body);
 }
 

@@ -113,6 +113,7 @@ TestServer::TestServer() : impl_(std::make_unique<Impl>(SharedCertificate())) {
             rec.headers[lower] = value;
         }
         rec.body = req.body;
+        rec.remotePort = req.remote_port;
         Handler handler;
         {
             std::lock_guard lock(impl_->mutex);

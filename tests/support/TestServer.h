@@ -16,6 +16,7 @@ struct RecordedRequest {
     std::string path;                            // without the leading "/"
     std::map<std::string, std::string> headers;  // names in lower case
     std::string body;
+    int remotePort = 0;  // the client's end of the connection: equal ports, one connection
     std::string Header(const std::string& lowerName) const;
 };
 

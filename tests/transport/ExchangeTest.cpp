@@ -63,6 +63,23 @@ TEST_F(ExchangeTest, TokenRotatesThroughTheStoreAndIsSeenByASecondStore) {
     EXPECT_EQ(second.Read({reg::kBasePath, reg::kApplication, reg::kSection}, reg::kParam2), "T3");
 }
 
+TEST_F(ExchangeTest, ConnectionsAreKeptBetweenRequestsUnderTheSameTrust) {
+    LogIn("T1");
+    server_->On("master/getKessanTaioh.php", Envelope(1, "T2"));
+    ASSERT_NE(PostToServer("master/getKessanTaioh.php", UpperBody()), "");
+    ASSERT_NE(PostToServer("master/getKessanTaioh.php", UpperBody()), "");
+    auto requests = server_->RequestsTo("master/getKessanTaioh.php");
+    ASSERT_EQ(requests.size(), 2u);
+    EXPECT_EQ(requests[0].remotePort, requests[1].remotePort);
+
+    // Other trust settings never ride on a connection verified under the old ones.
+    platform::HttpOptions http = State().HttpOptions();
+    http.caFile = (temp_.Path() / "missing.pem").string();
+    State().SetHttpOptions(http);
+    EXPECT_EQ(PostToServer("master/getKessanTaioh.php", UpperBody()), "");
+    EXPECT_EQ(server_->RequestsTo("master/getKessanTaioh.php").size(), 2u);
+}
+
 TEST_F(ExchangeTest, PrivateCertificateComesFromTheEnvironmentOrTheSetting) {
     LogIn("T1");
     server_->On("master/getKessanTaioh.php", Envelope(1, "T2"));
