@@ -296,6 +296,14 @@ public:
     void PlaceOnWorkArea();
     void SetPosition(int left, int top);
 
+    // The same, on a given row of the layout.
+    template <class T>
+    T& AddAt(int row, std::string name, std::string text = {}) {
+        T& ref = Add<T>(std::move(name), std::move(text));
+        ref.SetRow(row);
+        return ref;
+    }
+
     // Controls are declared by the form class, in tab order.
     template <class T>
     T& Add(std::string name, std::string text = {}) {

@@ -13,45 +13,34 @@
 #include "util/basShell.h"
 
 namespace morvane {
-namespace {
-
-template <class T>
-T& AddAt(forms::Form& form, int row, std::string name, std::string text = {}) {
-    T& control = form.Add<T>(std::move(name), std::move(text));
-    control.SetRow(row);
-    return control;
-}
-
-}  // namespace
 
 frmLogin::frmLogin(forms::Toolkit& toolkit) : Form(toolkit, "frmLogin", kCaption) {
-    AddAt<forms::Label>(*this, 0, "lblTitle", "ソラスタ - モルヴェインへ接続");
-    AddAt<forms::Label>(*this, 1, "lblServerName", "サーバー名 :");
-    txtServerName_ = &AddAt<forms::TextBox>(*this, 1, "txtServerName");
-    AddAt<forms::Label>(*this, 2, "lblContractNo", "契約番号 :");
-    txtContractNo_ = &AddAt<forms::TextBox>(*this, 2, "txtContractNo");
-    AddAt<forms::Label>(*this, 3, "lblUID", "ユーザーID :");
-    txtUID_ = &AddAt<forms::TextBox>(*this, 3, "txtUID");
-    AddAt<forms::Label>(*this, 4, "lblPWD", "パスワード :");
-    txtPWD_ = &AddAt<forms::TextBox>(*this, 4, "txtPWD");
-    chkAutoLogin_ = &AddAt<forms::CheckBox>(*this, 5, "chkAutoLogin", "パスワードを保存する");
-    cmdLogin_ = &AddAt<forms::Button>(*this, 6, "cmdLogin", "ログイン");
-    auto& cmdNoConnect = AddAt<forms::Button>(*this, 6, "cmdNoConnect", "接続しないで使用する");
-    cmdCancel_ = &AddAt<forms::Button>(*this, 6, "cmdCancel", "キャンセル");
-    AddAt<forms::Label>(*this, 7, "lblInfo(0)",
+    AddAt<forms::Label>(0, "lblTitle", "ソラスタ - モルヴェインへ接続");
+    AddAt<forms::Label>(1, "lblServerName", "サーバー名 :");
+    txtServerName_ = &AddAt<forms::TextBox>(1, "txtServerName");
+    AddAt<forms::Label>(2, "lblContractNo", "契約番号 :");
+    txtContractNo_ = &AddAt<forms::TextBox>(2, "txtContractNo");
+    AddAt<forms::Label>(3, "lblUID", "ユーザーID :");
+    txtUID_ = &AddAt<forms::TextBox>(3, "txtUID");
+    AddAt<forms::Label>(4, "lblPWD", "パスワード :");
+    txtPWD_ = &AddAt<forms::TextBox>(4, "txtPWD");
+    chkAutoLogin_ = &AddAt<forms::CheckBox>(5, "chkAutoLogin", "パスワードを保存する");
+    cmdLogin_ = &AddAt<forms::Button>(6, "cmdLogin", "ログイン");
+    auto& cmdNoConnect = AddAt<forms::Button>(6, "cmdNoConnect", "接続しないで使用する");
+    cmdCancel_ = &AddAt<forms::Button>(6, "cmdCancel", "キャンセル");
+    AddAt<forms::Label>(7, "lblInfo(0)",
                         "接続先のサーバ名、契約番号を変更するには、[ログイン] または "
                         "[接続しないで使用する] を選択した後、メニューの[システム管理]-[モルヴェ"
                         "インの設定] よりおこなってください。");
-    AddAt<forms::Label>(*this, 8, "lblInfo(1)",
+    AddAt<forms::Label>(8, "lblInfo(1)",
                         "パスワードを忘れた場合には、管理サイトより再設定をおこなってください。");
-    auto& pnlShowControlPanel =
-        AddAt<forms::Panel>(*this, 9, "pnlShowControlPanel", "→管理サイトを表示");
-    AddAt<forms::Label>(*this, 10, "lblInfoCorpName", build::kContactCorp);
-    AddAt<forms::Label>(*this, 11, "lblInfoAddr", build::kContactAddress);
-    AddAt<forms::Label>(*this, 12, "lblInfoTel", build::kContactTel);
-    AddAt<forms::Label>(*this, 12, "lblInfoFax", build::kContactFax);
-    AddAt<forms::Label>(*this, 13, "lblInfoEmail", "E-mail :");
-    auto& pnlEmail = AddAt<forms::Panel>(*this, 13, "pnlEmail", build::kContactEmail);
+    auto& pnlShowControlPanel = AddAt<forms::Panel>(9, "pnlShowControlPanel", "→管理サイトを表示");
+    AddAt<forms::Label>(10, "lblInfoCorpName", build::kContactCorp);
+    AddAt<forms::Label>(11, "lblInfoAddr", build::kContactAddress);
+    AddAt<forms::Label>(12, "lblInfoTel", build::kContactTel);
+    AddAt<forms::Label>(12, "lblInfoFax", build::kContactFax);
+    AddAt<forms::Label>(13, "lblInfoEmail", "E-mail :");
+    auto& pnlEmail = AddAt<forms::Panel>(13, "pnlEmail", build::kContactEmail);
 
     // The server and contract number are shown only; they are changed in the settings.
     txtServerName_->SetReadOnly(true);

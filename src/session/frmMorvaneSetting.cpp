@@ -20,13 +20,6 @@
 namespace morvane {
 namespace {
 
-template <class T>
-T& AddAt(forms::Form& form, int row, std::string name, std::string text = {}) {
-    T& control = form.Add<T>(std::move(name), std::move(text));
-    control.SetRow(row);
-    return control;
-}
-
 constexpr const char* kNeedServer = "サーバー名を記入してください。";
 constexpr const char* kNeedContract = "契約番号を記入してください。";
 constexpr const char* kNeedUser = "ユーザーIDを記入してください。";
@@ -43,8 +36,8 @@ std::optional<std::string> TaggedValue(const std::string& part, std::string_view
 
 frmMorvaneSetting::frmMorvaneSetting(forms::Toolkit& toolkit)
     : Form(toolkit, "frmMorvaneSetting", kCaption) {
-    AddAt<forms::Label>(*this, 0, "lbl(0)", "モルヴェインの設定");
-    AddAt<forms::Label>(*this, 1, "lbl(1)",
+    AddAt<forms::Label>(0, "lbl(0)", "モルヴェインの設定");
+    AddAt<forms::Label>(1, "lbl(1)",
                         "ソラスタのデータをインターネットのサーバ上へ保存するための設定をおこない"
                         "ます。");
     static constexpr const char* kInfo[] = {
@@ -55,31 +48,26 @@ frmMorvaneSetting::frmMorvaneSetting(forms::Toolkit& toolkit)
         "（２台以上のパソコンからお申込みされますと、正規データ紛失の恐れがございます。）",
         "ご利用のお申込み（又はユーザーの追加）が完了しましたら以下の設定を行ってください"};
     for (int i = 0; i < 5; ++i)
-        AddAt<forms::Label>(*this, 2 + i, "lblInfo(" + std::to_string(i) + ")", kInfo[i]);
-    auto& lblShowRegist =
-        AddAt<forms::Label>(*this, 7, "lblShowRegist", "新規申し込みサイトを表示");
-    auto& pnlShowRegist = AddAt<forms::Panel>(*this, 7, "pnlShowRegist", "→申し込みサイトを表示");
-    auto& lblShowControlPanel =
-        AddAt<forms::Label>(*this, 8, "lblShowControlPanel", "管理サイトを表示");
-    auto& pnlShowControlPanel =
-        AddAt<forms::Panel>(*this, 8, "pnlShowControlPanel", "→管理サイトを表示");
+        AddAt<forms::Label>(2 + i, "lblInfo(" + std::to_string(i) + ")", kInfo[i]);
+    auto& lblShowRegist = AddAt<forms::Label>(7, "lblShowRegist", "新規申し込みサイトを表示");
+    auto& pnlShowRegist = AddAt<forms::Panel>(7, "pnlShowRegist", "→申し込みサイトを表示");
+    auto& lblShowControlPanel = AddAt<forms::Label>(8, "lblShowControlPanel", "管理サイトを表示");
+    auto& pnlShowControlPanel = AddAt<forms::Panel>(8, "pnlShowControlPanel", "→管理サイトを表示");
     chkEnabledMorvane_ =
-        &AddAt<forms::CheckBox>(*this, 9, "chkEnabledMorvane", "モルヴェインを有効にする");
-    lblConnectinInfo_ = &AddAt<forms::Label>(*this, 9, "lblConnectinInfo", "（未接続）");
-    AddAt<forms::Label>(*this, 10, "lblServerName", "サーバ名：");
-    cboServerName_ = &AddAt<forms::ComboBox>(*this, 10, "cboServerName");
-    AddAt<forms::Label>(*this, 11, "lblContractNo", "契約番号：");
-    txtContractNo_ = &AddAt<forms::TextBox>(*this, 11, "txtContractNo");
-    AddAt<forms::Label>(*this, 12, "lblLoginUID", "ユーザーID：");
-    txtLoginUID_ = &AddAt<forms::TextBox>(*this, 12, "txtLoginUID");
-    AddAt<forms::Label>(*this, 13, "lblLoginPWD", "パスワード：");
-    txtLoginPWD_ = &AddAt<forms::TextBox>(*this, 13, "txtLoginPWD");
-    chkSaveLoginPWD_ =
-        &AddAt<forms::CheckBox>(*this, 14, "chkSaveLoginPWD", "パスワードを保存する");
-    auto& cmdConnectionTest =
-        AddAt<forms::Button>(*this, 15, "cmdConnectionTest", "接続テスト(&T)");
-    auto& cmdOK = AddAt<forms::Button>(*this, 15, "cmdOK", "OK");
-    cmdCancel_ = &AddAt<forms::Button>(*this, 15, "cmdCancel", "キャンセル");
+        &AddAt<forms::CheckBox>(9, "chkEnabledMorvane", "モルヴェインを有効にする");
+    lblConnectinInfo_ = &AddAt<forms::Label>(9, "lblConnectinInfo", "（未接続）");
+    AddAt<forms::Label>(10, "lblServerName", "サーバ名：");
+    cboServerName_ = &AddAt<forms::ComboBox>(10, "cboServerName");
+    AddAt<forms::Label>(11, "lblContractNo", "契約番号：");
+    txtContractNo_ = &AddAt<forms::TextBox>(11, "txtContractNo");
+    AddAt<forms::Label>(12, "lblLoginUID", "ユーザーID：");
+    txtLoginUID_ = &AddAt<forms::TextBox>(12, "txtLoginUID");
+    AddAt<forms::Label>(13, "lblLoginPWD", "パスワード：");
+    txtLoginPWD_ = &AddAt<forms::TextBox>(13, "txtLoginPWD");
+    chkSaveLoginPWD_ = &AddAt<forms::CheckBox>(14, "chkSaveLoginPWD", "パスワードを保存する");
+    auto& cmdConnectionTest = AddAt<forms::Button>(15, "cmdConnectionTest", "接続テスト(&T)");
+    auto& cmdOK = AddAt<forms::Button>(15, "cmdOK", "OK");
+    cmdCancel_ = &AddAt<forms::Button>(15, "cmdCancel", "キャンセル");
     tmrClipboard_ = &Add<forms::Timer>("tmrClipboard");
 
     lblConnectinInfo_->SetVisible(false);
