@@ -194,6 +194,12 @@ public:
     bool checkboxes = false;
 };
 
+// A cell's back colour: an RGB value written 0xBBGGRR, as the host writes colours, or one of
+// the system colours.
+inline constexpr std::int32_t kColorDefault = -1;
+inline constexpr std::int32_t kColorButtonFace = -2;
+inline constexpr std::int32_t kColorButtonShadow = -3;
+
 class Grid final : public Control {
 public:
     Grid(Form& f, std::string name) : Control(f, std::move(name), ControlKind::Grid) {}
@@ -202,6 +208,7 @@ public:
         std::string data;                  // a value kept with the cell, not shown
         std::vector<std::string> choices;  // a drop-down list for this cell, if any
         bool locked = false;
+        std::int32_t backColor = kColorDefault;
     };
 
     void Resize(int rows, int cols);

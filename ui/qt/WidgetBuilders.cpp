@@ -1,12 +1,15 @@
 #include "qt/WidgetBuilders.h"
 
+#include <QBrush>
 #include <QCheckBox>
+#include <QColor>
 #include <QComboBox>
 #include <QEvent>
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPalette>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSignalBlocker>
@@ -15,6 +18,7 @@
 #include <QTreeWidget>
 #include <array>
 #include <memory>
+#include <optional>
 #include <utility>
 
 namespace morvane::qt {
@@ -205,6 +209,20 @@ ControlBinding BuildListView(forms::Control& c, QWidget* parent) {
             }};
 }
 
+// A host colour (0xBBGGRR or a system colour) as a brush; none for the default.
+std::optional<QBrush> CellBack(std::int32_t color, const QPalette& palette) {
+    switch (color) {
+        case forms::kColorDefault:
+            return std::nullopt;
+        case forms::kColorButtonFace:
+            return palette.button();
+        case forms::kColorButtonShadow:
+            return palette.dark();
+        default:
+            return QBrush(QColor(color & 0xFF, (color >> 8) & 0xFF, (color >> 16) & 0xFF));
+    }
+}
+
 ControlBinding BuildGrid(forms::Control& c, QWidget* parent) {
     auto& grid = static_cast<forms::Grid&>(c);
     auto* w = Child<QTableWidget>(parent);
@@ -225,8 +243,10 @@ ControlBinding BuildGrid(forms::Control& c, QWidget* parent) {
                         const auto& cell = grid.At(r, col);
                         if (cell.choices.empty()) {
                             w->removeCellWidget(r, col);
-                            w->setItem(r, col,
-                                       new QTableWidgetItem(Q(cell.text)));  // owned by the table
+                            auto* item = new QTableWidgetItem(Q(cell.text));  // owned by the table
+                            if (const auto back = CellBack(cell.backColor, w->palette()))
+                                item->setBackground(*back);
+                            w->setItem(r, col, item);
                             continue;
                         }
                         auto* box = new QComboBox();  // owned by the table once set
