@@ -16,6 +16,8 @@ int RunInitDb(const std::filesystem::path& dir, std::int32_t sample, std::ostrea
     SampleDataOptions options;
     options.customers = sample;
     options.hostSampleCustomer = sample == 0;
+    // A new office's data: nothing of it has ever been agreed with a server.
+    options.neverSynced = true;
     try {
         const LocalDatabasePaths paths = CreateLocalDatabases(dir, options);
         out << "customer database: " << paths.customer.string() << '\n'

@@ -29,6 +29,12 @@ std::string Stamp(const std::string& seed, int salt, int nullEvery, int shiftMin
            std::to_string(shiftMinutes) + ") || ' minutes') END";
 }
 
+// The stamp of the last agreement: none at all for an office never backed up.
+std::string CheckStamp(const SampleDataOptions& o, const std::string& seed, int salt, int nullEvery,
+                       int shiftMinutes) {
+    return o.neverSynced ? "NULL" : Stamp(seed, salt, nullEvery, shiftMinutes);
+}
+
 std::string CustomerRows(const SampleDataOptions& o) {
     std::string sql;
     if (o.customers > 0) {
@@ -38,7 +44,7 @@ std::string CustomerRows(const SampleDataOptions& o) {
                "InetCheckDate) SELECT i, printf('C%05d', i), 'モルヴェイン建設' || i || "
                "'株式会社', 'ﾓﾙｳﾞｪｲﾝｹﾝｾﾂ' || i, 'ﾓﾙｳﾞｪｲﾝｹﾝｾﾂ', '100', '0001', '東京都千代田区', "
                "'03', '1234', printf('%04d', i % 10000), 0, 0, " +
-               Stamp("i", 0, 7, 0) + ", " + Stamp("i", 0, 5, 3) + " FROM n;\n";
+               Stamp("i", 0, 7, 0) + ", " + CheckStamp(o, "i", 0, 5, 3) + " FROM n;\n";
     }
     if (o.hostSampleCustomer) {
         sql +=
@@ -57,7 +63,8 @@ std::string OwnedRows(const std::string& table, int salt, const SampleDataOption
            "] (CustomerID, disabled, RecordUpdate, InetCheckDate" + extraColumns +
            ") SELECT i, CASE WHEN (i + j * 3 + " + std::to_string(salt) +
            ") % 11 = 0 THEN 1 ELSE 0 END, " + Stamp("i * 31 + j", salt, 9, 0) + ", " +
-           Stamp("i * 31 + j", salt, 6, (salt % 3 == 0) ? -600 : 2) + extraValues + " FROM n, r;\n";
+           CheckStamp(o, "i * 31 + j", salt, 6, (salt % 3 == 0) ? -600 : 2) + extraValues +
+           " FROM n, r;\n";
 }
 
 std::string ChildRows(bool prefcustom, const SampleDataOptions& o) {
@@ -100,7 +107,7 @@ std::string MasterRows(const SampleDataOptions& o) {
     for (const auto& [table, column] : masters) {
         sql += Sequences(o.masterRows, 1) + "INSERT INTO [" + table + "] (" + column +
                ", RecordUpdate, InetCheckDate) SELECT '" + table + "' || i, " +
-               Stamp("i", salt, 97, 0) + ", " + Stamp("i", salt, 97, 2) + " FROM n;\n";
+               Stamp("i", salt, 97, 0) + ", " + CheckStamp(o, "i", salt, 97, 2) + " FROM n;\n";
         ++salt;
     }
     return sql;

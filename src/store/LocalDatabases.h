@@ -31,6 +31,9 @@ struct SampleDataOptions {
     bool hostSampleCustomer = false;
     // Rows of each master in Master.dat.
     std::int32_t masterRows = 3;
+    // No InetCheckDate anywhere, as in an office that has never been backed up; otherwise
+    // some rows look agreed on earlier.
+    bool neverSynced = false;
 };
 
 // Creates the three files in the folder (made if missing; existing files are an error).

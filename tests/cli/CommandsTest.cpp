@@ -12,7 +12,9 @@
 
 #include "CallCommand.h"
 #include "InitDbCommand.h"
+#include "platform/Dao.h"
 #include "support/MorvaneTest.h"
+#include "util/Nz.h"
 
 namespace morvane::cli {
 namespace {
@@ -60,6 +62,18 @@ TEST(InitDb, CreatesTheThreeFilesAndNeverOverwritesThem) {
     ASSERT_EQ(RunInitDb(dir / "db", 2, out, err), 0) << err.str();
     for (const char* name : {"Customer.dat", "Master.dat", "prefcustom.dat"})
         EXPECT_GT(fs::file_size(dir / "db" / name), 0u) << name;
+    {
+        // A new office has never agreed anything with a server.
+        dao::Workspace ws("", "");
+        auto& db = ws.OpenDatabase((dir / "db" / "Customer.dat").string());
+        auto live = db.OpenRecordset("SELECT COUNT(*) AS n FROM tCustomer WHERE disabled = 0");
+        EXPECT_EQ(NzLong((*live)["n"]), 2);
+        for (const char* table : {"tCustomer", "tCustomerHistory", "tCustomerKessanHistory"}) {
+            auto rs = db.OpenRecordset(std::string("SELECT COUNT(*) AS n FROM ") + table +
+                                       " WHERE InetCheckDate IS NOT NULL");
+            EXPECT_EQ(NzLong((*rs)["n"]), 0) << table;
+        }
+    }
     const auto size = fs::file_size(dir / "db" / "Customer.dat");
     EXPECT_EQ(RunInitDb(dir / "db", 0, out, err), 1);
     EXPECT_EQ(fs::file_size(dir / "db" / "Customer.dat"), size);
