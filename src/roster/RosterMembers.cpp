@@ -1,7 +1,8 @@
-// The roster members: the roster comparison, its per-table snapshot, the roster download
-// and the IDs to upload.
+// The roster members: the roster comparison, its per-table snapshot, the roster download,
+// the IDs to upload, and adding and deleting customers on the server.
 #include <exception>
 
+#include "roster/cCustAddDel.h"
 #include "roster/cCustList.h"
 #include "session/DispatchTable.h"
 #include "session/FacadePatterns.h"
@@ -173,6 +174,16 @@ std::string ctrlMorvane::CustmerRecordUpdate_Server(std::int32_t CustID) const {
                   [](const cCustListSyncItem& i, int index) { return i.RecordUpdate_sv(index); });
 }
 
+std::int32_t ctrlMorvane::SyncUploadAddCustomer(const std::string& LocalDB, std::int32_t CustID) {
+    return facade::Upload<cCustAddDel>(
+        [&](cCustAddDel& w) { return w.SyncUploadAddCustomer(LocalDB, CustID); });
+}
+
+std::int32_t ctrlMorvane::SyncUploadDelCustomer(std::int32_t CustID) {
+    return facade::Upload<cCustAddDel>(
+        [&](cCustAddDel& w) { return w.SyncUploadDelCustomer(CustID); });
+}
+
 void RegisterRosterMembers(DispatchTable& t) {
     t.Method("CompareCustomerList", &ctrlMorvane::CompareCustomerList, {"LocalDB"});
     t.Method("CompareCustomerListItem", &ctrlMorvane::CompareCustomerListItem,
@@ -193,6 +204,8 @@ void RegisterRosterMembers(DispatchTable& t) {
              {"CustID", "Index"});
     t.Method("CustmerRecordUpdate_Local", &ctrlMorvane::CustmerRecordUpdate_Local, {"CustID"});
     t.Method("CustmerRecordUpdate_Server", &ctrlMorvane::CustmerRecordUpdate_Server, {"CustID"});
+    t.Method("SyncUploadAddCustomer", &ctrlMorvane::SyncUploadAddCustomer, {"LocalDB", "CustID"});
+    t.Method("SyncUploadDelCustomer", &ctrlMorvane::SyncUploadDelCustomer, {"CustID"});
 }
 
 }  // namespace morvane

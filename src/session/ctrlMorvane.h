@@ -75,6 +75,10 @@ public:
     std::string CustmerRecordUpdate_Local(std::int32_t CustID) const;
     std::string CustmerRecordUpdate_Server(std::int32_t CustID) const;
 
+    // ---- Roster changes on the server
+    std::int32_t SyncUploadAddCustomer(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncUploadDelCustomer(std::int32_t CustID);
+
 private:
     // Worker slots, one per kind, added with the members that fill them.
     std::unique_ptr<cCustList> custList_;
