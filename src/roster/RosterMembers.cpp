@@ -1,5 +1,6 @@
 // The roster members: the roster comparison, its per-table snapshot, the roster download,
-// the IDs to upload, and adding and deleting customers on the server.
+// the IDs to upload, the dialogs that reconcile the rosters, and adding and deleting
+// customers on the server.
 #include <exception>
 
 #include "roster/cCustAddDel.h"
@@ -184,6 +185,38 @@ std::int32_t ctrlMorvane::SyncUploadDelCustomer(std::int32_t CustID) {
         [&](cCustAddDel& w) { return w.SyncUploadDelCustomer(CustID); });
 }
 
+std::int32_t ctrlMorvane::ShowCompareCustListDlg(forms::Form* OwnerForm, const Value&, const Value&,
+                                                 const Value&, const Value&) {
+    try {
+        if (!custList_) return 0;
+        return custList_->ShowCompareCustListDlg(OwnerForm);
+    } catch (...) {
+        CaptureError(std::current_exception());
+        ErrTrap();
+        return 0;
+    }
+}
+
+std::string ctrlMorvane::GetCompareCustListDlg_AddLocalIDs() const {
+    return facade::ReadSlot<std::string, cCustList>(custList_,
+                                                    [](cCustList& l) { return l.AddLocalIDs(); });
+}
+
+std::string ctrlMorvane::GetCompareCustListDlg_AddServerIDs() const {
+    return facade::ReadSlot<std::string, cCustList>(custList_,
+                                                    [](cCustList& l) { return l.AddServerIDs(); });
+}
+
+std::string ctrlMorvane::GetCompareCustListDlg_DelLocalIDs() const {
+    return facade::ReadSlot<std::string, cCustList>(custList_,
+                                                    [](cCustList& l) { return l.DelLocalIDs(); });
+}
+
+std::string ctrlMorvane::GetCompareCustListDlg_DelServerIDs() const {
+    return facade::ReadSlot<std::string, cCustList>(custList_,
+                                                    [](cCustList& l) { return l.DelServerIDs(); });
+}
+
 void RegisterRosterMembers(DispatchTable& t) {
     t.Method("CompareCustomerList", &ctrlMorvane::CompareCustomerList, {"LocalDB"});
     t.Method("CompareCustomerListItem", &ctrlMorvane::CompareCustomerListItem,
@@ -206,6 +239,14 @@ void RegisterRosterMembers(DispatchTable& t) {
     t.Method("CustmerRecordUpdate_Server", &ctrlMorvane::CustmerRecordUpdate_Server, {"CustID"});
     t.Method("SyncUploadAddCustomer", &ctrlMorvane::SyncUploadAddCustomer, {"LocalDB", "CustID"});
     t.Method("SyncUploadDelCustomer", &ctrlMorvane::SyncUploadDelCustomer, {"CustID"});
+    t.Method("ShowCompareCustListDlg", &ctrlMorvane::ShowCompareCustListDlg,
+             {"OwnerForm", "Param1", "Param2", "Param3", "Param4"});
+    t.Method("GetCompareCustListDlg_AddLocalIDs", &ctrlMorvane::GetCompareCustListDlg_AddLocalIDs);
+    t.Method("GetCompareCustListDlg_AddServerIDs",
+             &ctrlMorvane::GetCompareCustListDlg_AddServerIDs);
+    t.Method("GetCompareCustListDlg_DelLocalIDs", &ctrlMorvane::GetCompareCustListDlg_DelLocalIDs);
+    t.Method("GetCompareCustListDlg_DelServerIDs",
+             &ctrlMorvane::GetCompareCustListDlg_DelServerIDs);
 }
 
 }  // namespace morvane

@@ -95,6 +95,21 @@ TEST_F(RosterChangesTest, AddedCustomersAppearAndDeletedOnesDisappear) {
     // The local row stays: the rosters now differ.
     EXPECT_EQ(One(paths_.customer, "SELECT disabled FROM tCustomer WHERE id = 2"), "0");
     EXPECT_EQ(obj.CompareCustomerList(Db()), 3);
+
+    // The user keeps the local customer: it goes up again and the rosters agree.
+    kit_->OnShow("frmSelectCompareCustList",
+                 [](forms::Form& f) { f.Get<forms::Button>("cmdDo").Click(); });
+    const Value none;
+    EXPECT_EQ(obj.ShowCompareCustListDlg(nullptr, none, none, none, none), 6);
+    ASSERT_EQ(kit_->Boxes().size(), 1u);  // the confirmation
+    kit_->ClearRecords();
+    EXPECT_EQ(obj.GetCompareCustListDlg_AddServerIDs(), "2");
+    for (const std::int32_t id : SplitIDs(obj.GetCompareCustListDlg_AddServerIDs()))
+        EXPECT_EQ(obj.SyncUploadAddCustomer(Db(), id), 1);
+    EXPECT_EQ(obj.CompareCustomerList(Db()), 0);
+    roster = ServerRoster();
+    ASSERT_NE(roster->Item("K2"), nullptr);
+    EXPECT_EQ(roster->Item("K2")->Code, "X&Y=1");
 }
 
 }  // namespace
