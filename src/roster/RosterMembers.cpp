@@ -1,7 +1,9 @@
-// The roster members: the roster comparison, its per-table snapshot, the roster download
-// and the IDs to upload.
+// The roster members: the roster comparison, its per-table snapshot, the roster download,
+// the IDs to upload, the dialogs that reconcile the rosters, and adding and deleting
+// customers on the server.
 #include <exception>
 
+#include "roster/cCustAddDel.h"
 #include "roster/cCustList.h"
 #include "session/DispatchTable.h"
 #include "session/FacadePatterns.h"
@@ -173,6 +175,48 @@ std::string ctrlMorvane::CustmerRecordUpdate_Server(std::int32_t CustID) const {
                   [](const cCustListSyncItem& i, int index) { return i.RecordUpdate_sv(index); });
 }
 
+std::int32_t ctrlMorvane::SyncUploadAddCustomer(const std::string& LocalDB, std::int32_t CustID) {
+    return facade::Upload<cCustAddDel>(
+        [&](cCustAddDel& w) { return w.SyncUploadAddCustomer(LocalDB, CustID); });
+}
+
+std::int32_t ctrlMorvane::SyncUploadDelCustomer(std::int32_t CustID) {
+    return facade::Upload<cCustAddDel>(
+        [&](cCustAddDel& w) { return w.SyncUploadDelCustomer(CustID); });
+}
+
+std::int32_t ctrlMorvane::ShowCompareCustListDlg(forms::Form* OwnerForm, const Value&, const Value&,
+                                                 const Value&, const Value&) {
+    try {
+        if (!custList_) return 0;
+        return custList_->ShowCompareCustListDlg(OwnerForm);
+    } catch (...) {
+        CaptureError(std::current_exception());
+        ErrTrap();
+        return 0;
+    }
+}
+
+std::string ctrlMorvane::GetCompareCustListDlg_AddLocalIDs() const {
+    return facade::ReadSlot<std::string, cCustList>(custList_,
+                                                    [](cCustList& l) { return l.AddLocalIDs(); });
+}
+
+std::string ctrlMorvane::GetCompareCustListDlg_AddServerIDs() const {
+    return facade::ReadSlot<std::string, cCustList>(custList_,
+                                                    [](cCustList& l) { return l.AddServerIDs(); });
+}
+
+std::string ctrlMorvane::GetCompareCustListDlg_DelLocalIDs() const {
+    return facade::ReadSlot<std::string, cCustList>(custList_,
+                                                    [](cCustList& l) { return l.DelLocalIDs(); });
+}
+
+std::string ctrlMorvane::GetCompareCustListDlg_DelServerIDs() const {
+    return facade::ReadSlot<std::string, cCustList>(custList_,
+                                                    [](cCustList& l) { return l.DelServerIDs(); });
+}
+
 void RegisterRosterMembers(DispatchTable& t) {
     t.Method("CompareCustomerList", &ctrlMorvane::CompareCustomerList, {"LocalDB"});
     t.Method("CompareCustomerListItem", &ctrlMorvane::CompareCustomerListItem,
@@ -193,6 +237,16 @@ void RegisterRosterMembers(DispatchTable& t) {
              {"CustID", "Index"});
     t.Method("CustmerRecordUpdate_Local", &ctrlMorvane::CustmerRecordUpdate_Local, {"CustID"});
     t.Method("CustmerRecordUpdate_Server", &ctrlMorvane::CustmerRecordUpdate_Server, {"CustID"});
+    t.Method("SyncUploadAddCustomer", &ctrlMorvane::SyncUploadAddCustomer, {"LocalDB", "CustID"});
+    t.Method("SyncUploadDelCustomer", &ctrlMorvane::SyncUploadDelCustomer, {"CustID"});
+    t.Method("ShowCompareCustListDlg", &ctrlMorvane::ShowCompareCustListDlg,
+             {"OwnerForm", "Param1", "Param2", "Param3", "Param4"});
+    t.Method("GetCompareCustListDlg_AddLocalIDs", &ctrlMorvane::GetCompareCustListDlg_AddLocalIDs);
+    t.Method("GetCompareCustListDlg_AddServerIDs",
+             &ctrlMorvane::GetCompareCustListDlg_AddServerIDs);
+    t.Method("GetCompareCustListDlg_DelLocalIDs", &ctrlMorvane::GetCompareCustListDlg_DelLocalIDs);
+    t.Method("GetCompareCustListDlg_DelServerIDs",
+             &ctrlMorvane::GetCompareCustListDlg_DelServerIDs);
 }
 
 }  // namespace morvane

@@ -3,6 +3,7 @@
 #include <bitset>
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
 #include <exception>
 #include <limits>
 #include <optional>
@@ -10,6 +11,8 @@
 
 #include "platform/Dao.h"
 #include "platform/Xml.h"
+#include "roster/frmSelectCompareCustList.h"
+#include "roster/frmSelectCompareCustListAll.h"
 #include "session/ProcessState.h"
 #include "session/mdlErrTrap.h"
 #include "store/LocalDatabases.h"
@@ -47,6 +50,13 @@ void Trap() {
 }
 
 std::string Key(std::int32_t id) { return "K" + std::to_string(id); }
+
+std::int32_t CountActiveCustomers(dao::Database& db) {
+    auto rs = db.OpenRecordset(
+        std::string("SELECT COUNT(*) AS reccnt FROM ") + kCustomerTable + " WHERE disabled = 0",
+        dao::dbOpenDynaset, dao::dbReadOnly);
+    return rs->Eof() ? 0 : NzLong(rs->Fields("reccnt").GetValue());
+}
 
 // The roster as the scan of all customers reads it: numbers and server dates in dense
 // arrays, the dates one array a table, so that each row reads in order.
@@ -247,13 +257,7 @@ std::int32_t cCustList::CompareLocalDB(const std::string& localDb) {
         std::int32_t code = s == 0 ? 4 : 3;
         auto ws = CreateMorvaneWorkspace();
         dao::Database& db = ws->OpenDatabase(localDb);
-        std::int32_t l = 0;
-        {
-            auto rs = db.OpenRecordset(std::string("SELECT COUNT(*) AS reccnt FROM ") +
-                                           kCustomerTable + " WHERE disabled = 0",
-                                       dao::dbOpenDynaset, dao::dbReadOnly);
-            if (!rs->Eof()) l = NzLong(rs->Fields("reccnt").GetValue());
-        }
+        const std::int32_t l = CountActiveCustomers(db);
         bool differ = l != s;
         bool onlySample = false;
         if (l == 1) {
@@ -513,6 +517,82 @@ std::int32_t cCustList::GetUploadIDs(const std::string& localDb, std::string& ad
         Trap();
         return 0;
     }
+}
+
+// ---- Asking the user --------------------------------------------------------------------
+
+std::int32_t cCustList::ShowCompareCustListDlg(forms::Form* owner) {
+    std::int32_t l = 0;
+    {
+        // Nothing is written: the database need not stay open while the user decides.
+        auto ws = CreateMorvaneWorkspace();
+        l = CountActiveCustomers(ws->OpenDatabase(localDb_));
+    }
+    const std::int32_t s = Count();
+    if (l == 0 && s == 0) return 0;
+    if (l == 0) return 5;
+    if (s == 0) return 4;
+    int kind = 0;
+    // Rosters this far apart are not offered customer by customer.
+    if (std::abs(static_cast<std::int64_t>(l) - s) > 10) {
+        kind = 2;
+    } else {
+        const double ls = static_cast<double>(l) / s;
+        const double sl = static_cast<double>(s) / l;
+        if ((ls < 0.5 && l < s) || (sl < 0.5 && s < l)) kind = 2;
+    }
+    std::string addIDs, delIDs, updateIDs;
+    if (kind == 0) {
+        GetUploadIDs(localDb_, addIDs, delIDs, updateIDs);
+        const size_t nAdd = SplitIDs(addIDs).size();
+        const size_t nDel = SplitIDs(delIDs).size();
+        const size_t nUpd = SplitIDs(updateIDs).size();
+        // Changed names alone do not bother the user.
+        if (nAdd == 0 && nDel == 0)
+            kind = 0;
+        else if (nAdd > 10 || nDel > 10 || nUpd > 5)
+            kind = 2;
+        else
+            kind = 1;
+    }
+    if (kind == 0) return 0;
+    forms::Toolkit& kit = State().Toolkit();
+    if (kind == 1) {
+        frmSelectCompareCustList form(kit);
+        form.SetLocalDB(localDb_);
+        form.SetServerData(this);
+        form.SetOnlyLc_IDs(addIDs);
+        form.SetOnlySv_IDs(delIDs);
+        form.ShowModal(owner);
+        addLocalIDs_.clear();
+        addServerIDs_.clear();
+        delLocalIDs_.clear();
+        delServerIDs_.clear();
+        std::int32_t result = -1;
+        if (!form.bCancel()) {
+            addLocalIDs_ = form.AddLocalDs();
+            delLocalIDs_ = form.DelLocalDs();
+            addServerIDs_ = form.AddServerDs();
+            delServerIDs_ = form.DelServerDs();
+            result = 6;
+        }
+        form.Unload();
+        return result;
+    }
+    frmSelectCompareCustListAll form(kit);
+    form.SetLocalDB(localDb_);
+    form.SetServerData(this);
+    form.ShowModal(owner);
+    const std::int32_t result = form.DlgResult();
+    form.Unload();
+    return result;
+}
+
+std::vector<std::int32_t> SplitIDs(std::string_view ids) {
+    std::vector<std::int32_t> numbers;
+    if (ids.empty()) return numbers;
+    for (const std::string& part : Split(ids, ",")) numbers.push_back(NzLong(part));
+    return numbers;
 }
 
 }  // namespace morvane

@@ -15,6 +15,9 @@
 
 namespace morvane {
 
+namespace forms {
+class Form;
+}
 namespace platform {
 class XmlDocument;
 class XmlNode;
@@ -66,6 +69,12 @@ public:
     std::int32_t GetUploadIDs(const std::string& localDb, std::string& addIDs, std::string& delIDs,
                               std::string& updateIDs);
 
+    // Asks the user how to reconcile rosters that differ, by a dialog whose kind depends on
+    // how far apart they are: -1 cancelled, 0 nothing to ask, 1 take the server's roster,
+    // 2 the local one, 4 the server's is empty, 5 the local one is, 6 the four ID texts hold
+    // the choices.
+    std::int32_t ShowCompareCustListDlg(forms::Form* owner);
+
     // Appends, or inserts before position `index` when it lies between 1 and Count.
     cCustListItem& Add(std::int32_t id, std::int32_t index = 0);
     // "K" + id when an item has this id, else "".
@@ -94,5 +103,8 @@ private:
     std::string localDb_;
     std::string addLocalIDs_, addServerIDs_, delLocalIDs_, delServerIDs_;
 };
+
+// The numbers of a comma text; the empty text holds none.
+std::vector<std::int32_t> SplitIDs(std::string_view ids);
 
 }  // namespace morvane

@@ -75,6 +75,17 @@ public:
     std::string CustmerRecordUpdate_Local(std::int32_t CustID) const;
     std::string CustmerRecordUpdate_Server(std::int32_t CustID) const;
 
+    // ---- Roster changes on the server, and the dialogs that reconcile the rosters
+    std::int32_t SyncUploadAddCustomer(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncUploadDelCustomer(std::int32_t CustID);
+    std::int32_t ShowCompareCustListDlg(forms::Form* OwnerForm, const Value& Param1,
+                                        const Value& Param2, const Value& Param3,
+                                        const Value& Param4);
+    std::string GetCompareCustListDlg_AddLocalIDs() const;
+    std::string GetCompareCustListDlg_AddServerIDs() const;
+    std::string GetCompareCustListDlg_DelLocalIDs() const;
+    std::string GetCompareCustListDlg_DelServerIDs() const;
+
 private:
     // Worker slots, one per kind, added with the members that fill them.
     std::unique_ptr<cCustList> custList_;

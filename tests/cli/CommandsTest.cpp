@@ -149,9 +149,10 @@ TEST(Demo, RunsToACleanEndAndStopsItsServer) {
     const int status = ::pclose(pipe);
     ASSERT_TRUE(WIFEXITED(status)) << output;
     EXPECT_EQ(WEXITSTATUS(status), 0) << output;
-    for (const char* line : {"morvane-server listens on https://127.0.0.1:",
-                             "roster: server has none (result 4)", "no roster upload worker yet",
-                             "office B agrees with the server", "The demo ran to a clean end."})
+    for (const char* line :
+         {"morvane-server listens on https://127.0.0.1:", "roster: server has none (result 4)",
+          "roster after reconciliation: result 0", "office B agrees with the server",
+          "The demo ran to a clean end."})
         EXPECT_NE(output.find(line), std::string::npos) << line << "\n" << output;
     // The server wrote its port file; nothing may still listen there.
     std::ifstream portFile(work / "server-data" / "port");
