@@ -14,6 +14,7 @@ DispatchTable Build() {
     RegisterLoginMembers(table);
     RegisterStoreMembers(table);
     RegisterServerTimeMembers(table);
+    RegisterLockMembers(table);
     RegisterRosterMembers(table);
     return table;
 }

@@ -59,6 +59,12 @@ public:
     std::string InetServerTimeOffset() const;
     std::string InetDataFolderTimeOffset() const;
 
+    // ---- Server locks on a customer or a master, renewed while they are wanted
+    std::int32_t LockCoustomer(std::int32_t CustID);
+    std::int32_t UnlockCoustomer(std::int32_t CustID);
+    std::int32_t LockMasterData(std::int32_t MastID);
+    std::int32_t UnlockMasterData(std::int32_t MastID);
+
     // ---- Customer roster and the per-table snapshot of its comparison
     std::int32_t CompareCustomerList(const std::string& LocalDB);
     std::int32_t CompareCustomerListItem(const std::string& LocalDB, std::int32_t CustID);
