@@ -15,6 +15,7 @@ DispatchTable Build() {
     RegisterStoreMembers(table);
     RegisterServerTimeMembers(table);
     RegisterLockMembers(table);
+    RegisterFlagMembers(table);
     RegisterRosterMembers(table);
     return table;
 }

@@ -130,5 +130,41 @@ TEST_F(LocksAndFlagsTest, TheSecondUserWaitsWhileTheFirstHoldsAndRenewsTheLocks)
     }
 }
 
+TEST_F(LocksAndFlagsTest, FlagsChosenInTheDialogReachTheServer) {
+    ctrlMorvane obj;
+    UseOffice("a", "u1", "secret-1");
+    const auto db = CreateLocalDatabases(temp_.Path() / "a" / "db").customer.string();
+    for (std::int32_t id = 1; id <= 3; ++id) CreateCustomer(id);
+    // The account allows two: the first two are backed up; take the second out for now.
+    obj.CompareCustomerList(db);
+    EXPECT_EQ(obj.CustmerInetEnabledFlag(2), 1);
+    EXPECT_EQ(obj.CustmerInetEnabledFlag(3), 0);
+    ASSERT_EQ(obj.SyncUploadCustomerInetEnabledFlag(db, 2, 0), 1);
+    obj.CompareCustomerList(db);
+    ASSERT_EQ(obj.CustmerInetEnabledFlag(2), 0);
+
+    // Put customer 3 in: the count meets the allowance of two.
+    kit_->OnShow("frmSelectEnabledCustList", [](forms::Form& f) {
+        auto& grid = f.Get<forms::Grid>("vfaData");
+        ASSERT_EQ(grid.Rows(), 3);
+        EXPECT_EQ(grid.At(2, 2).text, "3");
+        grid.ClickCell(2, 5);
+        f.Get<forms::Button>("cmdDo").Click();
+    });
+    kit_->OnShow("frmSelectEnabledCustListMsg",
+                 [](forms::Form& f) { f.Get<forms::Button>("cmdOK").Click(); });
+    EXPECT_EQ(obj.ShowSelectCustEnabledDlg(nullptr, db, 2, Value(), Value(), Value(), Value()), 1);
+
+    // A fresh look at the server's roster shows what the dialog set.
+    obj.CompareCustomerList(db);
+    EXPECT_EQ(obj.CustmerInetEnabledFlag(1), 1);
+    EXPECT_EQ(obj.CustmerInetEnabledFlag(2), 0);
+    EXPECT_EQ(obj.CustmerInetEnabledFlag(3), 1);
+    // The dialog's lock was let go: the other user can take the customer.
+    for (const auto& box : kit_->Boxes()) ADD_FAILURE() << box.title << ": " << box.text;
+    UseOffice("b", "u2", "secret-2");
+    EXPECT_EQ(obj.LockCoustomer(3), 1);
+}
+
 }  // namespace
 }  // namespace morvane::test
