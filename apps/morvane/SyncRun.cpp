@@ -113,67 +113,22 @@ bool SyncRun::Roster() {
     const char* meaning[] = {"agree", "", "", "differ", "server has none", "local has none"};
     out_ << "roster: " << (result >= 0 && result <= 5 ? meaning[result] : "?") << " (result "
          << result << ")\n";
+    if (result == 0) return true;
     std::string add, del, upd;
-    if (result != 0 && c_.RosterUploadIDs(options_.localDb, add, del, upd)) {
-        for (std::int32_t id : SplitIDs(add)) rosterAdd_.push_back(std::to_string(id));
-        out_ << "  only local: " << (add.empty() ? "-" : add)
-             << "; only on the server: " << (del.empty() ? "-" : del) << '\n';
+    if (!c_.RosterUploadIDs(options_.localDb, add, del, upd)) {
+        ++summary_.failures;
+        out_ << "  roster: the lists of differing customers could not be read\n";
+        return true;
     }
-    bool takeServer = result == 5;
-    bool pushLocal = result == 4;
-    if (result == 3) {
-        switch (options_.prefer) {
-            case Prefer::Server:
-                takeServer = true;
-                break;
-            case Prefer::Local:
-                pushLocal = true;
-                break;
-            case Prefer::Skip:
-                ++summary_.conflicts;
-                out_ << "  roster: left as it is (--prefer skip)\n";
-                break;
-            case Prefer::Ask:
-                summary_.unsupported.push_back(
-                    {"roster", "the reconciliation dialogs do not exist yet; use --prefer"});
-                break;
-        }
-    }
-    if (takeServer) {
-        if (options_.dryRun) {
-            ++summary_.planned;
-            out_ << "  roster: would take the server's roster\n";
-        } else if (CallOk("SyncDownloadCustomerList", db)) {
-            ++summary_.downloads;
-            out_ << "  roster: downloaded the server's roster\n";
-        } else {
-            ++summary_.failures;
-            out_ << "  roster: download failed\n";
-        }
-    }
-    if (pushLocal) {
-        const auto addIDs = SplitIDs(add);
-        const auto delIDs = result == 3 ? SplitIDs(del) : std::vector<std::int32_t>{};
-        const bool live = c_.Has("SyncUploadAddCustomer") && c_.Has("SyncUploadDelCustomer");
-        if (!live) {
-            summary_.unsupported.push_back(
-                {"roster", std::to_string(addIDs.size()) + " customer(s) to add and " +
-                               std::to_string(delIDs.size()) +
-                               " to delete on the server: no roster upload worker yet"});
-        } else if (options_.dryRun) {
-            summary_.planned += static_cast<int>(addIDs.size() + delIDs.size());
-        } else {
-            for (std::int32_t id : addIDs)
-                ++(CallOk("SyncUploadAddCustomer", {Value(options_.localDb), Value(id)})
-                       ? summary_.uploads
-                       : summary_.failures);
-            for (std::int32_t id : delIDs)
-                ++(CallOk("SyncUploadDelCustomer", {Value(id)}) ? summary_.uploads
-                                                                : summary_.failures);
-        }
-    }
+    for (std::int32_t id : SplitIDs(add)) rosterAdd_.push_back(std::to_string(id));
+    out_ << "  only local: " << (add.empty() ? "-" : add)
+         << "; only on the server: " << (del.empty() ? "-" : del) << '\n';
+
+    RosterPlan plan;
+    if (!PlanRoster(result, SplitIDs(add), SplitIDs(del), plan)) return false;
+    if (!RunRosterPlan(plan)) return true;
     // A roster that moved is compared again so the per-table snapshot is current.
-    if ((summary_.downloads + summary_.uploads) > 0) {
+    if (!options_.dryRun && (!plan.addServer.empty() || !plan.delServer.empty() || plan.download)) {
         rosterAdd_.clear();
         result = NzLong(c_.Call("CompareCustomerList", db));
         summary_.rosterResult = result;
@@ -184,25 +139,164 @@ bool SyncRun::Roster() {
     return true;
 }
 
+bool SyncRun::PlanRoster(int result, const std::vector<std::int32_t>& localOnly,
+                         const std::vector<std::int32_t>& serverOnly, RosterPlan& plan) {
+    const auto join = [&] {
+        // Without a person to choose, the rosters are joined and nothing is deleted.
+        plan.addServer = localOnly;
+        plan.download = !serverOnly.empty();
+    };
+    if (result == 5) {
+        // Nothing local counts, the host's sample customer included: it is not sent up.
+        plan.download = true;
+        return true;
+    }
+    if (result == 3 && options_.prefer == Prefer::Skip) {
+        ++summary_.conflicts;
+        out_ << "  roster: left as it is (--prefer skip)\n";
+        return true;
+    }
+    if (result != 3 || options_.prefer != Prefer::Ask) {
+        join();
+        return true;
+    }
+    if (!c_.Has("ShowCompareCustListDlg")) {
+        summary_.unsupported.push_back(
+            {"roster", "the reconciliation dialogs do not exist yet; use --prefer"});
+        return true;
+    }
+    const int choice =
+        NzLong(c_.Call("ShowCompareCustListDlg", {Value(), Value(), Value(), Value(), Value()}));
+    switch (choice) {
+        case -1:
+            ++summary_.conflicts;
+            out_ << "  roster: the reconciliation was cancelled; nothing more is synchronised\n";
+            return false;
+        case 1:
+        case 5:
+            plan.download = true;
+            break;
+        case 2:
+            plan.addServer = localOnly;
+            plan.delServer = serverOnly;
+            break;
+        case 4:
+            plan.addServer = localOnly;
+            break;
+        case 6: {
+            const auto text = [&](const char* member) { return NzString(c_.Call(member, {})); };
+            plan.addServer = SplitIDs(text("GetCompareCustListDlg_AddServerIDs"));
+            plan.delServer = SplitIDs(text("GetCompareCustListDlg_DelServerIDs"));
+            // The server's roster, once changed, holds exactly what the user chose to keep.
+            plan.download = !text("GetCompareCustListDlg_AddLocalIDs").empty() ||
+                            !text("GetCompareCustListDlg_DelLocalIDs").empty();
+            break;
+        }
+        default:
+            break;
+    }
+    out_ << "  roster: the dialog answered " << choice << '\n';
+    return true;
+}
+
+bool SyncRun::RunRosterPlan(const RosterPlan& plan) {
+    const bool live = c_.Has("SyncUploadAddCustomer") && c_.Has("SyncUploadDelCustomer");
+    if (!live && (!plan.addServer.empty() || !plan.delServer.empty())) {
+        summary_.unsupported.push_back(
+            {"roster", std::to_string(plan.addServer.size()) + " customer(s) to add and " +
+                           std::to_string(plan.delServer.size()) +
+                           " to delete on the server: no roster upload worker yet"});
+        // Taking the server's roster now would delete the customers it lacks locally.
+        return false;
+    }
+    if (options_.dryRun) {
+        for (std::int32_t id : plan.addServer)
+            out_ << "  roster: would add customer " << id << " to the server\n";
+        for (std::int32_t id : plan.delServer)
+            out_ << "  roster: would delete customer " << id << " on the server\n";
+        if (plan.download) out_ << "  roster: would take the server's roster\n";
+        summary_.planned += static_cast<int>(plan.addServer.size() + plan.delServer.size()) +
+                            (plan.download ? 1 : 0);
+        return false;
+    }
+    bool allMoved = true;
+    const auto move = [&](const char* member, std::vector<Value> args, const std::string& what) {
+        if (CallOk(member, args)) {
+            ++summary_.uploads;
+            out_ << "  roster: " << what << '\n';
+        } else {
+            ++summary_.failures;
+            allMoved = false;
+            out_ << "  roster: " << member << " failed for customer " << args.back().ToText()
+                 << '\n';
+        }
+    };
+    for (std::int32_t id : plan.addServer)
+        move("SyncUploadAddCustomer", {Value(options_.localDb), Value(id)},
+             "added customer " + std::to_string(id) + " to the server");
+    for (std::int32_t id : plan.delServer)
+        move("SyncUploadDelCustomer", {Value(id)},
+             "deleted customer " + std::to_string(id) + " on the server");
+    if (!plan.download) return true;
+    if (!allMoved) {
+        // The server's roster now lacks what failed; taking it would delete those locally.
+        out_ << "  roster: the server's roster is not taken after a failure\n";
+        return true;
+    }
+    if (CallOk("SyncDownloadCustomerList", {Value(options_.localDb)})) {
+        ++summary_.downloads;
+        out_ << "  roster: took the server's roster\n";
+    } else {
+        ++summary_.failures;
+        out_ << "  roster: download failed\n";
+    }
+    return true;
+}
+
 void SyncRun::BackupTargets() {
     if (!c_.Has("CheckInetEnabledFlags")) {
         out_ << "backup targets: not checked (no worker yet)\n";
         summary_.unsupported.push_back({"backup targets", "the check has no worker yet"});
         return;
     }
+    if (options_.dryRun) {
+        // The check itself sets flags on the server.
+        out_ << "backup targets: not checked in a dry run\n";
+        return;
+    }
     const int result = NzLong(c_.Call("CheckInetEnabledFlags", {Value(options_.localDb)}));
     out_ << "backup targets: result " << result << '\n';
-    if (result != 1)
-        summary_.unsupported.push_back(
-            {"backup targets", "result " + std::to_string(result) + " needs the selection dialog"});
+    if (result == 1 || result == 2) return;
+    // 0: more customers are backed up than the account allows, 3: fewer.
+    const int showType = result == 0 ? 1 : 2;
+    if (options_.prefer != Prefer::Ask || !c_.Has("ShowSelectCustEnabledDlg")) {
+        ++summary_.conflicts;
+        out_ << "  backup targets: the choice of customers needs a person; run with --prefer ask\n";
+        return;
+    }
+    const int chosen = NzLong(c_.Call(
+        "ShowSelectCustEnabledDlg",
+        {Value(), Value(options_.localDb), Value(showType), Value(), Value(), Value(), Value()}));
+    if (chosen != 1) {
+        ++summary_.conflicts;
+        out_ << "  backup targets: the choice was cancelled\n";
+    }
 }
 
 std::vector<std::int32_t> SyncRun::CustomersToWalk() {
     // Customers both sides hold: the snapshot knows only those the server lists.
     std::vector<std::int32_t> ids;
     const std::set<std::string> localOnly(rosterAdd_.begin(), rosterAdd_.end());
-    for (std::int32_t id : c_.LocalCustomerIDs(options_.localDb))
-        if (!localOnly.count(std::to_string(id))) ids.push_back(id);
+    const bool flags = c_.Has("CustmerInetEnabledFlag") && c_.Has("CheckExistCustID");
+    for (std::int32_t id : c_.LocalCustomerIDs(options_.localDb)) {
+        if (localOnly.count(std::to_string(id))) continue;
+        if (flags && NzLong(c_.Call("CheckExistCustID", {Value(id)})) == 1 &&
+            NzLong(c_.Call("CustmerInetEnabledFlag", {Value(id)})) != 1) {
+            out_ << "customer " << id << ": not a backup target\n";
+            continue;
+        }
+        ids.push_back(id);
+    }
     return ids;
 }
 

@@ -73,7 +73,18 @@ public:
     SyncSummary Run();
 
 private:
+    // What the roster reconciliation does: changes on the server first, then, when they all
+    // went through, the server's roster taken locally.
+    struct RosterPlan {
+        std::vector<std::int32_t> addServer, delServer;
+        bool download = false;
+    };
+    // False when the sync stops here.
     bool Roster();
+    bool PlanRoster(int result, const std::vector<std::int32_t>& localOnly,
+                    const std::vector<std::int32_t>& serverOnly, RosterPlan& plan);
+    // False when nothing moved.
+    bool RunRosterPlan(const RosterPlan& plan);
     void BackupTargets();
     std::vector<std::int32_t> CustomersToWalk();
     void Customer(std::int32_t id);

@@ -101,6 +101,25 @@ TEST(CallProgram, KeepsEachMembersArgumentsInOrderAcrossThen) {
     fs::remove_all(pattern);
 }
 
+TEST(SyncProgram, RefusesAMissingDatabaseAndAMissingLogin) {
+    std::string pattern = (fs::temp_directory_path() / "morvane-sync-XXXXXX").string();
+    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
+    const std::string config = "--config " + pattern + " ";
+    ProgramRun run = RunCli(config + "sync --db " + pattern + "/none.dat 2>&1");
+    EXPECT_EQ(run.exitCode, 2) << run.output;
+    EXPECT_NE(run.output.find("no customer database"), std::string::npos) << run.output;
+    EXPECT_FALSE(fs::exists(fs::path(pattern) / "none.dat")) << "nothing is created";
+
+    std::ostringstream out, err;
+    ASSERT_EQ(RunInitDb(fs::path(pattern) / "db", 1, out, err), 0);
+    run = RunCli(config + "sync --db " + pattern + "/db/Customer.dat 2>&1");
+    EXPECT_EQ(run.exitCode, 1) << run.output;
+    EXPECT_NE(run.output.find("run `morvane login` first"), std::string::npos) << run.output;
+    run = RunCli(config + "sync --db x --prefer sometimes 2>&1");
+    EXPECT_GT(run.exitCode, 3) << "a usage error, not a sync result: " << run.output;
+    fs::remove_all(pattern);
+}
+
 // The README's main job: the real program, a real server, two offices; leaves nothing behind.
 TEST(Demo, RunsToACleanEndAndStopsItsServer) {
     std::string pattern = (fs::temp_directory_path() / "morvane-demo-test-XXXXXX").string();

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <set>
 #include <sstream>
 
@@ -19,6 +20,7 @@ public:
                                                "GetUploadCustomerListIDs",
                                                "CustmerBackupedTableSyncFlag", "ShowCompareMsg"};
     std::map<std::string, std::vector<int>, std::less<>> results;  // consumed in order
+    std::map<std::string, std::string, std::less<>> texts;         // members giving a text
     std::map<std::pair<int, int>, int> flags;                      // (customer, table)
     std::vector<std::int32_t> local{1, 2};
     std::string add, del;
@@ -40,6 +42,7 @@ public:
             auto it = flags.find({NzLong(args[0]), NzLong(args[1])});
             return Value(it == flags.end() ? 0 : it->second);
         }
+        if (auto t = texts.find(m); t != texts.end()) return Value(t->second);
         auto it = results.find(m);
         // Unscripted: comparisons agree, everything else succeeds.
         if (it == results.end() || it->second.empty())
@@ -157,6 +160,16 @@ TEST(SyncRun, AnEmptyLocalRosterIsDownloadedAndComparedAgain) {
     EXPECT_EQ(o.summary.customers, 1);
     EXPECT_EQ(o.summary.tablesCompared, 53);
 
+    // The host's sample customer alone counts as no data: it is never sent up.
+    ScriptedComponent sample;
+    sample.members.insert({"SyncUploadAddCustomer", "SyncUploadDelCustomer"});
+    sample.results["CompareCustomerList"] = {5, 0};
+    sample.add = "1";
+    sample.del = "7";
+    RunWith(sample, Prefer::Local);
+    EXPECT_FALSE(sample.Called("SyncUploadAddCustomer"));
+    EXPECT_TRUE(sample.Called("SyncDownloadCustomerList"));
+
     ScriptedComponent dry;
     dry.results["CompareCustomerList"] = {5};
     Outcome d = RunWith(dry, Prefer::Ask, true);
@@ -165,11 +178,22 @@ TEST(SyncRun, AnEmptyLocalRosterIsDownloadedAndComparedAgain) {
     EXPECT_EQ(ExitCode(d.summary), 3);
 }
 
-TEST(SyncRun, DifferingRostersFollowPrefer) {
-    ScriptedComponent server;
-    server.results["CompareCustomerList"] = {3, 0};
-    RunWith(server, Prefer::Server);
-    EXPECT_TRUE(server.Called("SyncDownloadCustomerList"));
+TEST(SyncRun, WithoutAPersonDifferingRostersAreJoinedAndNothingIsDeleted) {
+    for (Prefer p : {Prefer::Server, Prefer::Local}) {
+        ScriptedComponent c;
+        c.members.insert({"SyncUploadAddCustomer", "SyncUploadDelCustomer"});
+        c.results["CompareCustomerList"] = {3, 0};
+        c.add = "2";
+        c.del = "9";
+        Outcome o = RunWith(c, p);
+        const long added = c.Position("SyncUploadAddCustomer /data/Customer.dat 2");
+        ASSERT_GE(added, 0);
+        EXPECT_LT(added, c.Position("SyncDownloadCustomerList")) << "added before it is taken";
+        EXPECT_FALSE(c.Called("SyncUploadDelCustomer"));
+        EXPECT_EQ(o.summary.uploads, 1);
+        EXPECT_EQ(o.summary.downloads, 1);
+        EXPECT_EQ(ExitCode(o.summary), 3) << "kinds without a worker remain";
+    }
 
     ScriptedComponent skip;
     skip.results["CompareCustomerList"] = {3};
@@ -179,6 +203,112 @@ TEST(SyncRun, DifferingRostersFollowPrefer) {
     EXPECT_EQ(o.summary.conflicts, 1);
     EXPECT_EQ(o.summary.customers, 1) << "customer 2 is only local";
     EXPECT_EQ(ExitCode(o.summary), 1);
+}
+
+TEST(SyncRun, TheServersRosterIsNotTakenWhenItWouldDeleteLocalCustomers) {
+    // The add fails: the server still lacks customer 2, and taking its roster would delete
+    // customer 2 locally.
+    ScriptedComponent failed;
+    failed.members.insert({"SyncUploadAddCustomer", "SyncUploadDelCustomer"});
+    failed.results["CompareCustomerList"] = {3, 3};
+    failed.results["SyncUploadAddCustomer"] = {0};
+    failed.add = "2";
+    failed.del = "9";
+    Outcome o = RunWith(failed, Prefer::Server);
+    EXPECT_FALSE(failed.Called("SyncDownloadCustomerList"));
+    EXPECT_EQ(o.summary.failures, 1);
+    EXPECT_EQ(ExitCode(o.summary), 1);
+
+    // No add worker at all: the same holds.
+    ScriptedComponent absent;
+    absent.results["CompareCustomerList"] = {3};
+    absent.add = "2";
+    absent.del = "9";
+    RunWith(absent, Prefer::Server);
+    EXPECT_FALSE(absent.Called("SyncDownloadCustomerList"));
+}
+
+TEST(SyncRun, TheRosterDialogsAnswerDecidesTheReconciliation) {
+    const auto run = [](int answer) {
+        auto c = std::make_unique<ScriptedComponent>();
+        c->members.insert(
+            {"SyncUploadAddCustomer", "SyncUploadDelCustomer", "ShowCompareCustListDlg",
+             "GetCompareCustListDlg_AddServerIDs", "GetCompareCustListDlg_DelServerIDs",
+             "GetCompareCustListDlg_AddLocalIDs", "GetCompareCustListDlg_DelLocalIDs"});
+        c->results["CompareCustomerList"] = {3, 0};
+        c->results["ShowCompareCustListDlg"] = {answer};
+        c->add = "2,3";
+        c->del = "9";
+        c->texts["GetCompareCustListDlg_AddServerIDs"] = "3";
+        c->texts["GetCompareCustListDlg_DelLocalIDs"] = "2";
+        c->texts["GetCompareCustListDlg_DelServerIDs"] = "9";
+        c->texts["GetCompareCustListDlg_AddLocalIDs"] = "";
+        Outcome o = RunWith(*c, Prefer::Ask);
+        return std::pair{std::move(c), o};
+    };
+    {
+        auto [c, o] = run(-1);
+        EXPECT_FALSE(c->Called("CustmerBackupedTableSyncFlag")) << "a cancel stops the run";
+        EXPECT_FALSE(c->Called("SyncUpload"));
+        EXPECT_EQ(ExitCode(o.summary), 1);
+    }
+    {
+        auto [c, o] = run(2);  // the local roster whole
+        EXPECT_TRUE(c->Called("SyncUploadAddCustomer /data/Customer.dat 2"));
+        EXPECT_TRUE(c->Called("SyncUploadAddCustomer /data/Customer.dat 3"));
+        EXPECT_TRUE(c->Called("SyncUploadDelCustomer 9"));
+        EXPECT_FALSE(c->Called("SyncDownloadCustomerList"));
+    }
+    {
+        auto [c, o] = run(1);  // the server's roster whole
+        EXPECT_TRUE(c->Called("SyncDownloadCustomerList"));
+        EXPECT_FALSE(c->Called("SyncUpload"));
+    }
+    {
+        auto [c, o] = run(6);  // customer by customer: 3 up, 9 deleted, 2 deleted locally
+        EXPECT_TRUE(c->Called("SyncUploadAddCustomer /data/Customer.dat 3"));
+        EXPECT_FALSE(c->Called("SyncUploadAddCustomer /data/Customer.dat 2"));
+        EXPECT_LT(c->Position("SyncUploadDelCustomer 9"), c->Position("SyncDownloadCustomerList"));
+        EXPECT_EQ(o.summary.uploads, 2);
+        EXPECT_EQ(o.summary.downloads, 1);
+    }
+}
+
+TEST(SyncRun, ADryRunOnlyTellsWhatTheRosterWouldDo) {
+    ScriptedComponent c;
+    c.members.insert({"SyncUploadAddCustomer", "SyncUploadDelCustomer", "CheckInetEnabledFlags"});
+    c.results["CompareCustomerList"] = {3};
+    c.add = "2";
+    c.del = "9";
+    Outcome o = RunWith(c, Prefer::Server, true);
+    EXPECT_FALSE(c.Called("SyncUpload"));
+    EXPECT_FALSE(c.Called("SyncDownloadCustomerList"));
+    EXPECT_FALSE(c.Called("CheckInetEnabledFlags")) << "the check sets flags on the server";
+    EXPECT_EQ(o.summary.planned, 2);
+    EXPECT_NE(o.out.find("would add customer 2 to the server"), std::string::npos) << o.out;
+}
+
+TEST(SyncRun, BackupTargetsOutOfBalanceNeedAPersonAndOnlyTargetsAreWalked) {
+    const auto make = [] {
+        auto c = std::make_unique<ScriptedComponent>();
+        c->members.insert({"CheckInetEnabledFlags", "ShowSelectCustEnabledDlg",
+                           "CustmerInetEnabledFlag", "CheckExistCustID"});
+        c->results["CheckInetEnabledFlags"] = {3};
+        c->results["CustmerInetEnabledFlag"] = {0, 1};  // customer 1 no, customer 2 yes
+        return c;
+    };
+    auto asked = make();
+    Outcome a = RunWith(*asked, Prefer::Ask);
+    EXPECT_TRUE(asked->Called("ShowSelectCustEnabledDlg  /data/Customer.dat 2"));
+    EXPECT_EQ(a.summary.conflicts, 0);
+    EXPECT_EQ(a.summary.customers, 1);
+    EXPECT_FALSE(asked->Called("CustmerBackupedTableSyncFlag 1 "));
+
+    auto unattended = make();
+    Outcome u = RunWith(*unattended, Prefer::Server);
+    EXPECT_FALSE(unattended->Called("ShowSelectCustEnabledDlg"));
+    EXPECT_EQ(u.summary.conflicts, 1);
+    EXPECT_EQ(ExitCode(u.summary), 1);
 }
 
 TEST(SyncRun, KindsWithoutAWorkerAreReportedFromTheStampsAndNeverCalled) {
