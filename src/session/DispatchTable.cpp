@@ -14,6 +14,8 @@ DispatchTable Build() {
     RegisterLoginMembers(table);
     RegisterStoreMembers(table);
     RegisterServerTimeMembers(table);
+    RegisterLockMembers(table);
+    RegisterFlagMembers(table);
     RegisterRosterMembers(table);
     return table;
 }

@@ -202,6 +202,8 @@ void RegisterSessionMembers(DispatchTable& table);
 void RegisterLoginMembers(DispatchTable& table);
 void RegisterStoreMembers(DispatchTable& table);
 void RegisterServerTimeMembers(DispatchTable& table);
+void RegisterLockMembers(DispatchTable& table);
+void RegisterFlagMembers(DispatchTable& table);
 void RegisterRosterMembers(DispatchTable& table);
 
 }  // namespace morvane

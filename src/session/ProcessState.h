@@ -60,6 +60,8 @@ public:
     std::int32_t masterLockState = 0;
     std::unique_ptr<forms::Form> customerLockTimer;
     std::unique_ptr<forms::Form> masterLockTimer;
+    // Objects of ctrlMorvane alive in the process. Reset leaves it: objects outlive a reset.
+    std::int32_t liveObjects = 0;
 
     PendingError err;
 

@@ -1,5 +1,6 @@
 #include "session/ctrlMorvane.h"
 
+#include "locks/mdlLock.h"
 #include "roster/cCustList.h"
 #include "store/cCustListSync.h"
 
@@ -9,12 +10,16 @@
 namespace morvane {
 
 ctrlMorvane::ctrlMorvane() {
+    ++State().liveObjects;
     State().objectUsage = 0;
     ResetLogin();
 }
 
 ctrlMorvane::~ctrlMorvane() {
     StopLoginTimer();
+    // With the last object the lock renewals end, unreleased, as at the end of the process:
+    // nobody is left to release them, and the host's toolkit may go next.
+    if (--State().liveObjects == 0) DropLockTimers();
     // The slots empty themselves, each by itself, as the members go.
 }
 

@@ -59,6 +59,26 @@ public:
     std::string InetServerTimeOffset() const;
     std::string InetDataFolderTimeOffset() const;
 
+    // ---- Server locks on a customer or a master, renewed while they are wanted
+    std::int32_t LockCoustomer(std::int32_t CustID);
+    std::int32_t UnlockCoustomer(std::int32_t CustID);
+    std::int32_t LockMasterData(std::int32_t MastID);
+    std::int32_t UnlockMasterData(std::int32_t MastID);
+
+    // ---- Backup target flags of the roster snapshot, and the dialog that sets them
+    std::int32_t CustmerInetEnabledFlag(std::int32_t CustID) const;
+    std::string CustmerCode_Server(std::int32_t CustID) const;
+    std::string CustmerCorpName_Server(std::int32_t CustID) const;
+    std::int32_t CheckExistCustID(std::int32_t CustID) const;
+    std::int32_t CheckInetEnabledFlags(const std::string& LocalDB);
+    std::int32_t SyncUploadCustomerInetEnabledFlag(const std::string& LocalDB, std::int32_t CustID,
+                                                   std::int32_t nFlag);
+    // The four parameters are accepted and not used.
+    std::int32_t ShowSelectCustEnabledDlg(forms::Form* OwnerForm, const std::string& LocalDB,
+                                          std::int32_t Showtype, const Value& Param1,
+                                          const Value& Param2, const Value& Param3,
+                                          const Value& Param4);
+
     // ---- Customer roster and the per-table snapshot of its comparison
     std::int32_t CompareCustomerList(const std::string& LocalDB);
     std::int32_t CompareCustomerListItem(const std::string& LocalDB, std::int32_t CustID);

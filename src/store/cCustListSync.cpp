@@ -2,7 +2,14 @@
 
 #include <cmath>
 
+#include "locks/mdlLock.h"
+#include "roster/frmSelectEnabledCustList.h"
+#include "session/ProcessState.h"
+#include "session/mdlLogin.h"
 #include "store/mdlMorvaneCommon.h"
+#include "transport/RequestBody.h"
+#include "transport/mdlServerConst.h"
+#include "transport/mdlServerReply.h"
 #include "util/Nz.h"
 
 namespace morvane {
@@ -236,6 +243,56 @@ void cCustListSync::Reindex() {
         if (!items_[i]->Key.empty()) byKey_.emplace(items_[i]->Key, i);
         firstOfId_.push_back(byId_.emplace(items_[i]->Id(), i).second);
     }
+}
+
+std::int32_t cCustListSync::CheckInetEnabledFlags(const std::string& localDB) {
+    const std::int32_t total = Count();
+    std::int32_t enabled = 0;
+    for (const auto& item : items_)
+        if (item->InetEnableFlag == 1) ++enabled;
+    if (kEnabledLimit < total) {
+        if (kEnabledLimit > enabled) return 3;
+        return kEnabledLimit == enabled ? 2 : 0;
+    }
+    if (total == enabled) return 1;
+    for (const auto& item : items_) {
+        if (item->InetEnableFlag != 0) continue;
+        const std::int32_t custId = item->Id();
+        if (custId > 0 && LockCustomerWorker(custId) == 1) {
+            SyncUploadInetEnabledFlag(localDB, custId, 1);
+            UnlockCustomerWorker(custId);
+        }
+        // Set even when the lock was refused: the server keeps the old flag then.
+        item->InetEnableFlag = 1;
+    }
+    return 1;
+}
+
+std::int32_t cCustListSync::SyncUploadInetEnabledFlag(const std::string& /*localDB*/,
+                                                      std::int32_t custId, std::int32_t flag) {
+    std::string body = LowerCustomerBody(custId);
+    AppendField(body, "InetEnableFlag", std::to_string(flag));
+    const std::string reply = SendRequest(page::kSetInetEnableFlag, body);
+    return !reply.empty() && GetLoginState() == 1 ? 1 : 0;
+}
+
+std::int32_t cCustListSync::ShowSelectCustEnabledDlg(forms::Form* owner, const std::string& localDB,
+                                                     std::int32_t showtype) {
+    frmSelectEnabledCustList form(State().Toolkit());
+    form.LocalDB = localDB;
+    form.Showtype = std::to_string(showtype);
+    form.ServerData = this;
+    form.ShowModal(owner);
+    const bool cancelled = form.bCancel();
+    std::string enabled = form.EnabledIDs();
+    std::string disabled = form.DisabledIDs();
+    form.Unload();
+    if (cancelled) {
+        SetTargetIDs({}, {});
+        return 0;
+    }
+    SetTargetIDs(std::move(enabled), std::move(disabled));
+    return 1;
 }
 
 }  // namespace morvane

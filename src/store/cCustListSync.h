@@ -18,6 +18,10 @@
 
 namespace morvane {
 
+namespace forms {
+class Form;
+}
+
 // A local stamp as its field gave it: nothing (Null), a date, or any other value kept whole.
 class LocalStamp {
 public:
@@ -94,6 +98,21 @@ public:
 
     // 1 when an item has this customer number, else 0.
     std::int32_t CheckExistCustID(std::int32_t custId) const;
+
+    // The backup target flags against a limit of kEnabledLimit customers: 3 room left, 2 the
+    // limit filled, 0 more set than it allows, each only with more customers than the limit;
+    // else 1, once every customer not backed up is set to 1 (on the server only where its
+    // lock was granted).
+    std::int32_t CheckInetEnabledFlags(const std::string& localDB);
+    // Posts one customer's flag; 1 when the reply was not empty and the login holds.
+    std::int32_t SyncUploadInetEnabledFlag(const std::string& localDB, std::int32_t custId,
+                                           std::int32_t flag);
+    // Lets the user choose the targets: 1 with the chosen IDs kept, 0 cancelled with both
+    // texts emptied.
+    std::int32_t ShowSelectCustEnabledDlg(forms::Form* owner, const std::string& localDB,
+                                          std::int32_t showtype);
+    // Kept as it has always been, far above any allowance, so that the check never limits.
+    static constexpr std::int32_t kEnabledLimit = 9999;
     // A new item under the key (none when empty); an existing key adds nothing and gives
     // the item it names.
     cCustListSyncItem& Add(const std::string& key, std::int32_t id = 0);

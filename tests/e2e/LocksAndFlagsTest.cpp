@@ -1,0 +1,170 @@
+// Locks and backup target flags against the reference server: two users of one account
+// taking turns at a customer and a master, and the flags chosen in the dialog reaching the
+// server's roster.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <memory>
+#include <string>
+
+#include "server/MorvaneServer.h"
+#include "server/core/Clock.h"
+#include "session/ProcessState.h"
+#include "session/ctrlMorvane.h"
+#include "session/mdlLogin.h"
+#include "session/mdlRegConstMorvane.h"
+#include "session/mdlRegControlMorvane.h"
+#include "store/LocalDatabases.h"
+#include "support/ScriptedToolkit.h"
+#include "support/TempDir.h"
+#include "transport/RequestBody.h"
+#include "transport/mdlServerConst.h"
+#include "transport/mdlServerReply.h"
+
+namespace morvane::test {
+namespace {
+
+constexpr const char* kContract = "K-200";
+
+class LocksAndFlagsTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        clock_ = std::make_shared<server::ManualClock>();
+        server::ServerOptions options;
+        options.dataDir = temp_.Path() / "server";
+        options.clock = clock_;
+        options.lockExpiry = std::chrono::minutes(15);
+        server_ = std::make_unique<server::MorvaneServer>(options);
+        server::AccountFields account;
+        account.contractNo = kContract;
+        account.contractorName = "テスト建設事務所";
+        account.contractBegin = "2026/04/01";
+        account.contractEnd = "2027/03/31";
+        account.sharedCount = 2;
+        account.maxCustomer = 2;
+        server_->CreateAccount(account);
+        server_->AddUser(kContract, "u1", "secret-1", "事務員一");
+        server_->AddUser(kContract, "u2", "secret-2", "事務員二");
+        server_->Start();
+    }
+
+    void TearDown() override {
+        State().Reset();
+        server_->Stop();
+    }
+
+    // One office of the host, with its own settings, logged in as its user.
+    void UseOffice(const std::string& office, const std::string& user,
+                   const std::string& password) {
+        State().Reset();
+        State().SetSettingsRoot(temp_.Path() / office / "config");
+        kit_ = std::make_shared<ScriptedToolkit>();
+        State().SetToolkit(kit_);
+        platform::HttpOptions http;
+        http.caFile = server_->CertFile().string();
+        State().SetHttpOptions(http);
+        WriteMorvaneSetting(reg::kServerName, server_->ServerName());
+        WriteMorvaneSetting(reg::kContractNo, kContract);
+        ASSERT_TRUE(DoLogin(user, password, kContract));
+    }
+
+    void CreateCustomer(std::int32_t id) {
+        std::string body = LowerCustomerBody(id);
+        AppendField(body, "Code", "C" + std::to_string(id));
+        AppendField(body, "CorpName0", "有限会社" + std::to_string(id));
+        AppendField(body, "CorpKanaS", "ﾕｳ");
+        AppendField(body, "CorpKana0", "ﾕｳ");
+        ASSERT_NE(SendRequest(page::kCreateCompKihon, body), "") << id;
+    }
+
+    // Fires a lock form's timer n times, as the message loop would every minute.
+    static void Tick(std::unique_ptr<forms::Form>& slot, int n) {
+        ASSERT_NE(slot, nullptr);
+        for (int i = 0; i < n; ++i) slot->Get<forms::Timer>("tmr").Fire();
+    }
+
+    TempDir temp_;
+    std::shared_ptr<server::ManualClock> clock_;
+    std::unique_ptr<server::MorvaneServer> server_;
+    std::shared_ptr<ScriptedToolkit> kit_;
+};
+
+TEST_F(LocksAndFlagsTest, TheSecondUserWaitsWhileTheFirstHoldsAndRenewsTheLocks) {
+    {
+        ctrlMorvane a;
+        UseOffice("a", "u1", "secret-1");
+        CreateCustomer(7);
+        EXPECT_EQ(a.LockCoustomer(7), 1);
+        EXPECT_EQ(a.LockMasterData(2), 1);
+        // Past the first grant's expiry, held by the renewal of the tenth minute.
+        clock_->Advance(std::chrono::minutes(10));
+        Tick(State().customerLockTimer, 10);
+        Tick(State().masterLockTimer, 10);
+        clock_->Advance(std::chrono::minutes(10));
+        EXPECT_TRUE(kit_->Boxes().empty());
+    }
+    {
+        ctrlMorvane b;
+        UseOffice("b", "u2", "secret-2");
+        EXPECT_EQ(b.LockCoustomer(7), 0);
+        EXPECT_EQ(b.LockMasterData(2), 0);
+        ASSERT_EQ(kit_->Boxes().size(), 2u);
+        EXPECT_EQ(kit_->Boxes()[0].title, "顧客情報のロック");
+        EXPECT_EQ(b.LoginState(), 1);
+        // Another user's unlock leaves the lock where it is.
+        EXPECT_EQ(b.UnlockCoustomer(7), 1);
+        EXPECT_EQ(b.LockCoustomer(7), 0);
+    }
+    {
+        ctrlMorvane a;
+        UseOffice("a", "u1", "secret-1");
+        EXPECT_EQ(a.UnlockCoustomer(7), 1);
+        EXPECT_EQ(a.UnlockMasterData(2), 1);
+    }
+    {
+        ctrlMorvane b;
+        UseOffice("b", "u2", "secret-2");
+        EXPECT_EQ(b.LockCoustomer(7), 1);
+        EXPECT_EQ(b.LockMasterData(2), 1);
+        EXPECT_TRUE(kit_->Boxes().empty());
+    }
+}
+
+TEST_F(LocksAndFlagsTest, FlagsChosenInTheDialogReachTheServer) {
+    ctrlMorvane obj;
+    UseOffice("a", "u1", "secret-1");
+    const auto db = CreateLocalDatabases(temp_.Path() / "a" / "db").customer.string();
+    for (std::int32_t id = 1; id <= 3; ++id) CreateCustomer(id);
+    // The account allows two: the first two are backed up; take the second out for now.
+    obj.CompareCustomerList(db);
+    EXPECT_EQ(obj.CustmerInetEnabledFlag(2), 1);
+    EXPECT_EQ(obj.CustmerInetEnabledFlag(3), 0);
+    ASSERT_EQ(obj.SyncUploadCustomerInetEnabledFlag(db, 2, 0), 1);
+    obj.CompareCustomerList(db);
+    ASSERT_EQ(obj.CustmerInetEnabledFlag(2), 0);
+
+    // Put customer 3 in: the count meets the allowance of two.
+    kit_->OnShow("frmSelectEnabledCustList", [](forms::Form& f) {
+        auto& grid = f.Get<forms::Grid>("vfaData");
+        ASSERT_EQ(grid.Rows(), 3);
+        EXPECT_EQ(grid.At(2, 2).text, "3");
+        grid.ClickCell(2, 5);
+        f.Get<forms::Button>("cmdDo").Click();
+    });
+    kit_->OnShow("frmSelectEnabledCustListMsg",
+                 [](forms::Form& f) { f.Get<forms::Button>("cmdOK").Click(); });
+    EXPECT_EQ(obj.ShowSelectCustEnabledDlg(nullptr, db, 2, Value(), Value(), Value(), Value()), 1);
+
+    // A fresh look at the server's roster shows what the dialog set.
+    obj.CompareCustomerList(db);
+    EXPECT_EQ(obj.CustmerInetEnabledFlag(1), 1);
+    EXPECT_EQ(obj.CustmerInetEnabledFlag(2), 0);
+    EXPECT_EQ(obj.CustmerInetEnabledFlag(3), 1);
+    // The dialog's lock was let go: the other user can take the customer.
+    for (const auto& box : kit_->Boxes()) ADD_FAILURE() << box.title << ": " << box.text;
+    UseOffice("b", "u2", "secret-2");
+    EXPECT_EQ(obj.LockCoustomer(3), 1);
+}
+
+}  // namespace
+}  // namespace morvane::test

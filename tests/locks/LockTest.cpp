@@ -1,0 +1,181 @@
+// Server locks: the bodies sent, how a lock reply is read, the renewal's tick counting with
+// hand-fired ticks, the refusal boxes, and what ends a timer form.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "locks/frmLockTimer.h"
+#include "locks/mdlLock.h"
+#include "session/ProcessState.h"
+#include "session/ctrlMorvane.h"
+#include "session/mdlLogin.h"
+#include "support/MorvaneTest.h"
+
+namespace morvane::test {
+namespace {
+
+constexpr const char* kLock = "customer/lockComp.php";
+constexpr const char* kUnlock = "customer/unlockComp.php";
+constexpr const char* kLockMaster = "master/lockMaster.php";
+constexpr const char* kRefused =
+    "顧客情報をロックできませんでした。 \r\n他のユーザーが利用中の可能性があります。";
+
+std::string LockReply(const std::string& result, const std::string& target = "Customer") {
+    return Envelope(
+        1, "T2",
+        "<LockInfo><" + target + "><result>" + result + "</result></" + target + "></LockInfo>");
+}
+
+frmLockTimer* CustomerTimer() {
+    return dynamic_cast<frmLockTimer*>(State().customerLockTimer.get());
+}
+
+class LockTest : public MorvaneTest {
+protected:
+    std::vector<std::string> Bodies(const std::string& page) const {
+        std::vector<std::string> bodies;
+        for (const auto& r : server_->RequestsTo(page)) bodies.push_back(r.body);
+        return bodies;
+    }
+    ctrlMorvane obj_;
+};
+
+TEST_F(LockTest, LockAndUnlockBodiesOfBothKinds) {
+    LogIn("T1");
+    server_->On(kLock, LockReply("1"));
+    server_->On(kUnlock, Envelope(1, "T3"));
+    EXPECT_EQ(obj_.LockCoustomer(5), 1);
+    ASSERT_NE(CustomerTimer(), nullptr);
+    EXPECT_EQ(CustomerTimer()->CustID, 5);
+    EXPECT_EQ(CustomerTimer()->Get<forms::Timer>("tmr").Interval(), 60000);
+    EXPECT_EQ(obj_.UnlockCoustomer(5), 1);
+    EXPECT_EQ(Bodies(kLock), std::vector<std::string>{"id=user1&token=T1&CustomerID=5&"});
+    EXPECT_EQ(Bodies(kUnlock), std::vector<std::string>{"id=user1&token=T2&CustomerID=5&"});
+    EXPECT_EQ(State().customerLockTimer, nullptr);
+
+    server_->On(kLockMaster, LockReply("1", "Master"));
+    server_->On("master/unlockMaster.php", Envelope(1, "T4"));
+    EXPECT_EQ(obj_.LockMasterData(3), 1);
+    EXPECT_EQ(obj_.UnlockMasterData(3), 1);
+    EXPECT_EQ(Bodies(kLockMaster), std::vector<std::string>{"id=user1&token=T3&MasterID=3&"});
+    EXPECT_EQ(Bodies("master/unlockMaster.php"),
+              std::vector<std::string>{"id=user1&token=T2&MasterID=3&"});
+    EXPECT_TRUE(kit_->Boxes().empty());
+}
+
+TEST_F(LockTest, OnlyAResultOfExactlyOneUnderEitherTargetIsAGrant) {
+    const std::vector<std::pair<std::string, bool>> cases = {
+        {"<LockInfo><Master><result>1</result></Master></LockInfo>", true},
+        {"<LockInfo><cUsToMeR><RESULT>1</RESULT></cUsToMeR></LockInfo>", true},
+        {"<LockInfo><Customer><result> 1</result></Customer></LockInfo>", false},
+        {"<lockinfo><Customer><result>1</result></Customer></lockinfo>", false},
+        // The last result under the first LockInfo stands.
+        {"<LockInfo><Customer><result>0</result><result>1</result></Customer></LockInfo>", true},
+        {"<LockInfo><Customer><result>1</result></Customer><Master><result>0</result></Master>"
+         "</LockInfo><LockInfo><Customer><result>1</result></Customer></LockInfo>",
+         false},
+        {"<LockInfo><result>1</result><Customer><x><result>1</result></x></Customer></LockInfo>",
+         false},
+    };
+    for (const auto& [payload, granted] : cases) {
+        State().customerLockState = 1;  // a stale grant must not survive
+        EXPECT_EQ(ParseLockInfo("<r>" + payload + "</r>", LockKind::Customer), granted) << payload;
+        EXPECT_EQ(State().customerLockState, granted ? 1 : 0) << payload;
+    }
+    EXPECT_FALSE(ParseLockInfo("<r><LockInfo>", LockKind::Master));
+}
+
+TEST_F(LockTest, ARefusalIsToldByABoxAndTheResultWhileTheTimerGoesOn) {
+    LogIn();
+    server_->On(kLock, LockReply(" 1"));
+    EXPECT_EQ(obj_.LockCoustomer(8), 0);
+    server_->On(kLockMaster, LockReply("0", "Master"));
+    EXPECT_EQ(obj_.LockMasterData(2), 0);
+    ASSERT_EQ(kit_->Boxes().size(), 2u);
+    EXPECT_EQ(kit_->Boxes()[0].text, kRefused);
+    EXPECT_EQ(kit_->Boxes()[0].icon, forms::MsgIcon::Exclamation);
+    EXPECT_EQ(kit_->Boxes()[1].text,
+              "マスタ情報をロックできませんでした。 \r\n他のユーザーが利用中の可能性があります。");
+    // The master's refusal goes under the customer's caption.
+    EXPECT_EQ(kit_->Boxes()[0].title, "顧客情報のロック");
+    EXPECT_EQ(kit_->Boxes()[1].title, "顧客情報のロック");
+    EXPECT_EQ(GetLoginState(), 1);
+    EXPECT_TRUE(kit_->TimerLive("frmLockTimer", "tmr"));
+}
+
+TEST_F(LockTest, RenewalsGoOnEveryTenthTickAndEachFailedOneIsTold) {
+    LogIn();
+    server_->On(kLock, LockReply("1"));
+    ASSERT_EQ(obj_.LockCoustomer(6), 1);
+    std::vector<int> askedAt;
+    for (int tick = 1; tick <= 21; ++tick) {
+        const size_t before = server_->RequestsTo(kLock).size();
+        ASSERT_TRUE(kit_->FireTimer("frmLockTimer", "tmr")) << tick;
+        if (server_->RequestsTo(kLock).size() != before) askedAt.push_back(tick);
+        if (tick == 5) server_->On(kLock, LockReply("0"));
+        if (tick == 15) server_->On(kLock, "");
+    }
+    EXPECT_EQ(askedAt, (std::vector<int>{10, 20}));
+    EXPECT_EQ(Bodies(kLock).back(), "id=user1&token=T2&CustomerID=6&");
+    // One lock box per failed renewal (the empty reply brings the reply check's own too).
+    int lockBoxes = 0;
+    for (const auto& box : kit_->Boxes()) lockBoxes += box.text == kRefused;
+    EXPECT_EQ(lockBoxes, 2);
+    EXPECT_TRUE(kit_->TimerLive("frmLockTimer", "tmr"));
+}
+
+TEST_F(LockTest, ASecondLockDropsTheFirstWithoutUnlockingIt) {
+    LogIn();
+    server_->On(kLock, LockReply("1"));
+    ASSERT_EQ(obj_.LockCoustomer(1), 1);
+    ASSERT_EQ(obj_.LockCoustomer(2), 1);
+    server_->ClearRequests();
+    for (int tick = 0; tick < 10; ++tick) ASSERT_TRUE(kit_->FireTimer("frmLockTimer", "tmr"));
+    EXPECT_EQ(Bodies(kLock), std::vector<std::string>{"id=user1&token=T2&CustomerID=2&"});
+    EXPECT_TRUE(server_->RequestsTo(kUnlock).empty());
+}
+
+TEST_F(LockTest, NumbersBelowOneSendNothingAndUnlockSendsItsArgument) {
+    LogIn();
+    server_->On(kUnlock, Envelope(1, "T3"));
+    EXPECT_EQ(obj_.LockCoustomer(0), 0);
+    EXPECT_EQ(obj_.LockMasterData(-1), 0);
+    EXPECT_TRUE(server_->Requests().empty());
+    EXPECT_TRUE(kit_->Boxes().empty());
+    EXPECT_FALSE(kit_->TimerLive("frmLockTimer", "tmr"));
+    // Without a lock, and another customer than the one held: the argument goes.
+    EXPECT_EQ(obj_.UnlockCoustomer(4), 1);
+    EXPECT_EQ(Bodies(kUnlock), std::vector<std::string>{"id=user1&token=T1&CustomerID=4&"});
+    EXPECT_EQ(State().customerLockTimer, nullptr);
+    server_->On(kUnlock, "");
+    EXPECT_EQ(obj_.UnlockCoustomer(4), 0);
+}
+
+class ObjectEndTest : public MorvaneTest {};
+
+TEST_F(ObjectEndTest, OnlyTheLastObjectOrAResetEndsTheTimersAndNeitherUnlocks) {
+    server_->On(kLock, LockReply("1"));
+    auto first = std::make_unique<ctrlMorvane>();
+    {
+        ctrlMorvane second;
+        LogIn();
+        ASSERT_EQ(second.LockCoustomer(1), 1);
+    }
+    ASSERT_NE(CustomerTimer(), nullptr);  // the locks are the process's, and first lives
+    first.reset();
+    EXPECT_EQ(CustomerTimer(), nullptr);
+    EXPECT_FALSE(kit_->TimerLive("frmLockTimer", "tmr"));
+
+    ctrlMorvane third;
+    LogIn();
+    ASSERT_EQ(third.LockCoustomer(1), 1);
+    State().Reset();
+    EXPECT_EQ(CustomerTimer(), nullptr);
+    EXPECT_EQ(State().customerLockState, 0);
+    EXPECT_TRUE(server_->RequestsTo(kUnlock).empty());
+}
+
+}  // namespace
+}  // namespace morvane::test
