@@ -236,7 +236,7 @@ ControlBinding BuildGrid(forms::Control& c, QWidget* parent) {
                 w->setRowCount(grid.Rows());
                 w->setColumnCount(grid.Cols());
                 QStringList headers;
-                for (const auto& h : grid.headers) headers << Q(h);
+                for (const auto& h : grid.headers) headers << Shown(h);
                 if (!headers.isEmpty()) w->setHorizontalHeaderLabels(headers);
                 for (int r = 0; r < grid.Rows(); ++r) {
                     for (int col = 0; col < grid.Cols(); ++col) {
