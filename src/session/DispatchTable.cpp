@@ -15,6 +15,7 @@ DispatchTable Build() {
     RegisterStoreMembers(table);
     RegisterServerTimeMembers(table);
     RegisterRosterMembers(table);
+    RegisterRecordMembers(table);
     return table;
 }
 

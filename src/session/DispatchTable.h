@@ -203,5 +203,6 @@ void RegisterLoginMembers(DispatchTable& table);
 void RegisterStoreMembers(DispatchTable& table);
 void RegisterServerTimeMembers(DispatchTable& table);
 void RegisterRosterMembers(DispatchTable& table);
+void RegisterRecordMembers(DispatchTable& table);
 
 }  // namespace morvane

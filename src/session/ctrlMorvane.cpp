@@ -1,5 +1,6 @@
 #include "session/ctrlMorvane.h"
 
+#include "record/cCustKihon.h"
 #include "roster/cCustList.h"
 #include "store/cCustListSync.h"
 
