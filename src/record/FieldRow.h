@@ -19,23 +19,26 @@ template <class Record>
 class Slot {
 public:
     Slot() = default;
-    Slot(std::string Record::*m) : text_([m](Record& r) -> std::string& { return r.*m; }) {}
-    Slot(std::int32_t Record::*m) : number_([m](Record& r) -> std::int32_t& { return r.*m; }) {}
+    Slot(std::string Record::*m)
+        : text_([m](Record& r) -> std::string& { return r.*m; }),
+          get_([m](const Record& r) { return Value(r.*m); }) {}
+    Slot(std::int32_t Record::*m)
+        : number_([m](Record& r) -> std::int32_t& { return r.*m; }),
+          get_([m](const Record& r) { return Value(r.*m); }) {}
     template <std::size_t N>
     Slot(std::array<std::string, N> Record::*m, std::size_t i)
-        : text_([m, i](Record& r) -> std::string& { return (r.*m).at(i); }) {}
+        : text_([m, i](Record& r) -> std::string& { return (r.*m).at(i); }),
+          get_([m, i](const Record& r) { return Value((r.*m).at(i)); }) {}
     template <std::size_t N>
     Slot(std::array<std::int32_t, N> Record::*m, std::size_t i)
-        : number_([m, i](Record& r) -> std::int32_t& { return (r.*m).at(i); }) {}
+        : number_([m, i](Record& r) -> std::int32_t& { return (r.*m).at(i); }),
+          get_([m, i](const Record& r) { return Value((r.*m).at(i)); }) {}
 
-    explicit operator bool() const { return text_ || number_; }
+    explicit operator bool() const { return static_cast<bool>(get_); }
     bool IsNumber() const { return static_cast<bool>(number_); }
 
     // The member as a value: its text, or its number.
-    Value Get(const Record& r) const {
-        Record& m = const_cast<Record&>(r);
-        return IsNumber() ? Value(number_(m)) : Value(text_(m));
-    }
+    Value Get(const Record& r) const { return get_(r); }
     // Stores a text into a text member, a number into a number member.
     void Set(Record& r, const Value& v) const {
         if (IsNumber())
@@ -47,6 +50,7 @@ public:
 private:
     std::function<std::string&(Record&)> text_;
     std::function<std::int32_t&(Record&)> number_;
+    std::function<Value(const Record&)> get_;
 };
 
 // How a value comes in from the XML and goes out in a body.
