@@ -17,6 +17,7 @@ DispatchTable Build() {
     RegisterLockMembers(table);
     RegisterFlagMembers(table);
     RegisterRosterMembers(table);
+    RegisterRecordMembers(table);
     return table;
 }
 

@@ -205,5 +205,6 @@ void RegisterServerTimeMembers(DispatchTable& table);
 void RegisterLockMembers(DispatchTable& table);
 void RegisterFlagMembers(DispatchTable& table);
 void RegisterRosterMembers(DispatchTable& table);
+void RegisterRecordMembers(DispatchTable& table);
 
 }  // namespace morvane

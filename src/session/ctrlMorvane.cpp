@@ -1,6 +1,7 @@
 #include "session/ctrlMorvane.h"
 
 #include "locks/mdlLock.h"
+#include "record/cCustKihon.h"
 #include "roster/cCustList.h"
 #include "store/cCustListSync.h"
 

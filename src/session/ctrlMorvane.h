@@ -13,6 +13,7 @@ namespace morvane {
 
 class cCustList;
 class cCustListSync;
+class cCustKihon;
 
 class ctrlMorvane {
 public:
@@ -106,10 +107,19 @@ public:
     std::string GetCompareCustListDlg_DelLocalIDs() const;
     std::string GetCompareCustListDlg_DelServerIDs() const;
 
+    // ---- Customer main record
+    std::int32_t CompareCustomerKihonMain(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncDownloadCustomerKihonMain(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t CompareCustomerKihon(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncDownloadCustomerKihon(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncUploadCustomerKihonNormal(const std::string& LocalDB, std::int32_t CustID);
+
 private:
     // Worker slots, one per kind, added with the members that fill them.
     std::unique_ptr<cCustList> custList_;
     std::unique_ptr<cCustListSync> custListSync_;
+    // Shared by every kind of the customer record.
+    std::unique_ptr<cCustKihon> custKihon_;
 };
 
 }  // namespace morvane

@@ -1,0 +1,73 @@
+// The customer record members: the main record's comparisons, downloads and upload.
+#include "record/cCustKihon.h"
+#include "session/DispatchTable.h"
+#include "session/FacadePatterns.h"
+#include "session/ctrlMorvane.h"
+#include "transport/RequestBody.h"
+#include "transport/mdlServerConst.h"
+
+namespace morvane {
+namespace {
+
+facade::Request KihonRequest(std::string_view path, std::int32_t custId,
+                             facade::Routine routine = facade::Routine::Progress) {
+    return {path, UpperCustomerBody(custId), routine};
+}
+
+bool ReadNormal(cCustKihon& k, const std::string& reply) { return k.ReadXMLNormal(reply); }
+
+// The document the reply check parsed when there is one, else the text.
+bool ReadMain(cCustKihon& k, const JudgedReply& reply) {
+    return reply.document ? k.ReadXMLMain(*reply.document) : k.ReadXMLMain(reply.text);
+}
+
+}  // namespace
+
+std::int32_t ctrlMorvane::CompareCustomerKihonMain(const std::string& LocalDB,
+                                                   std::int32_t CustID) {
+    return facade::CompareJudged<cCustKihon>(
+        custKihon_, KihonRequest(page::kGetCompKihonMain, CustID, facade::Routine::Plain), ReadMain,
+        [&](cCustKihon& k) { return k.CompareLocalDBMain(LocalDB, CustID); }, facade::Keep::Never);
+}
+
+// The main download takes the whole record, from the whole record's page.
+std::int32_t ctrlMorvane::SyncDownloadCustomerKihonMain(const std::string& LocalDB,
+                                                        std::int32_t CustID) {
+    return facade::AlwaysFetch<cCustKihon>(
+        custKihon_, KihonRequest(page::kGetCompKihon, CustID), ReadNormal,
+        [&](cCustKihon& k) { k.SyncDownloadNormal(LocalDB, CustID); });
+}
+
+std::int32_t ctrlMorvane::CompareCustomerKihon(const std::string& LocalDB, std::int32_t CustID) {
+    return facade::Compare<cCustKihon>(
+        custKihon_, KihonRequest(page::kGetCompKihon, CustID), ReadNormal,
+        [&](cCustKihon& k) { return k.CompareLocalDBNormal(LocalDB, CustID); },
+        facade::Keep::NonZero);
+}
+
+std::int32_t ctrlMorvane::SyncDownloadCustomerKihon(const std::string& LocalDB,
+                                                    std::int32_t CustID) {
+    return facade::AlwaysFetch<cCustKihon>(
+        custKihon_, KihonRequest(page::kGetCompKihon, CustID), ReadNormal,
+        [&](cCustKihon& k) { k.SyncDownloadNormal(LocalDB, CustID); });
+}
+
+std::int32_t ctrlMorvane::SyncUploadCustomerKihonNormal(const std::string& LocalDB,
+                                                        std::int32_t CustID) {
+    return facade::Upload<cCustKihon>(
+        [&](cCustKihon& k) { return k.SyncUploadNormal(LocalDB, CustID); });
+}
+
+void RegisterRecordMembers(DispatchTable& t) {
+    t.Method("CompareCustomerKihonMain", &ctrlMorvane::CompareCustomerKihonMain,
+             {"LocalDB", "CustID"});
+    t.Method("SyncDownloadCustomerKihonMain", &ctrlMorvane::SyncDownloadCustomerKihonMain,
+             {"LocalDB", "CustID"});
+    t.Method("CompareCustomerKihon", &ctrlMorvane::CompareCustomerKihon, {"LocalDB", "CustID"});
+    t.Method("SyncDownloadCustomerKihon", &ctrlMorvane::SyncDownloadCustomerKihon,
+             {"LocalDB", "CustID"});
+    t.Method("SyncUploadCustomerKihonNormal", &ctrlMorvane::SyncUploadCustomerKihonNormal,
+             {"LocalDB", "CustID"});
+}
+
+}  // namespace morvane

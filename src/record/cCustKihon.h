@@ -1,0 +1,66 @@
+// One customer's base data as it travels between the server's replies, the local database
+// and the upload bodies: the main record, read, compared, written and sent by its field table.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "record/KihonFields.h"
+
+namespace morvane {
+
+namespace platform {
+class XmlDocument;
+}
+
+class cCustKihon {
+public:
+    std::int32_t CustomerID() const { return customerId_; }
+    const std::string& Code() const { return record_.Code; }
+    // Every field of the main record; arrays are bounds-checked through at().
+    const KihonRecord& Kihon() const { return record_; }
+    // The stamp of the last section read; empty unless the XML text was a date.
+    const std::string& RecordUpdate() const { return recordUpdate_; }
+    std::int32_t ShokuinCount() const { return shokuinCount_; }
+
+    // Clear, then read the main section: the 15 main fields and the staff count must be there.
+    bool ReadXMLMain(std::string_view xml);
+    bool ReadXMLMain(const platform::XmlDocument& doc);
+    // Clear, then read the whole record: the 15 main fields must be there.
+    bool ReadXMLNormal(std::string_view xml);
+    bool ReadXMLNormal(const platform::XmlDocument& doc);
+
+    // The decision code of the stamps when one of the 15 main fields differs, else 0.
+    // Writes nothing.
+    std::int32_t CompareLocalDBMain(const std::string& LocalDB, std::int32_t CustID);
+    // The same over every compared field; stamps the row as agreed when only stamps differ.
+    std::int32_t CompareLocalDBNormal(const std::string& LocalDB, std::int32_t CustID);
+    // Writes the 15 main fields, without stamps and side rows; 1 on success.
+    std::int32_t SyncDownloadMain(const std::string& LocalDB, std::int32_t CustID);
+    // Writes the whole record and its two side rows, stamped now; 1 on success.
+    std::int32_t SyncDownloadNormal(const std::string& LocalDB, std::int32_t CustID);
+    // Loads the record from the database and posts it; 1 when the server took it.
+    std::int32_t SyncUploadNormal(const std::string& LocalDB, std::int32_t CustID);
+
+    // Clear, then fill from the database; false when the row is missing or has no code.
+    bool ReadLocalNormal(const std::string& LocalDB, std::int32_t CustID);
+    // The body SyncUploadNormal posts for what the object holds.
+    std::string UploadBody(std::int32_t CustID) const;
+
+private:
+    enum class Section { Main = 0, Normal = 1 };
+    void ClearData();
+    bool ReadXMLSection(std::string_view xml, Section section);
+    bool ReadXMLSection(const platform::XmlDocument& doc, Section section);
+    bool LoadLocalNormal(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t CompareLocal(const std::string& LocalDB, std::int32_t CustID, bool mainOnly);
+    std::int32_t Download(const std::string& LocalDB, std::int32_t CustID, bool mainOnly);
+
+    std::int32_t customerId_ = 0;
+    KihonRecord record_;
+    std::string recordUpdate_;
+    std::int32_t shokuinCount_ = 0;
+};
+
+}  // namespace morvane

@@ -1,0 +1,127 @@
+// The customer main record between two offices through the reference server: one office
+// sends it up, the other finds it newer, takes it, and then agrees.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <memory>
+
+#include "platform/Dao.h"
+#include "record/cCustKihon.h"
+#include "server/MorvaneServer.h"
+#include "server/core/Clock.h"
+#include "session/ProcessState.h"
+#include "session/ctrlMorvane.h"
+#include "session/mdlLogin.h"
+#include "session/mdlRegConstMorvane.h"
+#include "session/mdlRegControlMorvane.h"
+#include "store/LocalDatabases.h"
+#include "support/ScriptedToolkit.h"
+#include "support/TempDir.h"
+#include "transport/RequestBody.h"
+#include "transport/mdlServerConst.h"
+#include "transport/mdlServerReply.h"
+
+namespace morvane::test {
+namespace {
+
+constexpr const char* kContract = "K-200";
+
+class KihonRecordTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        server::ServerOptions options;
+        options.dataDir = temp_.Path() / "server";
+        options.clock = std::make_shared<server::ManualClock>();
+        server_ = std::make_unique<server::MorvaneServer>(options);
+        server::AccountFields account;
+        account.contractNo = kContract;
+        account.contractorName = "テスト建設事務所";
+        account.sharedCount = 2;
+        account.maxCustomer = 50;
+        server_->CreateAccount(account);
+        server_->AddUser(kContract, "u1", "secret-1", "事務員一");
+        server_->AddUser(kContract, "u2", "secret-2", "事務員二");
+        server_->Start();
+    }
+
+    void TearDown() override {
+        State().Reset();
+        server_->Stop();
+    }
+
+    // One office: its own settings, databases and dialogs.
+    std::string UseOffice(const std::string& name, const SampleDataOptions& data) {
+        State().Reset();
+        State().SetSettingsRoot(temp_.Path() / name / "config");
+        kit_ = std::make_shared<ScriptedToolkit>();
+        State().SetToolkit(kit_);
+        platform::HttpOptions http;
+        http.caFile = server_->CertFile().string();
+        State().SetHttpOptions(http);
+        WriteMorvaneSetting(reg::kServerName, server_->ServerName());
+        WriteMorvaneSetting(reg::kContractNo, kContract);
+        return CreateLocalDatabases(temp_.Path() / name / "db", data).customer.string();
+    }
+
+    // Every field as the upload would send it, without the login part.
+    static std::string Fields(const std::string& db, std::int32_t custId) {
+        cCustKihon k;
+        EXPECT_TRUE(k.ReadLocalNormal(db, custId));
+        const std::string body = k.UploadBody(custId);
+        return body.substr(body.find("&CustomerID="));
+    }
+
+    void NoBoxes() {
+        for (const auto& box : kit_->Boxes()) ADD_FAILURE() << box.title << ": " << box.text;
+    }
+
+    TempDir temp_;
+    std::unique_ptr<server::MorvaneServer> server_;
+    std::shared_ptr<ScriptedToolkit> kit_;
+};
+
+TEST_F(KihonRecordTest, OneOfficeSendsTheRecordAndTheOtherTakesItAndAgrees) {
+    const std::string dbA = UseOffice("a", {.customers = 3});
+    dao::RunScript(
+        dbA,
+        "UPDATE tCustomer SET Code = 'C&2', AcDate = '2019-03-31 00:00:00', Addr0 = '大阪府', "
+        "addr1 = '北区', Addr2 = '梅田1-1', CorpName0 = '梅田建設株式会社', ApfName0 = '梅田 "
+        "一郎', Fax0 = '06', FAX1 = '5555', FAX2 = '6666', TAddr0 = '東京都', Other7 = 'x', "
+        "PmtNo = '123#45', ExOther13 = 'a' || char(9) || 'b', ExOther17 = '12', PmtCheck0 = 1, "
+        "PmtCheck1 = 2, PApDate = '2024-04-01 10:00:00', PmtDate0 = '2024-04-02 00:00:00', "
+        "SeturituDate = '2001-02-03 00:00:00', UserStaffID = 4, KengyoExist = 1, "
+        "KengyoNaiyo = '不動産', NotKanyo = 1 WHERE id = 2;"
+        "UPDATE tCustomerKeisin SET CheckEx = 7 WHERE CustomerID = 2;");
+    ctrlMorvane a;
+    ASSERT_TRUE(DoLogin("u1", "secret-1", kContract));
+    std::string create = LowerCustomerBody(2);
+    AppendField(create, "Code", "C&2");
+    AppendField(create, "CorpName0", "梅田建設株式会社");
+    AppendField(create, "CorpKanaS", "ｳﾒﾀﾞ");
+    AppendField(create, "CorpKana0", "ｳﾒﾀﾞ");
+    ASSERT_NE(SendRequest(page::kCreateCompKihon, create), "");
+    ASSERT_EQ(a.SyncUploadCustomerKihonNormal(dbA, 2), 1);
+    EXPECT_EQ(a.CompareCustomerKihon(dbA, 2), 0);
+    NoBoxes();
+
+    const std::string dbB = UseOffice("b", {});
+    ctrlMorvane b;
+    ASSERT_TRUE(DoLogin("u2", "secret-2", kContract));
+    EXPECT_EQ(b.CompareCustomerList(dbB), 5);
+    ASSERT_EQ(b.SyncDownloadCustomerList(dbB), 1);
+    EXPECT_EQ(b.CompareCustomerKihonMain(dbB, 2), 1);
+    EXPECT_EQ(b.CompareCustomerKihon(dbB, 2), 1);
+    EXPECT_EQ(b.SyncDownloadCustomerKihon(dbB, 2), 1);
+    EXPECT_EQ(b.CompareCustomerKihonMain(dbB, 2), 0);
+    EXPECT_EQ(b.CompareCustomerKihon(dbB, 2), 0);
+    NoBoxes();
+
+    const std::string fieldsA = Fields(dbA, 2);
+    EXPECT_EQ(Fields(dbB, 2), fieldsA);
+    EXPECT_NE(fieldsA.find("&PmtNo=123&"), std::string::npos);
+    EXPECT_NE(fieldsA.find("&other7=45&"), std::string::npos);
+    EXPECT_NE(fieldsA.find("&CheckEx=7&"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace morvane::test

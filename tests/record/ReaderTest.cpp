@@ -1,0 +1,154 @@
+// The record reader: which tags a section needs, how tags match, and where values land.
+#include <gtest/gtest.h>
+
+#include "KihonTestUtil.h"
+#include "record/cCustKihon.h"
+
+namespace morvane::test {
+namespace {
+
+const std::string kStaffCount = "<ShokuinList><ShokuinCount>2</ShokuinCount></ShokuinList>";
+
+TEST(KihonReaderTest, NormalNeedsTheFifteenMainTagsAndMainAlsoTheStaffCount) {
+    cCustKihon k;
+    const std::string only15 = Document(KihonPayload(RequiredTags()));
+    EXPECT_TRUE(k.ReadXMLNormal(only15));
+    EXPECT_EQ(k.CustomerID(), 7);
+    EXPECT_EQ(k.RecordUpdate(), "2024/05/01 10:00:00");
+    EXPECT_EQ(k.Kihon().Addr.at(1), "千代田区");
+    EXPECT_EQ(k.Kihon().ExOther.at(17), "5");
+    EXPECT_EQ(k.Kihon().TAddr.at(0), "");  // all other fields stay empty
+
+    EXPECT_FALSE(k.ReadXMLMain(only15));  // no staff count
+    EXPECT_TRUE(
+        k.ReadXMLMain(Document(KihonPayload(RequiredTags(), "2024/05/01 10:00:00", kStaffCount))));
+    EXPECT_EQ(k.ShokuinCount(), 2);
+
+    // Each of the 15 is needed by both sections.
+    for (size_t drop = 0; drop < RequiredTags().size(); ++drop) {
+        Tags tags = RequiredTags();
+        const std::string name = tags[drop].first;
+        tags.erase(tags.begin() + static_cast<std::ptrdiff_t>(drop));
+        tags.push_back({"TAddr0", "x"});
+        const std::string xml = Document(KihonPayload(tags, "2024/05/01 10:00:00", kStaffCount));
+        EXPECT_FALSE(k.ReadXMLNormal(xml)) << name;
+        EXPECT_FALSE(k.ReadXMLMain(xml)) << name;
+    }
+}
+
+TEST(KihonReaderTest, CustomerIdAndStampMustBeThere) {
+    cCustKihon k;
+    const std::string kihon = "<CompKihon>" + Elements(RequiredTags()) + "</CompKihon>";
+    EXPECT_FALSE(
+        k.ReadXMLNormal(Document("<Customer><CustomerID>7</CustomerID>" + kihon + "</Customer>")));
+    EXPECT_FALSE(k.ReadXMLNormal(Document(
+        "<Customer><RecordUpdate>2024/05/01 10:00:00</RecordUpdate>" + kihon + "</Customer>")));
+    // A stamp that is no date still counts as seen; the object holds none.
+    EXPECT_TRUE(k.ReadXMLNormal(Document(KihonPayload(RequiredTags(), ""))));
+    EXPECT_EQ(k.RecordUpdate(), "");
+    // A customer number that will not convert is seen, and stays 0.
+    EXPECT_TRUE(k.ReadXMLNormal(Document(
+        "<Customer><CustomerID>abc</CustomerID><RecordUpdate>2024/05/01 10:00:00</RecordUpdate>" +
+        kihon + "</Customer>")));
+    EXPECT_EQ(k.CustomerID(), 0);
+}
+
+TEST(KihonReaderTest, ChildTagsMatchWithoutCaseButTheCustomerElementDoesNot) {
+    Tags tags = RequiredTags();
+    for (auto& [tag, text] : tags) {
+        if (tag == "addr1") tag = "ADDR1";
+        if (tag == "FAX2") tag = "fax2";
+    }
+    tags.push_back({"taddr0", "港区"});
+    cCustKihon k;
+    ASSERT_TRUE(k.ReadXMLNormal(Document(KihonPayload(tags))));
+    EXPECT_EQ(k.Kihon().Addr.at(1), "千代田区");
+    EXPECT_EQ(k.Kihon().FAX.at(2), "4444");
+    EXPECT_EQ(k.Kihon().TAddr.at(0), "港区");
+
+    std::string lower = KihonPayload(RequiredTags());
+    lower.replace(lower.find("<Customer>"), 10, "<customer>");
+    lower.replace(lower.rfind("</Customer>"), 11, "</customer>");
+    EXPECT_FALSE(k.ReadXMLNormal(Document(lower)));
+}
+
+TEST(KihonReaderTest, TheLastRecordUpdateWins) {
+    cCustKihon k;
+    const std::string later =
+        "<ShokuinList><RecordUpdate>2024/06/01 08:00:00</RecordUpdate>"
+        "<ShokuinCount>0</ShokuinCount></ShokuinList>";
+    ASSERT_TRUE(
+        k.ReadXMLMain(Document(KihonPayload(RequiredTags(), "2024/05/01 10:00:00", later))));
+    EXPECT_EQ(k.RecordUpdate(), "2024/06/01 08:00:00");
+
+    const std::string blank = "<RecordUpdate></RecordUpdate>";
+    ASSERT_TRUE(
+        k.ReadXMLNormal(Document(KihonPayload(RequiredTags(), "2024/05/01 10:00:00", blank))));
+    EXPECT_EQ(k.RecordUpdate(), "");
+}
+
+TEST(KihonReaderTest, ValuesLandInTheirSlots) {
+    Tags tags = RequiredTags();
+    tags.insert(tags.end(), {{"Other1", "o1"},
+                             {"Other4", "o4"},
+                             {"Other7", "o7"},
+                             {"Other5", "o5"},
+                             {"ExOther4", "e4"},
+                             {"ExOther12", "e12"},
+                             {"CorpKana1", "ｱｲｳ"},
+                             {"PmtCheck0", "3abc"},
+                             {"PmtNo", "123#45"},
+                             {"AddrKana2", "ｶﾅ"},
+                             {"HoKoType", "x"},
+                             {"UserStaffID", "3"},
+                             {"SeturituDate", "2001/02/03"},
+                             {"KengyoNaiyo", "兼業"},
+                             {"NotKanyo", "1"},
+                             {"DataUpdateFlag", "9"},
+                             {"CheckEx", "4"},
+                             {"Manage", "6"},
+                             {"NoSuchTag", "z"}});
+    cCustKihon k;
+    ASSERT_TRUE(k.ReadXMLNormal(Document(KihonPayload(tags))));
+    const KihonRecord& r = k.Kihon();
+    EXPECT_EQ(r.other.at(0), "o1");
+    EXPECT_EQ(r.other.at(9), "o4");
+    EXPECT_EQ(r.other.at(8), "o5");
+    EXPECT_EQ(r.ExOther.at(0), "e4");
+    EXPECT_EQ(r.ExOther.at(12), "e12");
+    EXPECT_EQ(r.CorpKana.at(1), "");  // kept only when numeric
+    EXPECT_EQ(r.PmtCheck.at(0), 3);   // the number the text begins with
+    // The tail of PmtNo comes after Other7 and takes its slot.
+    EXPECT_EQ(r.PmtNo, "123");
+    EXPECT_EQ(r.other.at(6), "45");
+    EXPECT_EQ(r.Reserved1.at(1), "ｶﾅ");
+    EXPECT_EQ(r.Reserved1.at(2), "2001/02/03");
+    EXPECT_EQ(r.Reserved1.at(4), "兼業");
+    EXPECT_EQ(r.Reserved2.at(0), 0);  // a number that will not convert stays 0
+    EXPECT_EQ(r.Reserved2.at(1), 9);  // DataUpdateFlag overwrites UserStaffID
+    EXPECT_EQ(r.Reserved2.at(2), 0);
+    EXPECT_EQ(r.Reserved2.at(7), 1);
+    EXPECT_EQ(r.CheckEx, 4);
+    EXPECT_EQ(r.NyusatsuManage, 6);
+
+    tags.push_back({"CorpKana1", "12"});
+    tags.push_back({"PmtNo", "678"});
+    ASSERT_TRUE(k.ReadXMLNormal(Document(KihonPayload(tags))));
+    EXPECT_EQ(k.Kihon().CorpKana.at(1), "12");
+    EXPECT_EQ(k.Kihon().PmtNo, "678");
+    EXPECT_EQ(k.Kihon().other.at(6), "45");  // a PmtNo without "#" leaves the slot
+}
+
+TEST(KihonReaderTest, BrokenRepliesReadAsFalseAndLeaveNothing) {
+    cCustKihon k;
+    ASSERT_TRUE(k.ReadXMLNormal(Document(KihonPayload(RequiredTags()))));
+    EXPECT_FALSE(k.ReadXMLNormal(""));
+    EXPECT_EQ(k.CustomerID(), 0);
+    EXPECT_EQ(k.Kihon().ZipCode.at(0), "");
+    EXPECT_FALSE(k.ReadXMLNormal("<reply><Customer><CustomerID>7</CustomerID>"));
+    EXPECT_FALSE(k.ReadXMLNormal(Document("<Other/>")));
+    EXPECT_FALSE(k.ReadXMLMain("not xml at all"));
+}
+
+}  // namespace
+}  // namespace morvane::test
