@@ -109,18 +109,22 @@ SyncSummary SyncOffice(const fs::path& db, bool dryRun, std::ostream& out) {
     return summary;
 }
 
-// The live customers of an office as the host shows them: number, code and names.
-std::vector<std::string> RosterRows(const fs::path& db) {
+// The live customers of an office as the host shows them: number, code, names, address
+// and telephone, one text per customer.
+std::vector<std::string> CustomerRows(const fs::path& db) {
+    static const char* const kColumns[] = {"id",       "Code",     "CorpName0", "CorpKanaS",
+                                           "ZipCode0", "ZipCode1", "Addr0",     "Tel0",
+                                           "TEL1",     "TEL2"};
     std::vector<std::string> rows;
     try {
         dao::Workspace ws("", "");
         auto rs = ws.OpenDatabase(db.string())
-                      .OpenRecordset(
-                          "SELECT id, Code, CorpName0, CorpKanaS FROM tCustomer "
-                          "WHERE disabled = 0 ORDER BY id");
-        for (; !rs->Eof(); rs->MoveNext())
-            rows.push_back(NzString((*rs)["id"]) + "\t" + NzString((*rs)["Code"]) + "\t" +
-                           NzString((*rs)["CorpName0"]) + "\t" + NzString((*rs)["CorpKanaS"]));
+                      .OpenRecordset("SELECT * FROM tCustomer WHERE disabled = 0 ORDER BY id");
+        for (; !rs->Eof(); rs->MoveNext()) {
+            std::string row;
+            for (const char* column : kColumns) row += NzString((*rs)[column]) + "\t";
+            rows.push_back(std::move(row));
+        }
     } catch (const std::exception& e) {
         rows = {std::string("(unreadable: ") + e.what() + ")"};
     }
@@ -212,9 +216,9 @@ int RunDemo(const DemoOptions& options, std::ostream& out) {
                std::to_string(s.tablesDiffering) + " table(s) of kinds without one differ)";
     };
     out << "At the end: office A " << agreement(endA) << "; office B " << agreement(endB) << ".\n";
-    const auto rosterA = RosterRows(dbA), rosterB = RosterRows(dbB);
+    const auto rosterA = CustomerRows(dbA), rosterB = CustomerRows(dbB);
     const bool sameRoster = !rosterA.empty() && rosterA == rosterB;
-    out << "Customer rosters of the two offices: "
+    out << "Customers of the two offices (number, code, names, address, telephone): "
         << (sameRoster ? "the same " + std::to_string(rosterA.size()) + " customer(s)"
                        : "different (" + std::to_string(rosterA.size()) + " and " +
                              std::to_string(rosterB.size()) + " customer(s))")

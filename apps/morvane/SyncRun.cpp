@@ -318,23 +318,45 @@ void SyncRun::Customer(std::int32_t id) {
             out_ << "customer " << id << ": lock refused\n";
         }
     }
+    // The snapshot's word on every table first, as it stood before anything moved.
+    std::vector<std::vector<int>> flags(SyncKinds().size());
     std::vector<std::string> differing;
-    for (const SyncKind& kind : SyncKinds()) {
+    std::map<int, int> ways;
+    int compared = 0;
+    for (std::size_t k = 0; k < SyncKinds().size(); ++k) {
+        const SyncKind& kind = SyncKinds()[k];
         if (kind.scope == KindScope::Master) continue;
-        std::vector<int> flags;
         for (int t : kind.tables) {
             const int f = NzLong(c_.Call("CustmerBackupedTableSyncFlag", {Value(id), Value(t)}));
-            ++summary_.tablesCompared;
+            ++compared;
             if (f != 0) {
-                ++summary_.tablesDiffering;
+                ways[f]++;
                 differing.push_back(std::string(tables[static_cast<std::size_t>(t)].name) + " " +
                                     Way(f));
             }
-            flags.push_back(f);
+            flags[k].push_back(f);
         }
+    }
+    summary_.tablesCompared += compared;
+    summary_.tablesDiffering += static_cast<int>(differing.size());
+    if (!differing.empty()) {
+        out_ << "customer " << id << ": ";
+        if (options_.verbose) {
+            out_ << Join(differing, ", ") << '\n';
+        } else {
+            std::vector<std::string> counts;
+            for (const auto& [flag, n] : ways)
+                counts.push_back(std::to_string(n) + " " + Way(flag));
+            out_ << differing.size() << " of " << compared << " tables differ ("
+                 << Join(counts, ", ") << ")\n";
+        }
+    }
+    for (std::size_t k = 0; k < SyncKinds().size(); ++k) {
+        const SyncKind& kind = SyncKinds()[k];
+        if (kind.scope == KindScope::Master) continue;
         const std::string label = "customer " + std::to_string(id) + " " + kind.name;
         if (!Live(kind)) {
-            const int combined = CombineFlags(flags);
+            const int combined = CombineFlags(flags[k]);
             if (kind.tables.empty())
                 tally_[kind.name].notCompared++;
             else if (combined != 0)
@@ -348,7 +370,6 @@ void SyncRun::Customer(std::int32_t id) {
         }
         Decide(kind, decision, args, label);
     }
-    if (!differing.empty()) out_ << "customer " << id << ": " << Join(differing, ", ") << '\n';
     if (locked && !CallOk("UnlockCoustomer", {Value(id)})) {
         ++summary_.failures;
         out_ << "customer " << id << ": unlock failed\n";

@@ -40,6 +40,7 @@ struct SyncOptions {
     Prefer prefer = Prefer::Ask;
     bool dryRun = false;
     bool progress = false;  // a progress bar on the error stream
+    bool verbose = false;   // every differing table by name, not only their count
 };
 
 // A kind, or a roster step, that differed or could not be compared, and why it stayed.

@@ -55,6 +55,7 @@ int main(int argc, char** argv) {
     syncCmd->add_option("--prefer", prefer, "When both sides moved: ask, server, local or skip")
         ->check(CLI::IsMember({"ask", "server", "local", "skip"}));
     syncCmd->add_flag("--dry-run", sync.dryRun, "Compare only; move nothing");
+    syncCmd->add_flag("--verbose", sync.verbose, "Name every table that differs");
 
     DemoOptions demo;
     auto* demoCmd = app.add_subcommand("demo", "Run the whole system against a local server");

@@ -151,8 +151,10 @@ TEST(Demo, RunsToACleanEndAndStopsItsServer) {
     EXPECT_EQ(WEXITSTATUS(status), 0) << output;
     for (const char* line :
          {"morvane-server listens on https://127.0.0.1:", "roster: server has none (result 4)",
-          "roster after reconciliation: result 0", "office B agrees with the server",
-          "The demo ran to a clean end."})
+          "roster: added customer 3 to the server", "roster after reconciliation: result 0",
+          "customer 2 customer record: uploaded", "roster: took the server's roster",
+          "customer 2 customer record: downloaded", "office B agrees with the server",
+          "the same 3 customer(s)", "The demo ran to a clean end."})
         EXPECT_NE(output.find(line), std::string::npos) << line << "\n" << output;
     // The server wrote its port file; nothing may still listen there.
     std::ifstream portFile(work / "server-data" / "port");

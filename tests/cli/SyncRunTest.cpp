@@ -82,12 +82,14 @@ struct Outcome {
     std::string out;
 };
 
-Outcome RunWith(ScriptedComponent& c, Prefer prefer = Prefer::Ask, bool dryRun = false) {
+Outcome RunWith(ScriptedComponent& c, Prefer prefer = Prefer::Ask, bool dryRun = false,
+                bool verbose = false) {
     std::ostringstream out, err;
     SyncOptions options;
     options.localDb = "/data/Customer.dat";
     options.prefer = prefer;
     options.dryRun = dryRun;
+    options.verbose = verbose;
     SyncRun run(c, options, out, err);
     Outcome o{run.Run(), out.str()};
     PrintSummary(o.summary, out);
@@ -327,8 +329,13 @@ TEST(SyncRun, KindsWithoutAWorkerAreReportedFromTheStampsAndNeverCalled) {
         << o.out;
     EXPECT_NE(o.out.find("staff: 1 customer(s) differ (1 local newer)"), std::string::npos);
     EXPECT_NE(o.out.find("compared by stamp only"), std::string::npos);
-    EXPECT_NE(o.out.find("customer 1: tCustomer server newer"), std::string::npos);
+    EXPECT_NE(o.out.find("customer 1: 1 of 53 tables differ (1 server newer)"), std::string::npos)
+        << o.out;
+    EXPECT_NE(o.out.find("customer 2: 2 of 53 tables differ (2 local newer)"), std::string::npos);
     EXPECT_EQ(ExitCode(o.summary), 3);
+    const Outcome named = RunWith(c, Prefer::Server, false, true);
+    EXPECT_NE(named.out.find("customer 1: tCustomer server newer\n"), std::string::npos)
+        << named.out;
 }
 
 TEST(SyncRun, ALiveKindMovesUnderTheCustomersLockTheWayItsComparisonSays) {
