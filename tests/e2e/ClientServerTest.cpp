@@ -5,16 +5,11 @@
 #include <chrono>
 #include <memory>
 
-#include "server/MorvaneServer.h"
-#include "server/core/Clock.h"
+#include "OfficeServerTest.h"
 #include "session/ProcessState.h"
 #include "session/ctrlMorvane.h"
 #include "session/mdlLogin.h"
-#include "session/mdlRegConstMorvane.h"
-#include "session/mdlRegControlMorvane.h"
 #include "store/LocalDatabases.h"
-#include "support/ScriptedToolkit.h"
-#include "support/TempDir.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"
 #include "transport/mdlServerReply.h"
@@ -23,57 +18,16 @@
 namespace morvane::test {
 namespace {
 
-constexpr const char* kContract = "K-100";
-
-class ClientServerTest : public ::testing::Test {
+class ClientServerTest : public OfficeServerTest {
 protected:
     void SetUp() override {
-        clock_ = std::make_shared<server::ManualClock>();
-        server::ServerOptions options;
-        options.dataDir = temp_.Path() / "server";
-        options.clock = clock_;
-        options.tokenIdle = std::chrono::minutes(30);
-        server_ = std::make_unique<server::MorvaneServer>(options);
-        server::AccountFields account;
-        account.contractNo = kContract;
-        account.contractorName = "テスト建設事務所";
-        account.contractBegin = "2026/04/01";
-        account.contractEnd = "2027/03/31";
-        account.sharedCount = 2;
-        account.maxCustomer = 50;
-        server_->CreateAccount(account);
-        server_->AddUser(kContract, "u1", "secret-1", "事務員一");
-        server_->AddUser(kContract, "u2", "secret-2", "事務員二");
-        server_->Start();
+        StartServer();
         UseOffice("a");
-    }
-
-    void TearDown() override {
-        State().Reset();
-        server_->Stop();
-    }
-
-    // One office of the host: its own settings store and its own databases.
-    void UseOffice(const std::string& name) {
-        State().Reset();
-        State().SetSettingsRoot(temp_.Path() / name / "config");
-        kit_ = std::make_shared<ScriptedToolkit>();
-        State().SetToolkit(kit_);
-        platform::HttpOptions http;
-        http.caFile = server_->CertFile().string();
-        State().SetHttpOptions(http);
-        WriteMorvaneSetting(reg::kServerName, server_->ServerName());
-        WriteMorvaneSetting(reg::kContractNo, kContract);
     }
 
     std::string Db(const std::string& office) const {
         return (temp_.Path() / office / "db" / "Customer.dat").string();
     }
-
-    TempDir temp_;
-    std::shared_ptr<server::ManualClock> clock_;
-    std::unique_ptr<server::MorvaneServer> server_;
-    std::shared_ptr<ScriptedToolkit> kit_;
 };
 
 TEST_F(ClientServerTest, LoginTakesTheAccountAndWrongPasswordsAreRefused) {

@@ -5,18 +5,13 @@
 #include <chrono>
 #include <memory>
 
+#include "OfficeServerTest.h"
 #include "platform/Dao.h"
 #include "record/cCustKihon.h"
-#include "server/MorvaneServer.h"
-#include "server/core/Clock.h"
 #include "session/ProcessState.h"
 #include "session/ctrlMorvane.h"
 #include "session/mdlLogin.h"
-#include "session/mdlRegConstMorvane.h"
-#include "session/mdlRegControlMorvane.h"
 #include "store/LocalDatabases.h"
-#include "support/ScriptedToolkit.h"
-#include "support/TempDir.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"
 #include "transport/mdlServerReply.h"
@@ -24,42 +19,13 @@
 namespace morvane::test {
 namespace {
 
-constexpr const char* kContract = "K-200";
-
-class KihonRecordTest : public ::testing::Test {
+class KihonRecordTest : public OfficeServerTest {
 protected:
-    void SetUp() override {
-        server::ServerOptions options;
-        options.dataDir = temp_.Path() / "server";
-        options.clock = std::make_shared<server::ManualClock>();
-        server_ = std::make_unique<server::MorvaneServer>(options);
-        server::AccountFields account;
-        account.contractNo = kContract;
-        account.contractorName = "テスト建設事務所";
-        account.sharedCount = 2;
-        account.maxCustomer = 50;
-        server_->CreateAccount(account);
-        server_->AddUser(kContract, "u1", "secret-1", "事務員一");
-        server_->AddUser(kContract, "u2", "secret-2", "事務員二");
-        server_->Start();
-    }
-
-    void TearDown() override {
-        State().Reset();
-        server_->Stop();
-    }
+    void SetUp() override { StartServer(); }
 
     // One office: its own settings, databases and dialogs.
     std::string UseOffice(const std::string& name, const SampleDataOptions& data) {
-        State().Reset();
-        State().SetSettingsRoot(temp_.Path() / name / "config");
-        kit_ = std::make_shared<ScriptedToolkit>();
-        State().SetToolkit(kit_);
-        platform::HttpOptions http;
-        http.caFile = server_->CertFile().string();
-        State().SetHttpOptions(http);
-        WriteMorvaneSetting(reg::kServerName, server_->ServerName());
-        WriteMorvaneSetting(reg::kContractNo, kContract);
+        OfficeServerTest::UseOffice(name);
         return CreateLocalDatabases(temp_.Path() / name / "db", data).customer.string();
     }
 
@@ -74,10 +40,6 @@ protected:
     void NoBoxes() {
         for (const auto& box : kit_->Boxes()) ADD_FAILURE() << box.title << ": " << box.text;
     }
-
-    TempDir temp_;
-    std::unique_ptr<server::MorvaneServer> server_;
-    std::shared_ptr<ScriptedToolkit> kit_;
 };
 
 TEST_F(KihonRecordTest, OneOfficeSendsTheRecordAndTheOtherTakesItAndAgrees) {

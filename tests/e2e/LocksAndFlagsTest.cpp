@@ -7,16 +7,11 @@
 #include <memory>
 #include <string>
 
-#include "server/MorvaneServer.h"
-#include "server/core/Clock.h"
+#include "OfficeServerTest.h"
 #include "session/ProcessState.h"
 #include "session/ctrlMorvane.h"
 #include "session/mdlLogin.h"
-#include "session/mdlRegConstMorvane.h"
-#include "session/mdlRegControlMorvane.h"
 #include "store/LocalDatabases.h"
-#include "support/ScriptedToolkit.h"
-#include "support/TempDir.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"
 #include "transport/mdlServerReply.h"
@@ -24,47 +19,14 @@
 namespace morvane::test {
 namespace {
 
-constexpr const char* kContract = "K-200";
-
-class LocksAndFlagsTest : public ::testing::Test {
+class LocksAndFlagsTest : public OfficeServerTest {
 protected:
-    void SetUp() override {
-        clock_ = std::make_shared<server::ManualClock>();
-        server::ServerOptions options;
-        options.dataDir = temp_.Path() / "server";
-        options.clock = clock_;
-        options.lockExpiry = std::chrono::minutes(15);
-        server_ = std::make_unique<server::MorvaneServer>(options);
-        server::AccountFields account;
-        account.contractNo = kContract;
-        account.contractorName = "テスト建設事務所";
-        account.contractBegin = "2026/04/01";
-        account.contractEnd = "2027/03/31";
-        account.sharedCount = 2;
-        account.maxCustomer = 2;
-        server_->CreateAccount(account);
-        server_->AddUser(kContract, "u1", "secret-1", "事務員一");
-        server_->AddUser(kContract, "u2", "secret-2", "事務員二");
-        server_->Start();
-    }
-
-    void TearDown() override {
-        State().Reset();
-        server_->Stop();
-    }
+    void SetUp() override { StartServer(2); }
 
     // One office of the host, with its own settings, logged in as its user.
     void UseOffice(const std::string& office, const std::string& user,
                    const std::string& password) {
-        State().Reset();
-        State().SetSettingsRoot(temp_.Path() / office / "config");
-        kit_ = std::make_shared<ScriptedToolkit>();
-        State().SetToolkit(kit_);
-        platform::HttpOptions http;
-        http.caFile = server_->CertFile().string();
-        State().SetHttpOptions(http);
-        WriteMorvaneSetting(reg::kServerName, server_->ServerName());
-        WriteMorvaneSetting(reg::kContractNo, kContract);
+        OfficeServerTest::UseOffice(office);
         ASSERT_TRUE(DoLogin(user, password, kContract));
     }
 
@@ -82,11 +44,6 @@ protected:
         ASSERT_NE(slot, nullptr);
         for (int i = 0; i < n; ++i) slot->Get<forms::Timer>("tmr").Fire();
     }
-
-    TempDir temp_;
-    std::shared_ptr<server::ManualClock> clock_;
-    std::unique_ptr<server::MorvaneServer> server_;
-    std::shared_ptr<ScriptedToolkit> kit_;
 };
 
 TEST_F(LocksAndFlagsTest, TheSecondUserWaitsWhileTheFirstHoldsAndRenewsTheLocks) {

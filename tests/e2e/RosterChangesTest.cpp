@@ -4,18 +4,13 @@
 
 #include <memory>
 
+#include "OfficeServerTest.h"
 #include "roster/cCustList.h"
-#include "server/MorvaneServer.h"
-#include "server/core/Clock.h"
 #include "session/ProcessState.h"
 #include "session/ctrlMorvane.h"
 #include "session/mdlLogin.h"
-#include "session/mdlRegConstMorvane.h"
-#include "session/mdlRegControlMorvane.h"
 #include "store/LocalDatabases.h"
 #include "store/StoreTestUtil.h"
-#include "support/ScriptedToolkit.h"
-#include "support/TempDir.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"
 #include "transport/mdlServerReply.h"
@@ -23,39 +18,18 @@
 namespace morvane::test {
 namespace {
 
-constexpr const char* kContract = "K-200";
-
-class RosterChangesTest : public ::testing::Test {
+class RosterChangesTest : public OfficeServerTest {
 protected:
     void SetUp() override {
-        server::ServerOptions options;
-        options.dataDir = temp_.Path() / "server";
-        options.clock = std::make_shared<server::ManualClock>();
-        server_ = std::make_unique<server::MorvaneServer>(options);
-        server::AccountFields account;
-        account.contractNo = kContract;
-        account.maxCustomer = 50;
-        server_->CreateAccount(account);
-        server_->AddUser(kContract, "u1", "secret-1", "事務員一");
-        server_->Start();
-
-        State().Reset();
-        State().SetSettingsRoot(temp_.Path() / "config");
-        kit_ = std::make_shared<ScriptedToolkit>();
-        State().SetToolkit(kit_);
-        platform::HttpOptions http;
-        http.caFile = server_->CertFile().string();
-        State().SetHttpOptions(http);
-        WriteMorvaneSetting(reg::kServerName, server_->ServerName());
-        WriteMorvaneSetting(reg::kContractNo, kContract);
+        StartServer();
+        UseOffice("a");
         paths_ = CreateLocalDatabases(temp_.Path() / "db", {.customers = 3});
     }
 
     void TearDown() override {
         for (const auto& box : kit_->Boxes()) ADD_FAILURE() << box.title << ": " << box.text;
         EXPECT_TRUE(kit_->Unanswered().empty());
-        State().Reset();
-        server_->Stop();
+        OfficeServerTest::TearDown();
     }
 
     // The server's roster as it stands, read the way the comparison reads it.
@@ -66,9 +40,6 @@ protected:
     }
     std::string Db() const { return paths_.customer.string(); }
 
-    TempDir temp_;
-    std::unique_ptr<server::MorvaneServer> server_;
-    std::shared_ptr<ScriptedToolkit> kit_;
     LocalDatabasePaths paths_;
 };
 
