@@ -1,5 +1,4 @@
-// XML documents as the readers walk them: a parsed tree of elements with names and texts,
-// and a writer for the documents the test and reference servers send.
+// XML documents as the readers walk them: a parsed tree of elements with names and texts.
 #pragma once
 
 #include <memory>
@@ -59,22 +58,5 @@ private:
     explicit XmlDocument(std::unique_ptr<Impl> impl);
     std::unique_ptr<Impl> impl_;
 };
-
-// Builds a UTF-8 document; texts are escaped on the way out.
-class XmlWriter {
-public:
-    explicit XmlWriter(std::string_view rootName);
-    XmlWriter& Open(std::string_view name);
-    XmlWriter& Close();
-    // One element with text content.
-    XmlWriter& Element(std::string_view name, std::string_view text);
-    std::string Finish();
-
-private:
-    std::string out_;
-    std::vector<std::string> open_;
-};
-
-std::string XmlEscape(std::string_view text);
 
 }  // namespace morvane::platform

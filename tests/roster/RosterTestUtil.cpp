@@ -1,15 +1,22 @@
 #include "RosterTestUtil.h"
 
-#include "platform/Xml.h"
 #include "support/TestServer.h"
+#include "util/Text.h"
 
 namespace morvane::test {
+namespace {
+
+std::string XmlText(std::string s) {
+    return ReplaceAll(ReplaceAll(ReplaceAll(std::move(s), "&", "&amp;"), "<", "&lt;"), ">", "&gt;");
+}
+
+}  // namespace
 
 std::string CompItem(const RosterEntry& e) {
     std::string s = "<compItem><CustomerID>" + std::to_string(e.id) +
-                    "</CustomerID><disabled>0</disabled>" + "<Code>" + platform::XmlEscape(e.code) +
-                    "</Code><CorpName0>" + platform::XmlEscape(e.name) + "</CorpName0><CorpKanaS>" +
-                    platform::XmlEscape(e.kana) + "</CorpKanaS><InetEnableFlag>" +
+                    "</CustomerID><disabled>0</disabled>" + "<Code>" + XmlText(e.code) +
+                    "</Code><CorpName0>" + XmlText(e.name) + "</CorpName0><CorpKanaS>" +
+                    XmlText(e.kana) + "</CorpKanaS><InetEnableFlag>" +
                     std::to_string(e.enableFlag) + "</InetEnableFlag>";
     for (int i = 0; i < kBackupTableCount; ++i) {
         const auto it = e.stamps.find(i);
