@@ -241,12 +241,15 @@ TEST_F(GyoshuWorkerTest, AnAddedTradeTakesTheNextCodeOfItsCustomer) {
     EXPECT_EQ(Grid("EPmtCheck, RecordUpdate", 8).back(), "9|" + kAgreed);
     EXPECT_EQ(Grid("EPmtCheck, RecordUpdate", 8)[30], CheckOf(31) + "|" + kNow);
 
+    // A grid the host deleted does not push the new codes past 31.
     Sql(db_,
         "INSERT INTO tCustomerGyoshu (CustomerID, GyoshuCode) VALUES (9, 12);"
         "INSERT INTO tCustomerGyoshu (CustomerID) VALUES (9);"
-        "INSERT INTO tCustomerGyoshu (CustomerID) VALUES (10);");
+        "INSERT INTO tCustomerGyoshu (CustomerID) VALUES (10);"
+        "INSERT INTO tCustomerGyoshu (CustomerID, disabled, GyoshuCode) VALUES (11, 1, 31);"
+        "INSERT INTO tCustomerGyoshu (CustomerID) VALUES (11);");
     EXPECT_EQ(Rows(db_, "SELECT GyoshuCode FROM tCustomerGyoshu WHERE CustomerID >= 9 ORDER BY id"),
-              (std::vector<std::string>{"12", "13", "1"}));
+              (std::vector<std::string>{"12", "13", "1", "31", "1"}));
 }
 
 TEST_F(GyoshuWorkerTest, ABrokenDatabaseFailsThroughTheTrap) {
