@@ -165,14 +165,14 @@ CREATE TABLE [tCustomerGyoshu] (
 );
 CREATE INDEX [ix_tCustomerGyoshu_customer] ON [tCustomerGyoshu] (CustomerID, disabled, RecordUpdate, InetCheckDate);
 
--- A trade row added without a code takes the next number of its customer, so that the
--- positional walk finds the codes 1 to 31 in order.
+-- A trade row added without a code takes the next number of its customer's live rows, so
+-- that the positional walk finds the codes 1 to 31 in order; deleted rows do not count.
 CREATE TRIGGER [tr_tCustomerGyoshu_code] AFTER INSERT ON [tCustomerGyoshu]
 WHEN NEW.GyoshuCode IS NULL
 BEGIN
     UPDATE [tCustomerGyoshu]
     SET GyoshuCode = (SELECT COALESCE(MAX(GyoshuCode), 0) + 1 FROM [tCustomerGyoshu]
-                      WHERE CustomerID IS NEW.CustomerID AND id <> NEW.id)
+                      WHERE CustomerID IS NEW.CustomerID AND disabled = 0 AND id <> NEW.id)
     WHERE id = NEW.id;
 END;
 

@@ -1,4 +1,5 @@
-// The customer record members: the main record's comparisons, downloads and upload.
+// The customer record members: the main record's and the trades' comparisons, downloads and
+// uploads.
 #include "record/cCustKihon.h"
 #include "session/DispatchTable.h"
 #include "session/FacadePatterns.h"
@@ -15,6 +16,7 @@ facade::Request KihonRequest(std::string_view path, std::int32_t custId,
 }
 
 bool ReadNormal(cCustKihon& k, const std::string& reply) { return k.ReadXMLNormal(reply); }
+bool ReadGyosyu(cCustKihon& k, const std::string& reply) { return k.ReadXMLGyosyu(reply); }
 
 // The document the reply check parsed when there is one, else the text.
 bool ReadMain(cCustKihon& k, const JudgedReply& reply) {
@@ -58,6 +60,27 @@ std::int32_t ctrlMorvane::SyncUploadCustomerKihonNormal(const std::string& Local
         [&](cCustKihon& k) { return k.SyncUploadNormal(LocalDB, CustID); });
 }
 
+std::int32_t ctrlMorvane::CompareCustomerKihonGyosyu(const std::string& LocalDB,
+                                                     std::int32_t CustID) {
+    return facade::Compare<cCustKihon>(
+        custKihon_, KihonRequest(page::kGetCompGyoshu, CustID), ReadGyosyu,
+        [&](cCustKihon& k) { return k.CompareLocalDBGyosyu(LocalDB, CustID); },
+        facade::Keep::NonZero);
+}
+
+std::int32_t ctrlMorvane::SyncDownloadCustomerKihonGyosyu(const std::string& LocalDB,
+                                                          std::int32_t CustID) {
+    return facade::AlwaysFetch<cCustKihon>(
+        custKihon_, KihonRequest(page::kGetCompGyoshu, CustID), ReadGyosyu,
+        [&](cCustKihon& k) { k.SyncDownloadGyosyu(LocalDB, CustID); });
+}
+
+std::int32_t ctrlMorvane::SyncUploadCustomerKihonGyosyu(const std::string& LocalDB,
+                                                        std::int32_t CustID) {
+    return facade::Upload<cCustKihon>(
+        [&](cCustKihon& k) { return k.SyncUploadGyoshu(LocalDB, CustID); });
+}
+
 void RegisterRecordMembers(DispatchTable& t) {
     t.Method("CompareCustomerKihonMain", &ctrlMorvane::CompareCustomerKihonMain,
              {"LocalDB", "CustID"});
@@ -67,6 +90,12 @@ void RegisterRecordMembers(DispatchTable& t) {
     t.Method("SyncDownloadCustomerKihon", &ctrlMorvane::SyncDownloadCustomerKihon,
              {"LocalDB", "CustID"});
     t.Method("SyncUploadCustomerKihonNormal", &ctrlMorvane::SyncUploadCustomerKihonNormal,
+             {"LocalDB", "CustID"});
+    t.Method("CompareCustomerKihonGyosyu", &ctrlMorvane::CompareCustomerKihonGyosyu,
+             {"LocalDB", "CustID"});
+    t.Method("SyncDownloadCustomerKihonGyosyu", &ctrlMorvane::SyncDownloadCustomerKihonGyosyu,
+             {"LocalDB", "CustID"});
+    t.Method("SyncUploadCustomerKihonGyosyu", &ctrlMorvane::SyncUploadCustomerKihonGyosyu,
              {"LocalDB", "CustID"});
 }
 

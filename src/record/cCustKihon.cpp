@@ -7,6 +7,7 @@
 
 #include "platform/Dao.h"
 #include "platform/Xml.h"
+#include "record/GyoshuFields.h"
 #include "session/ProcessState.h"
 #include "session/mdlErrTrap.h"
 #include "session/mdlLogin.h"
@@ -14,6 +15,7 @@
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"
 #include "transport/mdlServerReply.h"
+#include "util/Nz.h"
 #include "util/Text.h"
 
 namespace morvane {
@@ -91,6 +93,9 @@ bool cCustKihon::ReadXMLNormal(std::string_view xml) {
 bool cCustKihon::ReadXMLNormal(const platform::XmlDocument& doc) {
     return ReadXMLSection(doc, Section::Normal);
 }
+bool cCustKihon::ReadXMLGyosyu(std::string_view xml) {
+    return ReadXMLSection(xml, Section::Gyosyu);
+}
 
 bool cCustKihon::ReadXMLSection(std::string_view xml, Section section) {
     ClearData();
@@ -108,6 +113,7 @@ bool cCustKihon::ReadXMLSection(const platform::XmlDocument& doc, Section sectio
     bool shokuinCountSeen = false;
     std::array<bool, kKihonFieldFlags> fieldFlags{};
     std::array<bool, kKihonMainFlags> mainFlags{};
+    std::array<bool, kGyoshuFlags> gyoshuFlags{};
 
     const platform::XmlNode root = doc.DocumentElement();
     if (!root) return false;
@@ -133,6 +139,22 @@ bool cCustKihon::ReadXMLSection(const platform::XmlDocument& doc, Section sectio
                 if (tags.mainFlag[i] >= 0) mainFlags[tags.mainFlag[i]] = true;
                 // A text that will not convert leaves the field, the flag stays set.
                 record::StoreXml(rows[i], record_, f.Text());
+            }
+        } else if (name == "GYOSHU") {
+            for (auto f = child.FirstChildElement(); f; f = f.NextSiblingElement()) {
+                const std::string tag = ToUpperAscii(f.NameView());
+                // The name tells the kind of value before the number is matched.
+                Value value;
+                if (tag.find("EPMTCHECK") != std::string::npos)
+                    value = Value(NzLong(f.Text()));
+                else if (tag.find("EPMTDATE") != std::string::npos)
+                    value = Value(GyoshuDateText(f.Text()));
+                else
+                    continue;
+                const int row = GyoshuGridRow(tag);
+                if (row < 0) continue;
+                gyoshuFlags[row] = true;
+                GyoshuGridFields()[row].slot.Set(record_, value);
             }
         } else if (name == "SHOKUINLIST") {
             // Only the count matters here; the staff items are read by their own section.
@@ -166,6 +188,8 @@ bool cCustKihon::ReadXMLSection(const platform::XmlDocument& doc, Section sectio
             return mainRecord && shokuinCountSeen;
         case Section::Normal:
             return mainRecord && any(fieldFlags);
+        case Section::Gyosyu:
+            return customerIdSeen && all(gyoshuFlags);
     }
     return false;
 }
@@ -306,6 +330,7 @@ bool cCustKihon::LoadLocalNormal(const std::string& LocalDB, std::int32_t CustID
         for (const KihonField& row : KihonFields())
             if (row.table == table) record::LoadColumn(row, record_, (*rs)[row.column]);
     }
+    LoadLocalGyosyu(db, CustID);
     customerId_ = CustID;
     return true;
 }

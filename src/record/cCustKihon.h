@@ -1,5 +1,6 @@
 // One customer's base data as it travels between the server's replies, the local database
-// and the upload bodies: the main record, read, compared, written and sent by its field table.
+// and the upload bodies: the main record and its trades, read, compared, written and sent by
+// their field tables.
 #pragma once
 
 #include <cstdint>
@@ -12,6 +13,9 @@ namespace morvane {
 
 namespace platform {
 class XmlDocument;
+}
+namespace dao {
+class Database;
 }
 
 class cCustKihon {
@@ -43,17 +47,31 @@ public:
     // Loads the record from the database and posts it; 1 when the server took it.
     std::int32_t SyncUploadNormal(const std::string& LocalDB, std::int32_t CustID);
 
+    // Clear, then read the trades: the header rides in CompKihon, the 31 checks and dates
+    // of the grid must all be there.
+    bool ReadXMLGyosyu(std::string_view xml);
+    // Header first, then the trades' stamps, then the grid by position; a grid that is not
+    // the 31 trades in order gives 0 and stamps nothing.
+    std::int32_t CompareLocalDBGyosyu(const std::string& LocalDB, std::int32_t CustID);
+    // Writes the header and the grid row by row, adding rows past the last; 1 on success.
+    std::int32_t SyncDownloadGyosyu(const std::string& LocalDB, std::int32_t CustID);
+    // Loads the record and posts the header and grid; 1 when the server took them.
+    std::int32_t SyncUploadGyoshu(const std::string& LocalDB, std::int32_t CustID);
+    // The body SyncUploadGyoshu posts for what the object holds.
+    std::string GyoshuUploadBody(std::int32_t CustID) const;
+
     // Clear, then fill from the database; false when the row is missing or has no code.
     bool ReadLocalNormal(const std::string& LocalDB, std::int32_t CustID);
     // The body SyncUploadNormal posts for what the object holds.
     std::string UploadBody(std::int32_t CustID) const;
 
 private:
-    enum class Section { Main = 0, Normal = 1 };
+    enum class Section { Main = 0, Normal = 1, Gyosyu = 2 };
     void ClearData();
     bool ReadXMLSection(std::string_view xml, Section section);
     bool ReadXMLSection(const platform::XmlDocument& doc, Section section);
     bool LoadLocalNormal(const std::string& LocalDB, std::int32_t CustID);
+    void LoadLocalGyosyu(dao::Database& db, std::int32_t CustID);
     std::int32_t CompareLocal(const std::string& LocalDB, std::int32_t CustID, bool mainOnly);
     std::int32_t Download(const std::string& LocalDB, std::int32_t CustID, bool mainOnly);
 

@@ -114,6 +114,11 @@ public:
     std::int32_t SyncDownloadCustomerKihon(const std::string& LocalDB, std::int32_t CustID);
     std::int32_t SyncUploadCustomerKihonNormal(const std::string& LocalDB, std::int32_t CustID);
 
+    // ---- Trades of a customer, with their permit header
+    std::int32_t CompareCustomerKihonGyosyu(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncDownloadCustomerKihonGyosyu(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncUploadCustomerKihonGyosyu(const std::string& LocalDB, std::int32_t CustID);
+
 private:
     // Worker slots, one per kind, added with the members that fill them.
     std::unique_ptr<cCustList> custList_;

@@ -1,0 +1,310 @@
+// The trades on a real customer database: what the reader keeps, the comparison's order
+// and its positional walk, the download by position, and the upload's body.
+#include <gtest/gtest.h>
+
+#include "GyoshuTestUtil.h"
+#include "record/cCustKihon.h"
+#include "session/ProcessState.h"
+#include "support/MorvaneTest.h"
+
+namespace morvane::test {
+namespace {
+
+const std::string kAgreed = "2024/05/01 9:00:00";
+const std::string kServerMoved = "2024/05/01 09:05:00";
+const std::string kServerWithinMargin = "2024/05/01 09:00:30";
+const std::string kNow = DateValue::FromCivil({2024, 6, 1, 9, 0, 0}).Text();
+
+class GyoshuWorkerTest : public MorvaneTest {
+protected:
+    void SetUp() override {
+        MorvaneTest::SetUp();
+        db_ = EmptyCustomerDb(temp_.Path() / "db", clock_);
+    }
+
+    cCustKihon Server(const Tags& header = HeaderTags(), const Tags& grid = GridTags(),
+                      const std::string& stamp = kServerMoved) {
+        cCustKihon k;
+        EXPECT_TRUE(k.ReadXMLGyosyu(Document(GyoshuPayload(header, grid, stamp))));
+        return k;
+    }
+    std::int32_t Compare(const Tags& header = HeaderTags(), const Tags& grid = GridTags(),
+                         const std::string& stamp = kServerMoved) {
+        return Server(header, grid, stamp).CompareLocalDBGyosyu(db_.string(), 7);
+    }
+
+    std::vector<std::string> Grid(const std::string& columns, int custId = 7) {
+        return Rows(db_, "SELECT " + columns + " FROM tCustomerGyoshu WHERE CustomerID = " +
+                             std::to_string(custId) + " ORDER BY id");
+    }
+    std::string Header(const std::string& columns) {
+        const auto rows = Rows(db_, "SELECT " + columns + " FROM tCustomer WHERE id = 7");
+        return rows.empty() ? "<no row>" : rows[0];
+    }
+    std::vector<std::string> GridStamps(int custId = 7) {
+        return Rows(db_,
+                    "SELECT DISTINCT RecordUpdate, InetCheckDate FROM tCustomerGyoshu "
+                    "WHERE CustomerID = " +
+                        std::to_string(custId));
+    }
+    // Every InetCheckDate of customer 7, distinct.
+    std::vector<std::string> CheckStamps() {
+        return Rows(db_,
+                    "SELECT DISTINCT InetCheckDate FROM tCustomerGyoshu WHERE CustomerID = 7 "
+                    "UNION SELECT InetCheckDate FROM tCustomer WHERE id = 7");
+    }
+
+    std::filesystem::path db_;
+    std::shared_ptr<FixedClock> clock_;
+};
+
+// ---- Reading ---------------------------------------------------------------------------
+
+TEST_F(GyoshuWorkerTest, ReaderKeepsTheGridAndWantsAllOfIt) {
+    cCustKihon k;
+    Tags grid = With(GridTags(), {{"EPmtDate5", "abc"},
+                                  {"EPmtDate3", "2020/1/3 10:00:00"},
+                                  {"EPmtCheck2", "12abc"},
+                                  {"EPmtCheck4", "x"}});
+    grid.push_back({"EPmtCheck32", "9"});  // no such trade
+    for (auto& t : grid)
+        if (t.first == "EPmtCheck31") t.first = "epmtcheck31";
+    ASSERT_TRUE(k.ReadXMLGyosyu(
+        Document(GyoshuPayload(With(HeaderTags(), {{"PmtNo", "123#45"}}), grid, "", 9))));
+    EXPECT_EQ(k.CustomerID(), 9);
+    EXPECT_EQ(k.RecordUpdate(), "");  // not required by this section
+    const KihonRecord& r = k.Kihon();
+    EXPECT_EQ(r.EPmtCheck[0], 1);
+    EXPECT_EQ(r.EPmtCheck[1], 12);
+    EXPECT_EQ(r.EPmtCheck[3], 0);
+    EXPECT_EQ(r.EPmtCheck[30], 31 % 3);
+    EXPECT_EQ(r.EPmtDate[0], "2020/01/01");
+    EXPECT_EQ(r.EPmtDate[2], "2020/01/03");
+    EXPECT_EQ(r.EPmtDate[4], "");  // "abc" is no date, and still counts as seen
+    EXPECT_EQ(r.EPmtDate[30], "2020/01/31");
+    // The header rides in CompKihon under the main record's rules.
+    EXPECT_EQ(r.ApfPlace, "東京都知事");
+    EXPECT_EQ(r.PmtNo, "123");
+    EXPECT_EQ(r.other[6], "45");
+
+    for (const char* missing : {"EPmtDate7", "EPmtCheck1", "EPmtDate31"}) {
+        SCOPED_TRACE(missing);
+        EXPECT_FALSE(k.ReadXMLGyosyu(Document(GyoshuPayload({}, With(GridTags(), {}, missing)))));
+    }
+    const std::string noId = "<Customer><Gyoshu>" + Elements(GridTags()) + "</Gyoshu></Customer>";
+    EXPECT_FALSE(k.ReadXMLGyosyu(Document(noId)));
+    EXPECT_FALSE(k.ReadXMLGyosyu("<reply><Customer>"));
+    // The main record's sections do not take a trades reply, nor this one theirs.
+    EXPECT_FALSE(k.ReadXMLNormal(Document(GyoshuPayload(HeaderTags(), GridTags()))));
+    EXPECT_FALSE(k.ReadXMLGyosyu(Document(KihonPayload(RequiredTags()))));
+}
+
+// ---- Comparing -------------------------------------------------------------------------
+
+TEST_F(GyoshuWorkerTest, EqualContentIsStampedAsAgreedInBothTables) {
+    InsertCustomer(db_);
+    InsertTrades(db_, 31);
+    EXPECT_EQ(Compare(), 0);
+    EXPECT_EQ(CheckStamps(), std::vector<std::string>{kNow});
+    EXPECT_EQ(Header("RecordUpdate"), kAgreed);
+}
+
+TEST_F(GyoshuWorkerTest, GridCellsAndHeaderFieldsDifferUnderTheirOwnRules) {
+    InsertCustomer(db_);
+    InsertTrades(db_, 31);
+    const struct {
+        Tags header;
+        Tags grid;
+        int expected;
+    } cases[] = {
+        {{}, {{"EPmtCheck31", "2"}}, 1},
+        {{}, {{"EPmtDate1", "2020/01/02"}}, 1},
+        {{}, {{"EPmtDate2", "2020/01/02"}}, 1},  // against a Null
+        {{}, {{"EPmtDate1", "2020/1/1"}}, 0},    // dates compare as dates
+        {{{"MinCode", "14"}}, {}, 1},
+        {{{"PmtCheck1", "2.0"}}, {}, 0},
+        {{{"PmtNo", "123#9"}}, {}, 0},        // the tail is not PmtNo's
+        {{{"PmtDate0", "2024/4/2"}}, {}, 0},  // unlike the main record: as dates
+        {{{"PmtDate0", "2024/04/02 00:00:01"}}, {}, 1},
+        {{{"PmtDate1", "x"}}, {}, 1},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(::testing::PrintToString(c.header) + ::testing::PrintToString(c.grid));
+        Sql(db_, "UPDATE tCustomerGyoshu SET InetCheckDate = '2024-05-01 09:00:00';");
+        EXPECT_EQ(Compare(With(HeaderTags(), c.header), With(GridTags(), c.grid)), c.expected);
+    }
+}
+
+TEST_F(GyoshuWorkerTest, TheGridsStampsDecideAfterTheHeaderWasCompared) {
+    InsertCustomer(db_);
+    InsertTrades(db_, 31);
+    // A header that moved locally does not count: only the trades' stamps are read.
+    Sql(db_, "UPDATE tCustomer SET RecordUpdate = '2024-05-20 09:00:00', MinCode = '99';");
+    EXPECT_EQ(Compare({}, GridTags(), kServerWithinMargin), 0);
+    EXPECT_EQ(Header("InetCheckDate"), kAgreed);
+    // Stamps apart: the header difference alone is reported.
+    EXPECT_EQ(Compare(HeaderTags(), GridTags(), kServerMoved), 1);
+    // The grid moved locally.
+    Sql(db_, "UPDATE tCustomerGyoshu SET RecordUpdate = '2024-05-20 09:00:00' WHERE id = 3;");
+    EXPECT_EQ(Compare(HeaderTags(), GridTags(), kServerWithinMargin), 2);
+}
+
+TEST_F(GyoshuWorkerTest, AGridThatIsNotTheThirtyOneTradesInOrderEndsWithNothing) {
+    InsertCustomer(db_);
+    Sql(db_, "UPDATE tCustomer SET MinCode = '99';");  // a real header difference
+
+    // No trades at all: the difference stands.
+    EXPECT_EQ(Compare(), 1);
+    // Thirty trades: 0, although the header differs, and nothing is stamped.
+    InsertTrades(db_, 30);
+    EXPECT_EQ(Compare(), 0);
+    EXPECT_EQ(Compare(HeaderTags(), With(GridTags(), {{"EPmtCheck1", "7"}})), 0);
+    EXPECT_EQ(CheckStamps(), std::vector<std::string>{kAgreed});
+
+    // Thirty-one, the fourth with code 5: the same.
+    Sql(db_, "DELETE FROM tCustomerGyoshu;");
+    InsertTrades(db_, 31, 7, [](int n) { return n == 4 ? 5 : n; });
+    EXPECT_EQ(Compare(), 0);
+    EXPECT_EQ(CheckStamps(), std::vector<std::string>{kAgreed});
+
+    // Deleted rows and other customers' rows are not walked.
+    Sql(db_, "DELETE FROM tCustomerGyoshu;");
+    InsertTrades(db_, 31, 8);
+    InsertTrades(db_, 31);
+    Sql(db_, "UPDATE tCustomerGyoshu SET disabled = 1 WHERE CustomerID = 7 AND GyoshuCode = 2;");
+    EXPECT_EQ(Compare(), 0);
+    Sql(db_, "UPDATE tCustomerGyoshu SET disabled = 0;");
+    EXPECT_EQ(Compare(), 1);
+}
+
+// ---- Writing rows ----------------------------------------------------------------------
+
+TEST_F(GyoshuWorkerTest, DownloadEditsThirtyAddsOneAndNeverWritesTheCode) {
+    InsertCustomer(db_);
+    InsertTrades(db_, 31, 8);  // another customer's grid, untouched
+    InsertTrades(db_, 30);
+    const auto idsBefore = Grid("id");
+    Tags header =
+        With(HeaderTags(),
+             {{"MinCode", "14"}, {"PApDate", "abc"}, {"PmtDate1", "x"}, {"PmtCheck1", "3"}});
+    Tags grid = With(GridTags(), {{"EPmtCheck1", "7"},
+                                  {"EPmtDate3", "abc"},
+                                  {"EPmtDate4", "2021/2/3"},
+                                  {"EPmtDate31", "2021/12/31"}});
+    ASSERT_EQ(Server(header, grid).SyncDownloadGyosyu(db_.string(), 7), 1);
+
+    const auto rows = Grid("id, GyoshuCode, disabled, EPmtCheck, EPmtDate");
+    ASSERT_EQ(rows.size(), 31u);
+    for (size_t i = 0; i < idsBefore.size(); ++i)
+        EXPECT_EQ(rows[i].substr(0, rows[i].find('|')), idsBefore[i]);
+    EXPECT_EQ(rows[0].substr(rows[0].find('|')), "|1|0|7|2020/01/01");
+    EXPECT_EQ(rows[2].substr(rows[2].find('|')), "|3|0|0|<null>");
+    EXPECT_EQ(rows[3].substr(rows[3].find('|')), "|4|0|1|2021/02/03");
+    EXPECT_EQ(rows[30].substr(rows[30].find('|')), "|31|0|1|2021/12/31");
+    EXPECT_EQ(GridStamps(), std::vector<std::string>{kNow + "|" + kNow});
+    EXPECT_EQ(Header("MinCode, PApDate, PmtDate1, PmtCheck1, RecordUpdate"),
+              "14|<null>|<null>|3|" + kNow);
+    EXPECT_EQ(GridStamps(8), std::vector<std::string>{kAgreed + "|" + kAgreed});
+
+    // The grid is now the server's: the walk finds the added trade in its place, and what
+    // differs is only what could not be stored.
+    clock_->Set(DateValue::FromCivil({2024, 6, 1, 10, 0, 0}));
+    EXPECT_EQ(Compare(header, grid, "2024/06/01 09:30:00"), 1);  // PApDate "abc"
+    EXPECT_EQ(
+        Compare(With(header, {{"PApDate", ""}, {"PmtDate1", ""}}), grid, "2024/06/01 09:30:00"), 0);
+    EXPECT_EQ(CheckStamps(), std::vector<std::string>{"2024/06/01 10:00:00"});
+}
+
+TEST_F(GyoshuWorkerTest, WithoutTradesTheDownloadCreatesAllThirtyOneInOrder) {
+    InsertTrades(db_, 31, 8);
+    ASSERT_EQ(Server().SyncDownloadGyosyu(db_.string(), 7), 1);  // no customer row: grid only
+    const auto codes = Grid("GyoshuCode");
+    ASSERT_EQ(codes.size(), 31u);
+    for (int n = 1; n <= 31; ++n) EXPECT_EQ(codes[n - 1], std::to_string(n));
+    EXPECT_EQ(Header("id"), "<no row>");
+}
+
+// The table numbers an added trade after the customer's highest code; the download keeps
+// what rows it finds past the thirty-first.
+TEST_F(GyoshuWorkerTest, AnAddedTradeTakesTheNextCodeOfItsCustomer) {
+    InsertTrades(db_, 29);
+    InsertTrades(db_, 1, 7, [](int) { return 40; });
+    ASSERT_EQ(Server().SyncDownloadGyosyu(db_.string(), 7), 1);
+    EXPECT_EQ(Rows(db_,
+                   "SELECT GyoshuCode, EPmtCheck FROM tCustomerGyoshu WHERE GyoshuCode > 29 "
+                   "ORDER BY GyoshuCode"),
+              (std::vector<std::string>{"40|" + CheckOf(30), "41|" + CheckOf(31)}));
+
+    InsertTrades(db_, 32, 8);
+    Sql(db_, "UPDATE tCustomerGyoshu SET EPmtCheck = 9 WHERE CustomerID = 8 AND GyoshuCode = 32;");
+    ASSERT_EQ(Server().SyncDownloadGyosyu(db_.string(), 8), 1);
+    EXPECT_EQ(Grid("EPmtCheck, RecordUpdate", 8).back(), "9|" + kAgreed);
+    EXPECT_EQ(Grid("EPmtCheck, RecordUpdate", 8)[30], CheckOf(31) + "|" + kNow);
+
+    // A grid the host deleted does not push the new codes past 31.
+    Sql(db_,
+        "INSERT INTO tCustomerGyoshu (CustomerID, GyoshuCode) VALUES (9, 12);"
+        "INSERT INTO tCustomerGyoshu (CustomerID) VALUES (9);"
+        "INSERT INTO tCustomerGyoshu (CustomerID) VALUES (10);"
+        "INSERT INTO tCustomerGyoshu (CustomerID, disabled, GyoshuCode) VALUES (11, 1, 31);"
+        "INSERT INTO tCustomerGyoshu (CustomerID) VALUES (11);");
+    EXPECT_EQ(Rows(db_, "SELECT GyoshuCode FROM tCustomerGyoshu WHERE CustomerID >= 9 ORDER BY id"),
+              (std::vector<std::string>{"12", "13", "1", "31", "1"}));
+}
+
+TEST_F(GyoshuWorkerTest, ABrokenDatabaseFailsThroughTheTrap) {
+    cCustKihon k = Server();
+    const std::string missing = (temp_.Path() / "none" / "Customer.dat").string();
+    EXPECT_EQ(k.SyncDownloadGyosyu(missing, 7), 0);
+    EXPECT_EQ(k.CompareLocalDBGyosyu(missing, 7), 0);
+    EXPECT_EQ(k.SyncUploadGyoshu(missing, 7), 0);
+    EXPECT_FALSE(kit_->Boxes().empty());
+    EXPECT_TRUE(server_->Requests().empty());
+}
+
+// ---- Loading and sending ---------------------------------------------------------------
+
+TEST_F(GyoshuWorkerTest, UploadSendsHeaderAndGridRawAndStampsBothTables) {
+    LogIn();
+    InsertCustomer(db_);
+    InsertTrades(db_, 30);
+    Sql(db_,
+        "UPDATE tCustomer SET PmtNo = '123#45', PmtDate1 = 'garbage', PmtCheck1 = 1.6;"
+        "UPDATE tCustomerGyoshu SET EPmtDate = 'soon' WHERE GyoshuCode = 2;"
+        "UPDATE tCustomerGyoshu SET EPmtDate = '2020-01-03 10:00:00' WHERE GyoshuCode = 3;");
+    server_->On("customer/setCompGyoshu.php", Envelope(1, "T2"));
+    cCustKihon k;
+    ASSERT_EQ(k.SyncUploadGyoshu(db_.string(), 7), 1);
+    const auto sent = server_->RequestsTo("customer/setCompGyoshu.php");
+    ASSERT_EQ(sent.size(), 1u);
+    std::string checks, dates;
+    for (int n = 1; n <= 31; ++n) {
+        checks += "EPmtCheck" + std::to_string(n) + "=" + (n <= 30 ? CheckOf(n) : "0") + "&";
+        const std::string date = n == 2 ? "soon" : n == 3 ? "2020/01/03 10:00:00" : DateOf(n);
+        dates += "EPmtDate" + std::to_string(n) + "=" + (n <= 30 ? date : "") + "&";
+    }
+    EXPECT_EQ(sent[0].body,
+              "ID=user1&token=T1&CustomerID=7&ApfPlace=東京都知事&MinName=建設&MinCode=13&"
+              "PmtCheck0=1&PmtCheck1=2&PmtYear=5&PmtNo=123&PApDate=2024/04/01 10:00:00&"
+              "PmtDate0=2024/04/02&PmtDate1=garbage&PmtDate2=&" +
+                  checks + dates);
+    EXPECT_EQ(CheckStamps(), std::vector<std::string>{kNow});
+    EXPECT_EQ(Rows(db_, "SELECT DISTINCT RecordUpdate FROM tCustomerGyoshu"),
+              std::vector<std::string>{kAgreed});
+}
+
+TEST_F(GyoshuWorkerTest, UploadSendsNothingWithoutACustomerAndStampsNothingWhenRefused) {
+    LogIn();
+    InsertTrades(db_, 31);
+    server_->On("customer/setCompGyoshu.php", Envelope(-1, "T2"));
+    cCustKihon k;
+    EXPECT_EQ(k.SyncUploadGyoshu(db_.string(), 7), 0);
+    EXPECT_TRUE(server_->Requests().empty());
+    InsertCustomer(db_);
+    EXPECT_EQ(k.SyncUploadGyoshu(db_.string(), 7), 0);
+    EXPECT_EQ(server_->RequestsTo("customer/setCompGyoshu.php").size(), 1u);
+    EXPECT_EQ(CheckStamps(), std::vector<std::string>{kAgreed});
+}
+
+}  // namespace
+}  // namespace morvane::test
