@@ -275,10 +275,12 @@ Catalogue::Catalogue() {
                      {"Kihon"},
                      true,
                      {{T::Record, "Kihon", "CompKihon", {}}, {T::CountOnly, "Shokuin", {}, {}}}});
+    // The trades' stamp is the grid's own: the header travels with the main record too, and a
+    // main record just uploaded must not make an empty grid look newer than the office's.
     gets_.push_back(
         {"customer/getCompGyoshu.php",
          C,
-         {"Kihon", "Gyoshu"},
+         {"Gyoshu"},
          true,
          {{T::Record, "Kihon", "CompKihon", GyoshuHeader()}, {T::Record, "Gyoshu", "Gyoshu", {}}}});
     gets_.push_back({"customer/getCompDetails.php",

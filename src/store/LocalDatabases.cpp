@@ -14,6 +14,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// The host keeps one row per trade of the permit law, numbered 1 to 31.
+constexpr std::int32_t kTradeGridRows = 31;
+
 // Numbers 1..n and, per number, 1..rows, as a common table expression.
 std::string Sequences(std::int32_t n, std::int32_t rows) {
     return "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " +
@@ -78,6 +81,14 @@ std::string ChildRows(bool prefcustom, const SampleDataOptions& o) {
             sql += OwnedRows(t.name, index, o, ", KikanName, Nendo1",
                              ", CASE WHEN j = 1 THEN '国土交通省' || i ELSE '' END, "
                              "CASE WHEN j = 1 THEN '2024' ELSE '' END");
+        } else if (index == kIndexGyoshu && o.tradeGrid) {
+            sql += Sequences(o.customers, kTradeGridRows) +
+                   "INSERT INTO [tCustomerGyoshu] (CustomerID, disabled, GyoshuCode, EPmtCheck, "
+                   "EPmtDate, RecordUpdate, InetCheckDate) SELECT i, 0, j, CASE WHEN (i + j) % 4 "
+                   "= 0 THEN 1 ELSE 0 END, CASE WHEN (i + j) % 4 = 0 THEN datetime('2020-04-01', "
+                   "'+' || (i * 37 + j) || ' days') END, " +
+                   Stamp("i * 31 + j", index, 9, 0) + ", " +
+                   CheckStamp(o, "i * 31 + j", index, 6, 2) + " FROM n, r;\n";
         } else if (index == kIndexKyokaHistory) {
             sql += OwnedRows(t.name, index, o, ", Ver511HideFlag",
                              ", CASE WHEN (i + j) % 13 = 0 THEN 1 ELSE 0 END");

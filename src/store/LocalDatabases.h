@@ -34,6 +34,9 @@ struct SampleDataOptions {
     // No InetCheckDate anywhere, as in an office that has never been backed up; otherwise
     // some rows look agreed on earlier.
     bool neverSynced = false;
+    // Every customer's trade grid whole, 31 live rows coded 1 to 31, as the host keeps it;
+    // otherwise the grid has rowsPerTable rows like any other table.
+    bool tradeGrid = false;
 };
 
 // Creates the three files in the folder (made if missing; existing files are an error).
