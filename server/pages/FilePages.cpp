@@ -94,7 +94,9 @@ HttpReply Service::FileUpload(const HttpRequest& request, const std::string& kin
         const auto customer = ParseInt32(HeaderOf(req, "customerid"));
         if (!customer || !records_.CustomerExists(call.user.accountId, *customer))
             throw PageFailure(-1, "unknown customer");
-        const auto name = PercentDecode(HeaderOf(req, "filename"));
+        // The listener's HTTP library hands header values over percent-decoded already; a
+        // second decoding would turn a name's own "%" into an escape or refuse it.
+        const auto name = std::optional<std::string>(HeaderOf(req, "filename"));
         if (!name || !FileStore::ValidName(*name)) throw PageFailure(-1, "bad file name");
         if (req.body.size() > options_.maxUploadBytes) throw PageFailure(-1, "file too large");
         RefuseIfLocked(call, Scope::Customer, *customer);

@@ -2,6 +2,7 @@
 
 #include <curl/curl.h>
 
+#include <algorithm>
 #include <chrono>
 #include <memory>
 #include <mutex>
@@ -89,6 +90,16 @@ HttpClient::~HttpClient() = default;
 
 HttpReply HttpClient::Post(const std::string& url, const HttpHeaders& headers,
                            std::string_view body) {
+    return Perform(url, headers, body, false);
+}
+
+HttpReply HttpClient::PostRaw(const std::string& url, const HttpHeaders& headers,
+                              std::string_view body) {
+    return Perform(url, headers, body, true);
+}
+
+HttpReply HttpClient::Perform(const std::string& url, const HttpHeaders& headers,
+                              std::string_view body, bool exactHeaders) {
     HttpReply reply;
     std::unique_ptr<CURL, EasyDeleter> curl(curl_easy_init());
     if (!curl) {
@@ -106,8 +117,21 @@ HttpReply HttpClient::Post(const std::string& url, const HttpHeaders& headers,
         list.release();
         list.reset(grown);
     }
-    // Keep curl from adding "Expect: 100-continue" to larger bodies.
-    if (curl_slist* grown = curl_slist_append(list.get(), "Expect:")) {
+    // Keep curl from adding "Expect: 100-continue" to larger bodies, and under exact
+    // headers from adding its form Content-Type where none was given.
+    std::vector<const char*> suppressed{"Expect:"};
+    if (exactHeaders) {
+        const bool typed = std::any_of(headers.begin(), headers.end(), [](const auto& h) {
+            return curl_strequal(h.first.c_str(), "Content-Type") != 0;
+        });
+        if (!typed) suppressed.push_back("Content-Type:");
+    }
+    for (const char* line : suppressed) {
+        curl_slist* grown = curl_slist_append(list.get(), line);
+        if (!grown) {
+            reply.error = "out of memory";
+            return reply;
+        }
         list.release();
         list.reset(grown);
     }

@@ -53,8 +53,14 @@ public:
     HttpClient& operator=(const HttpClient&) = delete;
 
     HttpReply Post(const std::string& url, const HttpHeaders& headers, std::string_view body);
+    // The same, sending the headers exactly as given: no Content-Type is added for the body,
+    // so raw bytes can go without one. A Content-Length given stands for the computed one.
+    HttpReply PostRaw(const std::string& url, const HttpHeaders& headers, std::string_view body);
 
 private:
+    HttpReply Perform(const std::string& url, const HttpHeaders& headers, std::string_view body,
+                      bool exactHeaders);
+
     HttpOptions options_;
     HttpConnectionPool* pool_;
 };

@@ -18,6 +18,7 @@ DispatchTable Build() {
     RegisterFlagMembers(table);
     RegisterRosterMembers(table);
     RegisterRecordMembers(table);
+    RegisterFileMembers(table);
     return table;
 }
 

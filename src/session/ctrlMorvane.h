@@ -14,6 +14,7 @@ namespace morvane {
 class cCustList;
 class cCustListSync;
 class cCustKihon;
+class cCustDataFile;
 
 class ctrlMorvane {
 public:
@@ -119,12 +120,47 @@ public:
     std::int32_t SyncDownloadCustomerKihonGyosyu(const std::string& LocalDB, std::int32_t CustID);
     std::int32_t SyncUploadCustomerKihonGyosyu(const std::string& LocalDB, std::int32_t CustID);
 
+    // ---- Data files of settlement, permit and other records, named by their local path.
+    // Compare: 0 the same, 1 take the server's copy, 2 send the local one.
+    std::int32_t CompareCustomerKessanFile(std::int32_t CustID, const std::string& LocalFile);
+    std::int32_t SyncDownloadCustomerKessanFile(std::int32_t CustID, const std::string& LocalFile,
+                                                forms::Form* Owner);
+    std::int32_t SyncUploadCustomerKessanFile(std::int32_t CustID, const std::string& LocalFile,
+                                              forms::Form* Owner);
+    std::int32_t SyncDeleteCustomerKessanFile(std::int32_t CustID, const std::string& LocalFile,
+                                              forms::Form* Owner);
+    std::int32_t SyncRenameFileCustomerKessanFile(std::int32_t CustID, const std::string& SrcFile,
+                                                  const std::string& DstFile, forms::Form* Owner);
+    std::int32_t CompareCustomerKyokaFile(std::int32_t CustID, const std::string& LocalFile);
+    std::int32_t SyncDownloadCustomerKyokaFile(std::int32_t CustID, const std::string& LocalFile,
+                                               forms::Form* Owner);
+    std::int32_t SyncUploadCustomerKyokaFile(std::int32_t CustID, const std::string& LocalFile,
+                                             forms::Form* Owner);
+    std::int32_t SyncDeleteCustomerKyokaFile(std::int32_t CustID, const std::string& LocalFile,
+                                             forms::Form* Owner);
+    std::int32_t SyncRenameFileCustomerKyokaFile(std::int32_t CustID, const std::string& SrcFile,
+                                                 const std::string& DstFile, forms::Form* Owner);
+    std::int32_t CompareCustomerOtherFile(std::int32_t CustID, const std::string& LocalFile);
+    std::int32_t SyncDownloadCustomerOtherFile(std::int32_t CustID, const std::string& LocalFile,
+                                               forms::Form* Owner);
+    std::int32_t SyncUploadCustomerOtherFile(std::int32_t CustID, const std::string& LocalFile,
+                                             forms::Form* Owner);
+    std::int32_t SyncDeleteCustomerOtherFile(std::int32_t CustID, const std::string& LocalFile,
+                                             forms::Form* Owner);
+    std::int32_t SyncRenameFileCustomerOtherFile(std::int32_t CustID, const std::string& SrcFile,
+                                                 const std::string& DstFile, forms::Form* Owner);
+
 private:
     // Worker slots, one per kind, added with the members that fill them.
     std::unique_ptr<cCustList> custList_;
     std::unique_ptr<cCustListSync> custListSync_;
     // Shared by every kind of the customer record.
     std::unique_ptr<cCustKihon> custKihon_;
+    // One cached data-file description per kind, left by a comparison that found the
+    // server's copy newer.
+    std::unique_ptr<cCustDataFile> custKessanFile_;
+    std::unique_ptr<cCustDataFile> custKyokaFile_;
+    std::unique_ptr<cCustDataFile> custOtherFile_;
 };
 
 }  // namespace morvane

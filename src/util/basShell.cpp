@@ -1,5 +1,8 @@
 #include "util/basShell.h"
 
+#include <filesystem>
+#include <system_error>
+
 #include "session/ProcessState.h"
 #include "session/mdlMsgBox.h"
 #include "util/Text.h"
@@ -85,6 +88,14 @@ std::int32_t ShellMail(std::string_view address, std::string_view subject, std::
     const std::int32_t result = State().Toolkit().OpenUrl(url);
     if (showError) ShowShellError(result);
     return result;
+}
+
+std::int32_t ShellFileOperation(std::string_view path, std::int32_t flags, forms::Form* /*owner*/,
+                                std::string_view /*title*/) {
+    if (path.empty()) return 1;
+    if (flags & kFofAllowUndo) return State().Toolkit().MoveToTrash(std::string(path));
+    std::error_code ec;
+    return std::filesystem::remove(std::filesystem::path(std::string(path)), ec) ? 0 : 2;
 }
 
 }  // namespace morvane

@@ -25,4 +25,13 @@ std::int32_t ShellMail(std::string_view address, std::string_view subject, std::
 // Line breaks and blanks escaped for a mailto: link.
 std::string EscapeMailText(std::string_view text);
 
+// Shell flags of a file operation: undo allowed (into the trash), and no confirmation.
+inline constexpr std::int32_t kFofAllowUndo = 0x40;
+inline constexpr std::int32_t kFofNoConfirmation = 0x10;
+// Deletes one file: into the trash when the flags allow undo, else for good. An empty path
+// gives 1 without a call; otherwise 0 on success. Owner and progress title are accepted
+// for the host's sake; the operation shows no progress.
+std::int32_t ShellFileOperation(std::string_view path, std::int32_t flags, forms::Form* owner,
+                                std::string_view title);
+
 }  // namespace morvane

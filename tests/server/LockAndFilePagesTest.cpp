@@ -140,7 +140,7 @@ TEST_F(FilePagesTest, DeleteAndRename) {
 
 TEST_F(FilePagesTest, NamesThatCouldLeaveTheFolderAreRefused) {
     const auto filesRoot = options_.dataDir / "files";
-    for (const char* name : {"..%2Fescape.txt", "%2Fetc%2Fpasswd", "a%5Cb", "x%01y", "..", "%zz"}) {
+    for (const char* name : {"..%2Fescape.txt", "%2Fetc%2Fpasswd", "a%5Cb", "x%01y", ".."}) {
         Reply r = UploadFile(user, "Other", 3, name, "evil");
         EXPECT_EQ(r.Flags(), -1) << name;
         EXPECT_FALSE(r.Token().empty()) << "the login survives a refusal";

@@ -1,0 +1,31 @@
+// The modal form without buttons that stands on the screen while a file downloads; it runs
+// the download itself when it first becomes the active window.
+#pragma once
+
+#include <string>
+
+#include "platform/Forms.h"
+
+namespace morvane {
+
+class frmFileDownloadProgress final : public forms::Form {
+public:
+    explicit frmFileDownloadProgress(forms::Toolkit& toolkit);
+
+    void SetURL(std::string url) { url_ = std::move(url); }
+    void SetPostData(std::string data) { postData_ = std::move(data); }
+    void SetDownloadPath(std::string path) { downloadPath_ = std::move(path); }
+    void SetFileTitle(std::string title) { fileTitle_ = std::move(title); }
+    // "True" or "False" once the download ran, else "".
+    const std::string& ReturnString() const { return returnString_; }
+
+protected:
+    void OnLoad() override;
+    void OnActivate() override;
+
+private:
+    std::string url_, postData_, downloadPath_, fileTitle_, returnString_;
+    bool shown_ = false;
+};
+
+}  // namespace morvane

@@ -1,0 +1,327 @@
+// Data files against the scripted server: the hash reply, the decision between the local
+// and the server's copy, and the five members of each kind with their slots.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "dated/cCustDataFile.h"
+#include "session/DispatchTable.h"
+#include "session/ProcessState.h"
+#include "session/ctrlMorvane.h"
+#include "session/mdlLogin.h"
+#include "support/MorvaneTest.h"
+#include "util/basFileTime.h"
+#include "util/basGetCRC.h"
+
+namespace morvane::test {
+namespace {
+namespace fs = std::filesystem;
+
+std::string Item(const std::string& list, const std::string& name, const std::string& size,
+                 const std::string& modified, const std::string& hash) {
+    return "<" + list + "List><" + list + "Item><FileName>" + name + "</FileName><FileSize>" +
+           size + "</FileSize><LastModified>" + modified + "</LastModified><hash>" + hash +
+           "</hash></" + list + "Item></" + list + "List>";
+}
+
+std::string HashPayload(const std::string& items, int custId = 7) {
+    return "<Customer><CustomerID>" + std::to_string(custId) + "</CustomerID>" + items +
+           "</Customer>";
+}
+
+class DataFileTest : public MorvaneTest {
+protected:
+    void SetUp() override {
+        MorvaneTest::SetUp();
+        tmp_ = temp_.Path() / "tmp";
+        data_ = temp_.Path() / "data";
+        fs::create_directories(tmp_);
+        fs::create_directories(data_);
+        if (const char* old = std::getenv("TMPDIR")) oldTmp_ = old;
+        setenv("TMPDIR", tmp_.c_str(), 1);
+        m_ = std::make_unique<ctrlMorvane>();  // before the login, which it resets
+        LogIn("T1");
+    }
+    void TearDown() override {
+        m_.reset();
+        if (oldTmp_.empty())
+            unsetenv("TMPDIR");
+        else
+            setenv("TMPDIR", oldTmp_.c_str(), 1);
+        MorvaneTest::TearDown();
+    }
+
+    std::string Write(const std::string& name, const std::string& bytes,
+                      const char* modified = nullptr) {
+        const fs::path path = data_ / name;
+        fs::create_directories(path.parent_path());
+        std::ofstream(path, std::ios::binary) << bytes;
+        if (modified) {
+            DateValue c, a, m;
+            EXPECT_EQ(GetFileTimes(path.string(), c, a, m), 1);
+            EXPECT_EQ(SetFileTimes(path.string(), c, a, *DateValue::Parse(modified)), 1);
+        }
+        return path.string();
+    }
+    static std::string Read(const std::string& path) {
+        std::ifstream in(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    }
+    static std::string Modified(const std::string& path) {
+        DateValue c, a, m;
+        return GetFileTimes(path, c, a, m) == 1 ? m.StampText() : "";
+    }
+    // The server describes a file of these bytes.
+    void ServerHas(const std::string& page, const std::string& list, const std::string& bytes,
+                   const std::string& modified, std::string hash = {}) {
+        if (hash.empty()) hash = GetCRC(bytes);
+        server_->On(page, Envelope(1, "T2",
+                                   HashPayload(Item(list, "a.pdf", std::to_string(bytes.size()),
+                                                    modified, hash))));
+    }
+    cCustDataFile Described(const std::string& bytes, const std::string& modified,
+                            std::string hash = {}) {
+        cCustDataFile f;
+        if (hash.empty()) hash = GetCRC(bytes);
+        EXPECT_TRUE(
+            f.ReadXML(Envelope(1, "T",
+                               HashPayload(Item("KessanFile", "a.pdf", std::to_string(bytes.size()),
+                                                modified, hash)))));
+        return f;
+    }
+
+    std::unique_ptr<ctrlMorvane> m_;
+    fs::path tmp_, data_;
+    std::string oldTmp_;
+};
+
+TEST_F(DataFileTest, ReadXmlNeedsTheCustomerAndOneItemOfAnyKind) {
+    cCustDataFile f;
+    EXPECT_TRUE(f.ReadXML(
+        "<r>" + HashPayload(Item("KyokaFile", "a.pdf", "12", "2024/01/02 03:04:05", "0012d20a")) +
+        "</r>"));
+    EXPECT_EQ(f.CustomerID(), 7);
+    EXPECT_EQ(f.FileName(), "a.pdf");
+    EXPECT_EQ(f.FileSize(), 12);
+    EXPECT_EQ(f.LastModified(), "2024/01/02 03:04:05");
+    EXPECT_EQ(f.Hash(), "0012d20a");
+
+    // Tags below Customer match without case; the last item's fields stand one by one.
+    EXPECT_TRUE(
+        f.ReadXML("<r><Customer><CUSTOMERID>9</CUSTOMERID><otherfilelist>"
+                  "<OTHERFILEITEM><FileName>x</FileName><hash>AAAAAAAA</hash>"
+                  "</OTHERFILEITEM><OtherFileItem><filename>y</filename><FileSize/>"
+                  "</OtherFileItem></otherfilelist></Customer></r>"));
+    EXPECT_EQ(f.CustomerID(), 9);
+    EXPECT_EQ(f.FileName(), "y");
+    EXPECT_EQ(f.FileSize(), 0);
+    EXPECT_EQ(f.Hash(), "AAAAAAAA");
+
+    // A failed read leaves nothing of the last one.
+    EXPECT_FALSE(f.ReadXML("<r>" + HashPayload("<KessanFileList/>") + "</r>"));
+    EXPECT_EQ(f.FileName(), "");
+    EXPECT_EQ(f.Hash(), "");
+    EXPECT_FALSE(f.ReadXML("<r><customer><CustomerID>1</CustomerID>" +
+                           Item("KessanFile", "a", "1", "", "") + "</customer></r>"));
+    EXPECT_FALSE(
+        f.ReadXML("<r><Customer>" + Item("KessanFile", "a", "1", "", "") + "</Customer></r>"));
+    EXPECT_FALSE(f.ReadXML("<r><Customer><CustomerID>1"));
+    EXPECT_FALSE(f.ReadXML(""));
+}
+
+TEST_F(DataFileTest, ContentDecidesWhetherTimesOnlyWhichWay) {
+    const std::string local = Write("a.pdf", "local bytes", "2024/05/01 10:00:00");
+    const struct {
+        const char* name;
+        std::string bytes;
+        const char* modified;
+        std::string hash;
+        std::int32_t expected;
+    } cases[] = {
+        {"same content, other time", "local bytes", "2020/01/01 00:00:00", "", 0},
+        {"same content, hash in lower case", "local bytes", "2030/01/01 00:00:00", "540b60de", 0},
+        {"same time, other content", "server bytes", "2024/05/01 10:00:00", "", 2},
+        {"server one second later", "server bytes", "2024/05/01 10:00:01", "", 1},
+        {"server earlier", "server bytes", "2024/05/01 09:59:59", "", 2},
+        {"server time empty", "server bytes", "", "", 2},
+        {"server time not a date", "server bytes", "yesterday", "", 2},
+        {"same CRC, other size", "local bytes!", "2024/05/01 10:00:01", GetCRC("local bytes"), 1},
+    };
+    ASSERT_EQ(GetCRC("local bytes"), "540B60DE");
+    for (const auto& c : cases) {
+        cCustDataFile f = Described(c.bytes, c.modified, c.hash);
+        EXPECT_EQ(f.CompareLocalFile(local), c.expected) << c.name;
+    }
+    EXPECT_EQ(Described("x", "2024/05/01 10:00:00").CompareLocalFile((data_ / "none").string()), 1);
+    const std::string empty = Write("empty.pdf", "", "2024/05/01 10:00:00");
+    EXPECT_EQ(Described("", "2000/01/01 00:00:00", "00000000").CompareLocalFile(empty), 0);
+}
+
+TEST_F(DataFileTest, CompareKeepsTheDescriptionOnlyForAServerCopyToTake) {
+    const std::string local = Write("a.pdf", "local", "2024/05/01 10:00:00");
+    ctrlMorvane& m = *m_;
+    ServerHas("customer/getKessanFileHash.php", "KessanFile", "newer", "2024/05/02 00:00:00");
+    server_->On("customer/getKessanFile.php", "newer");
+    EXPECT_EQ(m.CompareCustomerKessanFile(7, local), 1);
+    EXPECT_EQ(server_->RequestsTo("customer/getKessanFileHash.php").at(0).body,
+              "ID=user1&token=T1&CustomerID=7&FileName=a.pdf&");
+    EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
+    EXPECT_EQ(Read(local), "newer");
+
+    // Local newer: nothing is kept, so a download without the option does nothing.
+    Write("a.pdf", "local again", "2024/06/01 00:00:00");
+    EXPECT_EQ(m.CompareCustomerKessanFile(7, local), 2);
+    server_->ClearRequests();
+    EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
+    EXPECT_TRUE(server_->Requests().empty());
+    EXPECT_EQ(Read(local), "local again");
+
+    // A file the server does not know reads as no item: 0, as a match would be.
+    server_->On("customer/getKessanFileHash.php",
+                Envelope(1, "T3", HashPayload("<KessanFileList/>")));
+    EXPECT_EQ(m.CompareCustomerKessanFile(7, local), 0);
+}
+
+TEST_F(DataFileTest, DownloadOfTheRightSizeReplacesTrashesAndStampsWhateverItsCrc) {
+    const std::string local = Write("k/a.pdf", "old content", "2024/01/01 00:00:00");
+    ServerHas("customer/getKessanFileHash.php", "KessanFile", "NEW content", "2024/03/04 05:06:07",
+              "DEADBEEF");
+    server_->On("customer/getKessanFile.php", "NEW content");
+    ctrlMorvane& m = *m_;
+    ASSERT_EQ(m.CompareCustomerKessanFile(7, local), 1);
+    EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
+    EXPECT_EQ(Read(local), "NEW content");
+    EXPECT_EQ(Modified(local), "2024/03/04 05:06:07");
+    EXPECT_EQ(kit_->TrashedFiles(), std::vector<std::string>{local});
+    EXPECT_FALSE(fs::exists(tmp_ / "a.pdf"));
+    EXPECT_EQ(server_->RequestsTo("customer/getKessanFile.php").at(0).body,
+              "ID=user1&token=T2&CustomerID=7&FileName=a.pdf&");
+    EXPECT_TRUE(kit_->Boxes().empty());
+}
+
+TEST_F(DataFileTest, DownloadOfTheWrongSizeLeavesTheLocalFileAndStillAnswersOne) {
+    const std::string local = Write("a.pdf", "old", "2024/01/01 00:00:00");
+    ServerHas("customer/getKyokaFileHash.php", "KyokaFile", "twelve bytes", "2024/03/04 05:06:07");
+    server_->On("customer/getKyokaFile.php", "<html>error</html>");
+    ctrlMorvane& m = *m_;
+    ASSERT_EQ(m.CompareCustomerKyokaFile(7, local), 1);
+    EXPECT_EQ(m.SyncDownloadCustomerKyokaFile(7, local, nullptr), 1);
+    EXPECT_EQ(Read(local), "old");
+    EXPECT_TRUE(kit_->TrashedFiles().empty());
+    EXPECT_EQ(Read((tmp_ / "a.pdf").string()), "<html>error</html>");  // left behind
+}
+
+TEST_F(DataFileTest, DownloadCreatesTheFoldersAndFetchesForItselfUnderTheOption) {
+    const std::string local = (data_ / "new" / "deep" / "a.pdf").string();
+    ServerHas("customer/getOtherFileHash.php", "OtherFile", "bytes", "not a date");
+    server_->On("customer/getOtherFile.php", "bytes");
+    ctrlMorvane& m = *m_;
+    m.setObjectUsage(1);
+    EXPECT_EQ(m.SyncDownloadCustomerOtherFile(7, local, nullptr), 1);
+    EXPECT_EQ(Read(local), "bytes");
+    EXPECT_TRUE(kit_->ShownForms().empty());
+}
+
+TEST_F(DataFileTest, DownloadWithTheLoginLostSendsNothing) {
+    const std::string local = Write("a.pdf", "old");
+    ServerHas("customer/getKessanFileHash.php", "KessanFile", "new", "2030/01/01 00:00:00");
+    ctrlMorvane& m = *m_;
+    ASSERT_EQ(m.CompareCustomerKessanFile(7, local), 1);
+    State().login.loginState = 2;
+    server_->ClearRequests();
+    EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local, nullptr), 0);
+    EXPECT_TRUE(server_->Requests().empty());
+    State().login.loginState = 1;
+    EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local, nullptr), 1);  // the slot went
+    EXPECT_TRUE(server_->Requests().empty());
+}
+
+TEST_F(DataFileTest, UploadCountsOnlyWhenTheServerReportsTheSameFile) {
+    const std::string local = Write("a.pdf", "abc");
+    ctrlMorvane& m = *m_;
+    ServerHas("customer/setKessanFile.php", "KessanFile", "abc", "2024/01/01 00:00:00");
+    EXPECT_EQ(m.SyncUploadCustomerKessanFile(7, local, nullptr), 1);
+    const auto sent = server_->RequestsTo("customer/setKessanFile.php").at(0);
+    EXPECT_EQ(sent.body, "abc");
+    EXPECT_EQ(sent.Header("userid"), "user1");
+    EXPECT_EQ(sent.Header("token"), "T1");
+    EXPECT_EQ(sent.Header("customerid"), "7");
+    EXPECT_EQ(sent.Header("filename"), "a.pdf");
+
+    ServerHas("customer/setKessanFile.php", "KessanFile", "abc", "2024/01/01 00:00:00", "00000000");
+    EXPECT_EQ(m.SyncUploadCustomerKessanFile(7, local, nullptr), 0);
+    server_->On("customer/setKessanFile.php", Envelope(1, "T4", HashPayload("")));
+    EXPECT_EQ(m.SyncUploadCustomerKessanFile(7, local, nullptr), 0);
+    server_->On("customer/setKessanFile.php", Envelope(-1, "T5"));
+    EXPECT_EQ(m.SyncUploadCustomerKessanFile(7, local, nullptr), 0);
+
+    server_->ClearRequests();
+    EXPECT_EQ(m.SyncUploadCustomerKessanFile(7, (data_ / "none.pdf").string(), nullptr), 0);
+    EXPECT_TRUE(server_->Requests().empty());
+}
+
+TEST_F(DataFileTest, OnlyTheOtherKindKeepsItsDescriptionThroughAnUpload) {
+    const std::string local = Write("a.pdf", "local", "2024/01/01 00:00:00");
+    ctrlMorvane& m = *m_;
+    for (const std::string kind : {"Kessan", "Other"}) {
+        ServerHas("customer/get" + kind + "FileHash.php", kind + "File", "server",
+                  "2030/01/01 00:00:00");
+        ServerHas("customer/set" + kind + "File.php", kind + "File", "local",
+                  "2030/01/01 00:00:00");
+        server_->On("customer/get" + kind + "File.php", "server");
+    }
+    ASSERT_EQ(m.CompareCustomerKessanFile(7, local), 1);
+    ASSERT_EQ(m.CompareCustomerOtherFile(7, local), 1);
+    EXPECT_EQ(m.SyncUploadCustomerKessanFile(7, local, nullptr), 1);
+    EXPECT_EQ(m.SyncUploadCustomerOtherFile(7, local, nullptr), 1);
+    server_->ClearRequests();
+    EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
+    EXPECT_TRUE(server_->Requests().empty());
+    EXPECT_EQ(m.SyncDownloadCustomerOtherFile(7, local, nullptr), 1);
+    EXPECT_EQ(server_->RequestsTo("customer/getOtherFile.php").size(), 1u);
+    EXPECT_EQ(Read(local), "server");
+}
+
+TEST_F(DataFileTest, DeleteAndRenameGoOutOnlyWhenTheLocalChangeIsThere) {
+    const std::string present = Write("here.pdf", "x");
+    const std::string gone = (data_ / "gone.pdf").string();
+    server_->On("customer/deleteKyokaFile.php", Envelope(1, "T2"));
+    server_->On("customer/renameKyokaFile.php", Envelope(1, "T3"));
+    ctrlMorvane& m = *m_;
+    EXPECT_EQ(m.SyncDeleteCustomerKyokaFile(7, present, nullptr), 0);
+    EXPECT_EQ(m.SyncRenameFileCustomerKyokaFile(7, present, present, nullptr), 0);
+    EXPECT_EQ(m.SyncRenameFileCustomerKyokaFile(7, gone, gone, nullptr), 0);
+    EXPECT_TRUE(server_->Requests().empty());
+
+    EXPECT_EQ(m.SyncDeleteCustomerKyokaFile(7, gone, nullptr), 1);
+    EXPECT_EQ(m.SyncRenameFileCustomerKyokaFile(7, gone, present, nullptr), 1);
+    EXPECT_EQ(server_->RequestsTo("customer/deleteKyokaFile.php").at(0).body,
+              "ID=user1&token=T1&CustomerID=7&FileName=gone.pdf&");
+    EXPECT_EQ(server_->RequestsTo("customer/renameKyokaFile.php").at(0).body,
+              "ID=user1&token=T2&CustomerID=7&SrcFile=gone.pdf&DstFile=here.pdf&");
+
+    server_->On("customer/deleteKyokaFile.php", Envelope(-1, "T4"));
+    EXPECT_EQ(m.SyncDeleteCustomerKyokaFile(7, gone, nullptr), 0);
+}
+
+TEST_F(DataFileTest, MembersAreCalledByName) {
+    const std::string gone = (data_ / "gone.pdf").string();
+    server_->On("customer/deleteOtherFile.php", Envelope(1, "T2"));
+    ctrlMorvane& m = *m_;
+    std::vector<DispatchArg> args{{Value(7)}, {Value(gone)}, {Value()}};
+    EXPECT_EQ(DispatchTable::Instance().Invoke(m, "SyncDeleteCustomerOtherFile", args).ToText(),
+              "1");
+    for (const char* kind : {"Kessan", "Kyoka", "Other"})
+        for (const std::string form :
+             {"CompareCustomer%File", "SyncDownloadCustomer%File", "SyncUploadCustomer%File",
+              "SyncDeleteCustomer%File", "SyncRenameFileCustomer%File"}) {
+            const std::string name = form.substr(0, form.find('%')) + kind + "File";
+            EXPECT_NE(DispatchTable::Instance().Find(name), nullptr) << name;
+        }
+}
+
+}  // namespace
+}  // namespace morvane::test

@@ -1,0 +1,137 @@
+// A data file between two offices through the reference server: one office sends it up,
+// the other finds it missing, takes it, and then agrees, with the same bytes and time.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "OfficeServerTest.h"
+#include "dated/cCustDataFile.h"
+#include "session/ctrlMorvane.h"
+#include "session/mdlLogin.h"
+#include "transport/RequestBody.h"
+#include "transport/mdlServerConst.h"
+#include "transport/mdlServerReply.h"
+#include "util/basFileTime.h"
+
+namespace morvane::test {
+namespace {
+namespace fs = std::filesystem;
+
+class DataFileSyncTest : public OfficeServerTest {
+protected:
+    void SetUp() override {
+        StartServer();
+        fs::create_directories(temp_.Path() / "tmp");
+        if (const char* old = std::getenv("TMPDIR")) oldTmp_ = old;
+        setenv("TMPDIR", (temp_.Path() / "tmp").c_str(), 1);
+    }
+    void TearDown() override {
+        if (oldTmp_.empty())
+            unsetenv("TMPDIR");
+        else
+            setenv("TMPDIR", oldTmp_.c_str(), 1);
+        OfficeServerTest::TearDown();
+    }
+
+    static void CreateCustomer(std::int32_t custId) {
+        std::string create = LowerCustomerBody(custId);
+        AppendField(create, "Code", "C" + std::to_string(custId));
+        AppendField(create, "CorpName0", "梅田建設株式会社");
+        AppendField(create, "CorpKanaS", "ｳﾒﾀﾞ");
+        AppendField(create, "CorpKana0", "ｳﾒﾀﾞ");
+        ASSERT_NE(SendRequest(page::kCreateCompKihon, create), "");
+    }
+    static std::string Read(const fs::path& path) {
+        std::ifstream in(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    }
+    static std::string Modified(const fs::path& path) {
+        DateValue c, a, m;
+        return GetFileTimes(path.string(), c, a, m) == 1 ? m.StampText() : "";
+    }
+    // What the server reports of the file now.
+    static cCustDataFile ServerView(std::int32_t custId, const std::string& file) {
+        cCustDataFile f;
+        EXPECT_TRUE(f.ReadXML(
+            SendRequest(page::kGetKessanFileHash, cCustDataFile::FileBody(custId, file))));
+        return f;
+    }
+    void NoBoxes() {
+        for (const auto& box : kit_->Boxes()) ADD_FAILURE() << box.title << ": " << box.text;
+    }
+
+    std::string oldTmp_;
+};
+
+TEST_F(DataFileSyncTest, OneOfficeSendsAFileAndTheOtherTakesItAndAgrees) {
+    const std::string bytes =
+        std::string("%PDF-1.4\0\xff\xfe 決算書\r\n", 23) + std::string(5000, 'z');
+    const fs::path fileA = temp_.Path() / "a" / "data" / "決算書 2024#1.pdf";
+    const fs::path fileB = temp_.Path() / "b" / "data" / "2" / "決算書 2024#1.pdf";
+
+    UseOffice("a");
+    ctrlMorvane a;
+    ASSERT_TRUE(DoLogin("u1", "secret-1", kContract));
+    CreateCustomer(2);
+    fs::create_directories(fileA.parent_path());
+    std::ofstream(fileA, std::ios::binary) << bytes;
+    EXPECT_EQ(a.CompareCustomerKessanFile(2, fileA.string()), 0);  // unknown to the server
+    ASSERT_EQ(a.SyncUploadCustomerKessanFile(2, fileA.string(), nullptr), 1);
+    EXPECT_EQ(a.CompareCustomerKessanFile(2, fileA.string()), 0);
+    NoBoxes();
+
+    clock_->Advance(std::chrono::hours(1));
+    UseOffice("b");
+    ctrlMorvane b;
+    ASSERT_TRUE(DoLogin("u2", "secret-2", kContract));
+    EXPECT_EQ(b.CompareCustomerKessanFile(2, fileB.string()), 1);
+    EXPECT_EQ(b.SyncDownloadCustomerKessanFile(2, fileB.string(), nullptr), 1);
+    EXPECT_EQ(b.CompareCustomerKessanFile(2, fileB.string()), 0);
+    EXPECT_EQ(Read(fileB), bytes);
+    const cCustDataFile server = ServerView(2, fileB.string());
+    EXPECT_EQ(server.FileSize(), static_cast<std::int32_t>(bytes.size()));
+    EXPECT_EQ(Modified(fileB), DateValue::Parse(server.LastModified())->StampText());
+    // The file's own kind only: the same name is unknown among the permit files.
+    EXPECT_EQ(b.CompareCustomerKyokaFile(2, fileB.string()), 0);
+    EXPECT_EQ(b.SyncDownloadCustomerKyokaFile(2, fileB.string(), nullptr), 1);
+    EXPECT_EQ(Read(fileB), bytes);
+    NoBoxes();
+}
+
+TEST_F(DataFileSyncTest, ANewerLocalCopyGoesUpAndARenameAndDeleteFollow) {
+    UseOffice("a");
+    ctrlMorvane a;
+    ASSERT_TRUE(DoLogin("u1", "secret-1", kContract));
+    CreateCustomer(3);
+    const fs::path folder = temp_.Path() / "a" / "files";
+    fs::create_directories(folder);
+    const fs::path one = folder / "100% 許可.txt";
+    std::ofstream(one, std::ios::binary) << "first";
+    ASSERT_EQ(a.SyncUploadCustomerOtherFile(3, one.string(), nullptr), 1);
+    clock_->Advance(std::chrono::minutes(1));
+
+    std::ofstream(one, std::ios::binary) << "second, longer";
+    DateValue c, ac, m;
+    ASSERT_EQ(GetFileTimes(one.string(), c, ac, m), 1);
+    ASSERT_EQ(SetFileTimes(one.string(), c, ac, DateValue(m.Days() + 1)), 1);  // tomorrow
+    EXPECT_EQ(a.CompareCustomerOtherFile(3, one.string()), 2);
+    ASSERT_EQ(a.SyncUploadCustomerOtherFile(3, one.string(), nullptr), 1);
+    EXPECT_EQ(a.CompareCustomerOtherFile(3, one.string()), 0);
+
+    const fs::path two = folder / "renamed.txt";
+    fs::rename(one, two);
+    EXPECT_EQ(a.SyncRenameFileCustomerOtherFile(3, one.string(), two.string(), nullptr), 1);
+    EXPECT_EQ(a.CompareCustomerOtherFile(3, two.string()), 0);
+    fs::remove(two);
+    EXPECT_EQ(a.CompareCustomerOtherFile(3, two.string()), 1);  // the server still has it
+    EXPECT_EQ(a.SyncDeleteCustomerOtherFile(3, two.string(), nullptr), 1);
+    std::ofstream(two, std::ios::binary) << "x";
+    EXPECT_EQ(a.CompareCustomerOtherFile(3, two.string()), 0);  // gone from the server
+    NoBoxes();
+}
+
+}  // namespace
+}  // namespace morvane::test
