@@ -18,6 +18,7 @@ DispatchTable Build() {
     RegisterFlagMembers(table);
     RegisterRosterMembers(table);
     RegisterRecordMembers(table);
+    RegisterDatedMembers(table);
     return table;
 }
 

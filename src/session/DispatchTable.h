@@ -206,5 +206,6 @@ void RegisterLockMembers(DispatchTable& table);
 void RegisterFlagMembers(DispatchTable& table);
 void RegisterRosterMembers(DispatchTable& table);
 void RegisterRecordMembers(DispatchTable& table);
+void RegisterDatedMembers(DispatchTable& table);
 
 }  // namespace morvane

@@ -1,5 +1,6 @@
 #include "session/ctrlMorvane.h"
 
+#include "dated/cCustKessan.h"
 #include "locks/mdlLock.h"
 #include "record/cCustKihon.h"
 #include "roster/cCustList.h"

@@ -14,6 +14,7 @@ namespace morvane {
 class cCustList;
 class cCustListSync;
 class cCustKihon;
+class cCustKessan;
 
 class ctrlMorvane {
 public:
@@ -114,12 +115,19 @@ public:
     std::int32_t SyncDownloadCustomerKihon(const std::string& LocalDB, std::int32_t CustID);
     std::int32_t SyncUploadCustomerKihonNormal(const std::string& LocalDB, std::int32_t CustID);
 
+    // ---- Dated records: settlement, permit and other records
+    std::int32_t CompareCustomerKessanList(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncDownloadCustomerKessanList(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncUploadCustomerKessanList(const std::string& LocalDB, std::int32_t CustID);
+
 private:
     // Worker slots, one per kind, added with the members that fill them.
     std::unique_ptr<cCustList> custList_;
     std::unique_ptr<cCustListSync> custListSync_;
     // Shared by every kind of the customer record.
     std::unique_ptr<cCustKihon> custKihon_;
+    // Dated records, kept by a comparison for the download that may follow.
+    std::unique_ptr<cCustKessan> custKessan_;
 };
 
 }  // namespace morvane
