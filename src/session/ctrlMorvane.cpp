@@ -1,6 +1,8 @@
 #include "session/ctrlMorvane.h"
 
 #include "dated/cCustKessan.h"
+#include "dated/cCustKihonOther.h"
+#include "dated/cCustKyoka.h"
 #include "locks/mdlLock.h"
 #include "record/cCustKihon.h"
 #include "roster/cCustList.h"

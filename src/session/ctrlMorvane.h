@@ -15,6 +15,8 @@ class cCustList;
 class cCustListSync;
 class cCustKihon;
 class cCustKessan;
+class cCustKyoka;
+class cCustKihonOther;
 
 class ctrlMorvane {
 public:
@@ -119,6 +121,12 @@ public:
     std::int32_t CompareCustomerKessanList(const std::string& LocalDB, std::int32_t CustID);
     std::int32_t SyncDownloadCustomerKessanList(const std::string& LocalDB, std::int32_t CustID);
     std::int32_t SyncUploadCustomerKessanList(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t CompareCustomerKyokaList(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncDownloadCustomerKyokaList(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncUploadCustomerKyokaList(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t CompareCustomerOtherList(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncDownloadCustomerOtherList(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncUploadCustomerOtherList(const std::string& LocalDB, std::int32_t CustID);
 
 private:
     // Worker slots, one per kind, added with the members that fill them.
@@ -128,6 +136,8 @@ private:
     std::unique_ptr<cCustKihon> custKihon_;
     // Dated records, kept by a comparison for the download that may follow.
     std::unique_ptr<cCustKessan> custKessan_;
+    std::unique_ptr<cCustKyoka> custKyoka_;
+    std::unique_ptr<cCustKihonOther> custKihonOther_;
 };
 
 }  // namespace morvane
