@@ -7,6 +7,8 @@
 
 #include "OfficeServerTest.h"
 #include "dated/cCustKessan.h"
+#include "dated/cCustKihonOther.h"
+#include "dated/cCustKyoka.h"
 #include "platform/Dao.h"
 #include "session/ctrlMorvane.h"
 #include "session/mdlLogin.h"
@@ -87,6 +89,48 @@ TEST_F(DatedRecordsTest, SettlementRecordsTravelFromOneOfficeToTheOther) {
     EXPECT_NE(sentA[0].find("&DataFile=決算&1.dat&"), std::string::npos);
     EXPECT_NE(sentA[0].find("&other=<第1期>&CheckOther=1&"), std::string::npos);
     EXPECT_NE(sentA[0].find("&DataFileID=17&"), std::string::npos);
+}
+
+TEST_F(DatedRecordsTest, PermitAndOtherRecordsTravelAndHiddenRowsStayHome) {
+    const std::string dbA = UseOffice("a");
+    dao::RunScript(
+        dbA,
+        "INSERT INTO tCustomerKyokaHistory (id, CustomerID, disabled, vno, Other, PApDate, "
+        "AcPeriod, AcDateS, AcDateE, DataFile, CheckSync, DefaultUse, Ver511HideFlag, "
+        "DataFileID) VALUES (1, 2, 0, 1, '許可&更新', '2024-04-01 00:00:00', '5', "
+        "'2024-04-01 00:00:00', '2029-03-31 00:00:00', 'kyoka.pdf', 1, 1, 0, 3), "
+        "(2, 2, 0, 2, 'hidden', NULL, '', NULL, NULL, '', 0, 0, 1, 0);"
+        "INSERT INTO tCustomerOtherFile (id, CustomerID, disabled, DataFile, RegDate, "
+        "UpdateDate, Other) VALUES (1, 2, 0, '図面.pdf', '2024-04-01 10:00:00', "
+        "'2024-04-02 11:30:15', 'a=b&c');");
+    ctrlMorvane a;
+    ASSERT_TRUE(DoLogin("u1", "secret-1", kContract));
+    std::string create = LowerCustomerBody(2);
+    AppendField(create, "Code", "C2");
+    ASSERT_NE(SendRequest(page::kCreateCompKihon, create), "");
+    ASSERT_EQ(a.SyncUploadCustomerKyokaList(dbA, 2), 1);
+    ASSERT_EQ(a.SyncUploadCustomerOtherList(dbA, 2), 1);
+    EXPECT_EQ(a.CompareCustomerOtherList(dbA, 2), 0);
+    NoBoxes();
+
+    const std::string dbB = UseOffice("b");
+    ctrlMorvane b;
+    ASSERT_TRUE(DoLogin("u2", "secret-2", kContract));
+    EXPECT_EQ(b.CompareCustomerKyokaList(dbB, 2), 1);
+    EXPECT_EQ(b.SyncDownloadCustomerKyokaList(dbB, 2), 1);
+    EXPECT_EQ(b.CompareCustomerKyokaList(dbB, 2), 0);
+    EXPECT_EQ(b.CompareCustomerOtherList(dbB, 2), 1);
+    EXPECT_EQ(b.SyncDownloadCustomerOtherList(dbB, 2), 1);
+    EXPECT_EQ(b.CompareCustomerOtherList(dbB, 2), 0);
+    NoBoxes();
+
+    const auto kyokaA = Sent<cCustKyoka>(dbA, 2, "other");
+    ASSERT_EQ(kyokaA.size(), 1u);  // the hidden row was never sent
+    EXPECT_EQ(Sent<cCustKyoka>(dbB, 2, "other"), kyokaA);
+    const auto otherA = Sent<cCustKihonOther>(dbA, 2, "DataFile");
+    ASSERT_EQ(otherA.size(), 1u);
+    EXPECT_EQ(Sent<cCustKihonOther>(dbB, 2, "DataFile"), otherA);
+    EXPECT_NE(otherA[0].find("&other=a=b&c&"), std::string::npos);
 }
 
 }  // namespace
