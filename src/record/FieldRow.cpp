@@ -1,5 +1,6 @@
 #include "record/FieldRow.h"
 
+#include "session/ProcessState.h"
 #include "store/mdlMorvaneCommon.h"
 #include "util/Nz.h"
 #include "util/Text.h"
@@ -85,10 +86,41 @@ std::optional<Value> ToColumn(Guard guard, std::string_view format, const Value&
             if (!format.empty()) return Value(FormatDate(*date, format));
             break;
         }
+        case Guard::NumericOrEmpty:
+            return IsNumeric(member) ? member : Value(std::string());
+        case Guard::StampOrNow:
+            if (!AsDate(member)) return Value(State().Clock().Now());
+            break;
+        case Guard::Positive:
+            if (NzLong(member) <= 0) return std::nullopt;
+            break;
         case Guard::Always:
             break;
     }
     return member;
+}
+
+std::optional<Value> FromColumnBy(Load load, std::string_view format, bool number,
+                                  const Value& column) {
+    switch (load) {
+        case Load::AsIs:
+            return FromColumn(number, column);
+        case Load::Skip:
+            return std::nullopt;
+        case Load::NumericOrEmpty:
+            return IsNumeric(column) ? Value(NzString(column)) : Value(std::string());
+        case Load::DateOrEmpty: {
+            const auto date = AsDate(column);
+            return Value(date ? FormatDate(*date, format) : std::string());
+        }
+        case Load::StampOrNow:
+            return AsDate(column) ? Value(NzString(column)) : Value(State().Clock().Now());
+        case Load::EmptyIsOne:
+            return Value(NzString(column).empty() ? std::int32_t{1} : NzLong(column));
+        case Load::PositiveOrZero:
+            return Value(column.IsNull() || NzLong(column) <= 0 ? std::int32_t{0} : NzLong(column));
+    }
+    return std::nullopt;
 }
 
 std::string ToBody(Conv conv, const Value& member) {

@@ -80,6 +80,20 @@ enum class Guard {
     NonEmpty,        // only when the value is not empty
     NonZero,         // only when the value is not empty and not 0
     NullUnlessDate,  // Null when the value is no date, else the value (in the write format if set)
+    NumericOrEmpty,  // the value when it is numeric, else ""
+    StampOrNow,      // the value when it is a date, else the present time
+    Positive,        // only when the number is above 0
+};
+
+// How a local read turns the column into the member. Every rule but AsIs also rules a Null.
+enum class Load {
+    AsIs,            // NzString or NzLong; a Null leaves the member as it was
+    Skip,            // not read: the member keeps its cleared value
+    NumericOrEmpty,  // the text when it is numeric, else ""
+    DateOrEmpty,     // a date in the load format, else ""
+    StampOrNow,      // a date as it stands, else the present time
+    EmptyIsOne,      // 1 when the column's text is empty, else its number
+    PositiveOrZero,  // the number when the column is not Null and above 0, else 0
 };
 
 template <class Record>
@@ -97,6 +111,9 @@ struct FieldRow {
     bool required = false;         // one of the tags a section must see
     bool flagged = true;           // sets a field flag when seen
     bool nullFailsLoad = false;
+    // How a local read of a list turns the column into the member.
+    Load load = Load::AsIs;
+    std::string_view loadFormat;  // of a DateOrEmpty read
     // Where the loader puts the column, when not in slot.
     Slot<Record> dbSlot;
     // A text split at "#": the piece after it goes here.
@@ -113,6 +130,9 @@ Value FromColumn(bool number, const Value& column);
 bool Differs(Cmp cmp, std::string_view format, const Value& member, const Value& column);
 // What a download writes into the column; nullopt when the column is left as it is.
 std::optional<Value> ToColumn(Guard guard, std::string_view format, const Value& member);
+// The member value a column gives under a load rule other than AsIs; nullopt for Skip.
+std::optional<Value> FromColumnBy(Load load, std::string_view format, bool number,
+                                  const Value& column);
 // The text a body carries for the member.
 std::string ToBody(Conv conv, const Value& member);
 // The piece before the first "#", and the piece after it when there is one.
@@ -133,9 +153,14 @@ bool StoreXml(const FieldRow<Record>& row, Record& r, std::string_view text) {
     return true;
 }
 
-// Fills the member from a column; a Null leaves it as it was.
+// Fills the member from a column; under AsIs a Null leaves it as it was.
 template <class Record>
 void LoadColumn(const FieldRow<Record>& row, Record& r, const Value& column) {
+    if (row.load != Load::AsIs) {
+        if (auto v = FromColumnBy(row.load, row.loadFormat, row.LoadSlot().IsNumber(), column))
+            row.LoadSlot().Set(r, *v);
+        return;
+    }
     if (column.IsNull() || column.IsEmpty()) return;
     const Slot<Record>& slot = row.LoadSlot();
     const Value v = FromColumn(slot.IsNumber(), column);

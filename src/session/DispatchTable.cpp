@@ -19,6 +19,7 @@ DispatchTable Build() {
     RegisterRosterMembers(table);
     RegisterRecordMembers(table);
     RegisterFileMembers(table);
+    RegisterDatedMembers(table);
     return table;
 }
 

@@ -207,5 +207,6 @@ void RegisterFlagMembers(DispatchTable& table);
 void RegisterRosterMembers(DispatchTable& table);
 void RegisterRecordMembers(DispatchTable& table);
 void RegisterFileMembers(DispatchTable& table);
+void RegisterDatedMembers(DispatchTable& table);
 
 }  // namespace morvane

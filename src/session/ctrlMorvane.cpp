@@ -1,6 +1,9 @@
 #include "session/ctrlMorvane.h"
 
 #include "dated/cCustDataFile.h"
+#include "dated/cCustKessan.h"
+#include "dated/cCustKihonOther.h"
+#include "dated/cCustKyoka.h"
 #include "locks/mdlLock.h"
 #include "record/cCustKihon.h"
 #include "roster/cCustList.h"

@@ -15,6 +15,9 @@ class cCustList;
 class cCustListSync;
 class cCustKihon;
 class cCustDataFile;
+class cCustKessan;
+class cCustKyoka;
+class cCustKihonOther;
 
 class ctrlMorvane {
 public:
@@ -150,6 +153,17 @@ public:
     std::int32_t SyncRenameFileCustomerOtherFile(std::int32_t CustID, const std::string& SrcFile,
                                                  const std::string& DstFile, forms::Form* Owner);
 
+    // ---- Dated records: settlement, permit and other records
+    std::int32_t CompareCustomerKessanList(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncDownloadCustomerKessanList(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncUploadCustomerKessanList(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t CompareCustomerKyokaList(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncDownloadCustomerKyokaList(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncUploadCustomerKyokaList(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t CompareCustomerOtherList(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncDownloadCustomerOtherList(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncUploadCustomerOtherList(const std::string& LocalDB, std::int32_t CustID);
+
 private:
     // Worker slots, one per kind, added with the members that fill them.
     std::unique_ptr<cCustList> custList_;
@@ -161,6 +175,11 @@ private:
     std::unique_ptr<cCustDataFile> custKessanFile_;
     std::unique_ptr<cCustDataFile> custKyokaFile_;
     std::unique_ptr<cCustDataFile> custOtherFile_;
+
+    // Dated records, kept by a comparison for the download that may follow.
+    std::unique_ptr<cCustKessan> custKessan_;
+    std::unique_ptr<cCustKyoka> custKyoka_;
+    std::unique_ptr<cCustKihonOther> custKihonOther_;
 };
 
 }  // namespace morvane

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "platform/JapaneseEra.h"
 #include "session/ProcessState.h"
 #include "util/Nz.h"
 #include "util/Text.h"
@@ -128,9 +129,20 @@ void KeepComparedStamps(std::int32_t result, const Value& server, const Value& l
     state.inetDateCheck = result ? NzString(check) : std::string();
 }
 
+namespace {
+// The first character of a UTF-8 text.
+std::string FirstCharacter(const std::string& text) {
+    if (text.empty()) return text;
+    size_t n = 1;
+    while (n < text.size() && (static_cast<unsigned char>(text[n]) & 0xC0) == 0x80) ++n;
+    return text.substr(0, n);
+}
+}  // namespace
+
 std::string FormatDate(DateValue date, std::string_view p) {
     const CivilTime t = date.ToCivil();
     std::string out;
+    std::optional<std::optional<platform::EraDate>> era;
     bool afterHour = false;
     auto run = [&](size_t i, char c) {
         size_t n = 0;
@@ -178,6 +190,24 @@ std::string FormatDate(DateValue date, std::string_view p) {
             case 's':
                 num(t.second, n);
                 break;
+            case 'g':
+            case 'e': {
+                // Era patterns: g the era's letter, gg its first character, ggg its name;
+                // e and ee the year within the era.
+                if (!era) era = platform::JapaneseEra(date);
+                if (!*era) {
+                    if (c == 'e') num(t.year, 1);
+                } else if (c == 'e') {
+                    num((*era)->year, n);
+                } else if (n == 1) {
+                    out += (*era)->letter;
+                } else if (n == 2) {
+                    out += FirstCharacter((*era)->name);
+                } else {
+                    out += (*era)->name;
+                }
+                break;
+            }
             default:
                 out.append(p.substr(i, n));
                 break;

@@ -46,7 +46,7 @@ void KeepComparedStamps(std::int32_t result, const Value& server, const Value& l
                         const Value& check);
 
 // A date in a pattern of the host's Format: yyyy yy MM M dd d hh h mm m (minutes after an
-// hour) nn ss s; any other character stands as it is.
+// hour) nn ss s, and the Japanese era's g gg ggg e ee; any other character stands as it is.
 std::string FormatDate(DateValue date, std::string_view pattern);
 // 1 when the two texts differ: as dates under the format when both are dates, else as texts.
 std::int32_t DiffDateText(std::string_view a, std::string_view b, std::string_view format);

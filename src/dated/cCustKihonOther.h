@@ -1,0 +1,22 @@
+// A customer's other data files (a file name with two dates each), kept in step between the
+// server and the table tCustomerOtherFile.
+#pragma once
+
+#include <string>
+
+#include "record/ListSpec.h"
+#include "record/ListWorker.h"
+
+namespace morvane {
+
+struct cCustKihonOtherItem : record::ListItem {
+    std::string DataFile, RegDate, UpdateDate, other;
+};
+
+class cCustKihonOther : public record::ListWorker<cCustKihonOtherItem> {
+public:
+    cCustKihonOther() : ListWorker(Declaration()) {}
+    static const record::ListSpec<cCustKihonOtherItem>& Declaration();
+};
+
+}  // namespace morvane

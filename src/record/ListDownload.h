@@ -1,0 +1,52 @@
+// The download of a list: the customer's rows are freed, then rewritten in place from the
+// server's items (rows found by the list's strategy), rows added when they run out.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "record/ListSql.h"
+#include "session/ProcessState.h"
+#include "store/mdlMorvaneCommon.h"
+
+namespace morvane::record {
+
+// Writes the items as the customer's live rows, in one transaction. Raises on a failure,
+// which leaves the rows as they were.
+template <class Item>
+void DownloadListRows(const ListSpec<Item>& spec, const ListData<Item>& server,
+                      const std::string& localDb, std::int32_t custId) {
+    auto ws = CreateMorvaneWorkspace();
+    dao::Database& db = ws->OpenDatabase(localDb);
+    ws->BeginTrans();
+    db.Execute(ReleaseSql(spec.table, spec.releaseFilter, custId));
+    auto rs = db.OpenRecordset(RewriteSql(spec.table, spec.strategy, custId), dao::dbOpenDynaset);
+    // Every row written carries one moment, so that it does not look changed afterwards.
+    const Value now(State().Clock().Now());
+    std::int32_t position = 0;
+    for (const Item& item : server.items) {
+        ++position;
+        // The local id is never written: local and server ids differ freely.
+        const bool edit = !rs->Eof();
+        if (edit)
+            rs->Edit();
+        else
+            rs->AddNew();
+        rs->Fields("CustomerID").PutValue(Value(custId));
+        rs->Fields("Disabled").PutValue(Value(std::int32_t{0}));
+        if (spec.vno == VnoPolicy::Position) rs->Fields("vno").PutValue(Value(position));
+        for (const FieldRow<Item>& row : spec.fields) {
+            if (row.column.empty()) continue;
+            if (auto v = ToColumn(row.guard, row.writeFormat, row.slot.Get(item)))
+                rs->Fields(row.column).PutValue(*v);
+        }
+        rs->Fields("RecordUpdate").PutValue(now);
+        rs->Fields("InetCheckDate").PutValue(now);
+        rs->Update();
+        if (edit) rs->MoveNext();
+    }
+    rs->Close();
+    ws->CommitTrans();
+}
+
+}  // namespace morvane::record

@@ -1,0 +1,69 @@
+// The declaration of one kind of list (its payload tags, table, filters, download strategy,
+// pages and field rows), from which the list machinery reads, compares, writes and sends it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "record/FieldRow.h"
+#include "session/FacadePatterns.h"
+
+namespace morvane::record {
+
+// What every item of a list holds beside its declared fields.
+struct ListItem {
+    std::int32_t id = 0;
+    std::int32_t CustID = 0;
+    std::string Key;  // "K" and the id
+};
+
+// How a download finds the rows it rewrites, after it has freed the customer's rows.
+enum class RowStrategy {
+    Own,   // the customer's own rows, freed ones included
+    Pool,  // every free row of the table, whoever owned it
+};
+
+// Whether the rows carry their position: written on download and sent as "vno".
+enum class VnoPolicy { Position, None };
+
+template <class Item>
+struct ListSpec {
+    std::string_view root = "Customer";  // payload element below the document root
+    std::string_view listTag;
+    std::string_view countTag;
+    std::string_view itemTag;
+    std::string_view itemIdTag;  // also the POST key of the item's id
+
+    std::string_view table;
+    // Added to the walk (not to the count) of the customer's live rows.
+    std::string_view walkFilter;
+    std::string_view walkOrder = " ORDER BY id";
+    // Added to the statement that frees the customer's rows before a download.
+    std::string_view releaseFilter;
+    RowStrategy strategy = RowStrategy::Pool;
+    VnoPolicy vno = VnoPolicy::Position;
+    // Stamped as agreed after an equal comparison or an upload; empty: the list's table.
+    std::vector<std::string_view> agreeTables;
+
+    std::string_view getPage;
+    facade::Routine getRoutine = facade::Routine::Plain;
+    facade::Keep keep = facade::Keep::NonZero;
+    std::string_view setPage;
+    // Where an upload with no items would post its DISABLEDALL (a read of no rows fails first).
+    std::string_view emptyListPage;
+
+    std::vector<FieldRow<Item>> fields;
+};
+
+// What a list worker holds: the server's list after a read, or the local rows after a load.
+template <class Item>
+struct ListData {
+    std::int32_t customerId = 0;
+    std::string recordUpdate;  // empty unless the reply's stamp was a date
+    std::int32_t count = 0;    // the count tag, or the local row count
+    std::vector<Item> items;
+};
+
+}  // namespace morvane::record

@@ -1,0 +1,25 @@
+// The statements of the list machinery: the customer's live rows (their stamps, count and
+// walk), the freeing of rows before a download and the rows a download rewrites.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "record/ListSpec.h"
+
+namespace morvane::record {
+
+// The condition of the customer's live rows, for the stamps and the agree-stamp.
+std::string LiveCondition(std::int32_t custId);
+// "SELECT COUNT(*) as reccnt ..." over the live rows, without the walk filter.
+std::string CountSql(std::string_view table, std::int32_t custId);
+// The live rows with the walk filter, in walk order.
+std::string WalkSql(std::string_view table, std::string_view walkFilter, std::string_view walkOrder,
+                    std::int32_t custId);
+// Frees the customer's rows (those the release filter leaves).
+std::string ReleaseSql(std::string_view table, std::string_view releaseFilter, std::int32_t custId);
+// The rows a download rewrites in order, by its strategy.
+std::string RewriteSql(std::string_view table, RowStrategy strategy, std::int32_t custId);
+
+}  // namespace morvane::record

@@ -1,0 +1,52 @@
+// The upload of a list: one POST per item, the first carrying DISABLEDALL so that the server
+// retires its list before it takes the item, stopping at the first failed post.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "record/ListCompare.h"
+#include "session/mdlLogin.h"
+#include "transport/RequestBody.h"
+#include "transport/mdlServerReply.h"
+
+namespace morvane::record {
+
+inline constexpr const char* kDisabledAll = "DISABLEDALL=DISABLEDALL&";
+
+// The body of the item at a position counted from 1.
+template <class Item>
+std::string ListItemBody(const ListSpec<Item>& spec, const Item& item, std::int32_t custId,
+                         std::int32_t position) {
+    std::string body = UpperCustomerBody(custId);
+    AppendField(body, spec.itemIdTag, std::to_string(item.id));
+    if (position == 1) body += kDisabledAll;
+    for (const FieldRow<Item>& row : spec.fields)
+        if (!row.key.empty()) AppendField(body, row.key, ToBody(row.conv, row.slot.Get(item)));
+    if (spec.vno == VnoPolicy::Position) AppendField(body, "vno", std::to_string(position));
+    return body;
+}
+
+// Posts the loaded items; 1 when every post was answered while the login held, and the
+// customer's rows are then stamped as agreed. The server keeps what it got before a failure.
+template <class Item>
+std::int32_t UploadListItems(const ListSpec<Item>& spec, const ListData<Item>& local,
+                             const std::string& localDb, std::int32_t custId) {
+    std::string reply;
+    if (local.items.empty()) {
+        reply = SendRequestProgress(spec.emptyListPage, UpperCustomerBody(custId) + kDisabledAll,
+                                    "", nullptr);
+        if (GetLoginState() != 1 || reply.empty()) return 0;
+    }
+    std::int32_t position = 0;
+    for (const Item& item : local.items) {
+        reply = SendRequestProgress(spec.setPage, ListItemBody(spec, item, custId, ++position), "",
+                                    nullptr);
+        if (GetLoginState() != 1 || reply.empty()) return 0;
+    }
+    const std::string cond = LiveCondition(custId);
+    for (std::string_view table : AgreeTables(spec)) SetInetCheckDate(localDb, table, cond);
+    return 1;
+}
+
+}  // namespace morvane::record
