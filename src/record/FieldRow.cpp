@@ -35,6 +35,9 @@ std::optional<Value> FromXmlText(Conv conv, bool number, std::string_view text) 
         }
         case Conv::NzLong:
             return Value(NzLong(text));
+        case Conv::NonZeroIsOne:
+            if (!IsNumericText(text)) return std::nullopt;
+            return Value(std::int32_t{LeadingNumber(Trim(text)) != 0 ? 1 : 0});
         case Conv::Text:
         case Conv::Date:
             break;
@@ -119,6 +122,8 @@ std::optional<Value> FromColumnBy(Load load, std::string_view format, bool numbe
             return Value(NzString(column).empty() ? std::int32_t{1} : NzLong(column));
         case Load::PositiveOrZero:
             return Value(column.IsNull() || NzLong(column) <= 0 ? std::int32_t{0} : NzLong(column));
+        case Load::OnlyOneIsOne:
+            return Value(std::int32_t{IsNumeric(column) && AsFloat(column) == 1 ? 1 : 0});
     }
     return std::nullopt;
 }

@@ -60,6 +60,7 @@ enum class Conv {
     Long,         // 32-bit; a text that is no number leaves the member as it was
     NzLong,       // 32-bit through NzLong
     Date,         // date text: sent only when it reads as a date
+    NonZeroIsOne, // 1 for any number but 0, 0 for 0; a text that is no number leaves it
 };
 
 // How the server's value is held against the column.
@@ -94,6 +95,7 @@ enum class Load {
     StampOrNow,      // a date as it stands, else the present time
     EmptyIsOne,      // 1 when the column's text is empty, else its number
     PositiveOrZero,  // the number when the column is not Null and above 0, else 0
+    OnlyOneIsOne,    // 1 when the column holds 1, else 0: a mark set only by 1
 };
 
 template <class Record>
@@ -110,6 +112,8 @@ struct FieldRow {
     std::string_view writeFormat;  // of a NullUnlessDate write; empty: the value as it is
     bool required = false;         // one of the tags a section must see
     bool flagged = true;           // sets a field flag when seen
+    // A tag whose flag this row shares: either of the two satisfies both.
+    std::string_view sharesFlagWith;
     bool nullFailsLoad = false;
     // How a local read of a list turns the column into the member.
     Load load = Load::AsIs;

@@ -39,6 +39,13 @@ bool ReadListItem(const ListSpec<Item>& spec,
     }
     for (size_t i = 0; i < spec.fields.size(); ++i)
         if (spec.fields[i].tag.empty()) seen[i] = true;
+    for (size_t i = 0; i < spec.fields.size(); ++i)
+        if (!spec.fields[i].flagged) seen[i] = true;
+    for (size_t i = 0; i < spec.fields.size(); ++i) {
+        if (spec.fields[i].sharesFlagWith.empty()) continue;
+        const auto other = rowOfTag.find(ToUpperAscii(spec.fields[i].sharesFlagWith));
+        if (other != rowOfTag.end() && seen[other->second]) seen[i] = true;
+    }
     for (bool s : seen)
         if (!s) return false;
     return true;
@@ -72,6 +79,10 @@ bool ReadListXml(const ListSpec<Item>& spec, const platform::XmlDocument& doc,
         if (name == "CUSTOMERID") {
             customerIdSeen = true;
             data.customerId = NzLong(child.Text());
+        } else if (spec.stampAtPayload && name == "RECORDUPDATE") {
+            recordUpdateSeen = true;
+            const std::string stamp = child.Text();
+            data.recordUpdate = IsDateText(stamp) ? stamp : std::string();
         } else if (name == listTag) {
             for (auto c = child.FirstChildElement(); c; c = c.NextSiblingElement()) {
                 const std::string inner = ToUpperAscii(c.NameView());

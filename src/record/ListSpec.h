@@ -44,6 +44,10 @@ struct ListSpec {
     std::string_view releaseFilter;
     RowStrategy strategy = RowStrategy::Pool;
     VnoPolicy vno = VnoPolicy::Position;
+    // A column written with the position plus one on download; empty: none.
+    std::string_view nextNoColumn;
+    // A RecordUpdate beside the list, in the payload itself, counts as the list's stamp.
+    bool stampAtPayload = false;
     // Stamped as agreed after an equal comparison or an upload; empty: the list's table.
     std::vector<std::string_view> agreeTables;
 

@@ -21,6 +21,13 @@ template <class Item>
 class ListWorker {
 public:
     explicit ListWorker(const ListSpec<Item>& spec) : spec_(spec) {}
+    ListWorker(const ListWorker&) = default;
+    // Takes the other's data and keeps its own declaration, so a record holding lists can be
+    // assigned.
+    ListWorker& operator=(const ListWorker& other) {
+        data_ = other.data_;
+        return *this;
+    }
 
     std::int32_t CustomerID() const { return data_.customerId; }
     // The server list's stamp; empty unless the reply's value was a date.
@@ -28,6 +35,8 @@ public:
     // The count tag of a reply, or the local row count after a local read.
     std::int32_t Count() const { return data_.count; }
     const std::vector<Item>& Items() const { return data_.items; }
+    // Empties the object, as before a read.
+    void Clear() { data_ = {}; }
 
     // Clears the object, then reads the reply: false unless it is a whole list.
     bool ReadXML(std::string_view xml) {

@@ -79,6 +79,8 @@ void cCustKihon::ClearData() {
     record_ = KihonRecord{};
     recordUpdate_.clear();
     shokuinCount_ = 0;
+    eigyosho_.Clear();
+    memo_.Clear();
 }
 
 // ---- Reading a reply -------------------------------------------------------------------

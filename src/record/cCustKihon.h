@@ -7,7 +7,9 @@
 #include <string>
 #include <string_view>
 
+#include "record/EigyoshoList.h"
 #include "record/KihonFields.h"
+#include "record/MemoList.h"
 
 namespace morvane {
 
@@ -65,6 +67,22 @@ public:
     // The body SyncUploadNormal posts for what the object holds.
     std::string UploadBody(std::int32_t CustID) const;
 
+    // The customer's lists, each read, compared, written and sent by its declaration.
+    // A read clears the whole object first; the stamp of the list read is RecordUpdate.
+    const EigyoshoList& Eigyosho() const { return eigyosho_; }
+    std::int32_t EigyoshoCount() const { return eigyosho_.Count(); }
+    bool ReadXMLEigyosho(std::string_view xml);
+    std::int32_t CompareLocalDBEigyosho(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncDownloadEigyosho(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncUploadEigyosho(const std::string& LocalDB, std::int32_t CustID);
+
+    const MemoList& Memo() const { return memo_; }
+    std::int32_t MemoCount() const { return memo_.Count(); }
+    bool ReadXMLMemo(std::string_view xml);
+    std::int32_t CompareLocalDBMemo(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncDownloadMemo(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncUploadMemo(const std::string& LocalDB, std::int32_t CustID);
+
 private:
     enum class Section { Main = 0, Normal = 1, Gyosyu = 2 };
     void ClearData();
@@ -79,6 +97,8 @@ private:
     KihonRecord record_;
     std::string recordUpdate_;
     std::int32_t shokuinCount_ = 0;
+    EigyoshoList eigyosho_;
+    MemoList memo_;
 };
 
 }  // namespace morvane

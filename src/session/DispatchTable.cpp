@@ -20,6 +20,7 @@ DispatchTable Build() {
     RegisterRecordMembers(table);
     RegisterFileMembers(table);
     RegisterDatedMembers(table);
+    RegisterListMembers(table);
     return table;
 }
 

@@ -123,6 +123,14 @@ public:
     std::int32_t SyncDownloadCustomerKihonGyosyu(const std::string& LocalDB, std::int32_t CustID);
     std::int32_t SyncUploadCustomerKihonGyosyu(const std::string& LocalDB, std::int32_t CustID);
 
+    // ---- Lists of the customer record: offices and memos
+    std::int32_t CompareCustomerEigyoshoList(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncDownloadCustomerEigyoshoList(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncUploadCustomerEigyoshoList(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t CompareCustomerMemoList(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncDownloadCustomerMemoList(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncUploadCustomerMemoList(const std::string& LocalDB, std::int32_t CustID);
+
     // ---- Data files of settlement, permit and other records, named by their local path.
     // Compare: 0 the same, 1 take the server's copy, 2 send the local one.
     std::int32_t CompareCustomerKessanFile(std::int32_t CustID, const std::string& LocalFile);

@@ -1,0 +1,100 @@
+// The members of the customer record's lists (offices, memos): each compared and fetched
+// through the customer record's own slot, since its worker holds them.
+#include <functional>
+
+#include "record/cCustKihon.h"
+#include "session/DispatchTable.h"
+#include "session/FacadePatterns.h"
+#include "session/ctrlMorvane.h"
+#include "transport/RequestBody.h"
+#include "transport/mdlServerConst.h"
+
+namespace morvane {
+namespace {
+
+using Read = bool (cCustKihon::*)(std::string_view);
+using Sync = std::int32_t (cCustKihon::*)(const std::string&, std::int32_t);
+
+// The methods of one list on the record's worker, and the page its list comes from.
+struct ListKind {
+    std::string_view getPage;
+    Read read;
+    Sync compare, download, upload;
+};
+
+constexpr ListKind kEigyosho{page::kGetEigyosho, &cCustKihon::ReadXMLEigyosho,
+                             &cCustKihon::CompareLocalDBEigyosho, &cCustKihon::SyncDownloadEigyosho,
+                             &cCustKihon::SyncUploadEigyosho};
+constexpr ListKind kMemo{page::kGetMemo, &cCustKihon::ReadXMLMemo, &cCustKihon::CompareLocalDBMemo,
+                         &cCustKihon::SyncDownloadMemo, &cCustKihon::SyncUploadMemo};
+
+facade::Request ListRequest(const ListKind& kind, std::int32_t custId) {
+    return {kind.getPage, UpperCustomerBody(custId), facade::Routine::Progress};
+}
+
+facade::Reader<cCustKihon> Reader(const ListKind& kind) {
+    return [read = kind.read](cCustKihon& k, const std::string& xml) { return (k.*read)(xml); };
+}
+
+std::int32_t CompareList(std::unique_ptr<cCustKihon>& slot, const ListKind& kind,
+                         const std::string& LocalDB, std::int32_t CustID) {
+    return facade::Compare<cCustKihon>(
+        slot, ListRequest(kind, CustID), Reader(kind),
+        [&](cCustKihon& k) { return (k.*kind.compare)(LocalDB, CustID); }, facade::Keep::NonZero);
+}
+
+std::int32_t DownloadList(std::unique_ptr<cCustKihon>& slot, const ListKind& kind,
+                          const std::string& LocalDB, std::int32_t CustID) {
+    return facade::AlwaysFetch<cCustKihon>(
+        slot, ListRequest(kind, CustID), Reader(kind),
+        [&](cCustKihon& k) { (k.*kind.download)(LocalDB, CustID); });
+}
+
+std::int32_t UploadList(const ListKind& kind, const std::string& LocalDB, std::int32_t CustID) {
+    return facade::Upload<cCustKihon>(
+        [&](cCustKihon& k) { return (k.*kind.upload)(LocalDB, CustID); });
+}
+
+}  // namespace
+
+std::int32_t ctrlMorvane::CompareCustomerEigyoshoList(const std::string& LocalDB,
+                                                      std::int32_t CustID) {
+    return CompareList(custKihon_, kEigyosho, LocalDB, CustID);
+}
+std::int32_t ctrlMorvane::SyncDownloadCustomerEigyoshoList(const std::string& LocalDB,
+                                                           std::int32_t CustID) {
+    return DownloadList(custKihon_, kEigyosho, LocalDB, CustID);
+}
+std::int32_t ctrlMorvane::SyncUploadCustomerEigyoshoList(const std::string& LocalDB,
+                                                         std::int32_t CustID) {
+    return UploadList(kEigyosho, LocalDB, CustID);
+}
+
+std::int32_t ctrlMorvane::CompareCustomerMemoList(const std::string& LocalDB, std::int32_t CustID) {
+    return CompareList(custKihon_, kMemo, LocalDB, CustID);
+}
+std::int32_t ctrlMorvane::SyncDownloadCustomerMemoList(const std::string& LocalDB,
+                                                       std::int32_t CustID) {
+    return DownloadList(custKihon_, kMemo, LocalDB, CustID);
+}
+std::int32_t ctrlMorvane::SyncUploadCustomerMemoList(const std::string& LocalDB,
+                                                     std::int32_t CustID) {
+    return UploadList(kMemo, LocalDB, CustID);
+}
+
+void RegisterListMembers(DispatchTable& t) {
+    t.Method("CompareCustomerEigyoshoList", &ctrlMorvane::CompareCustomerEigyoshoList,
+             {"LocalDB", "CustID"});
+    t.Method("SyncDownloadCustomerEigyoshoList", &ctrlMorvane::SyncDownloadCustomerEigyoshoList,
+             {"LocalDB", "CustID"});
+    t.Method("SyncUploadCustomerEigyoshoList", &ctrlMorvane::SyncUploadCustomerEigyoshoList,
+             {"LocalDB", "CustID"});
+    t.Method("CompareCustomerMemoList", &ctrlMorvane::CompareCustomerMemoList,
+             {"LocalDB", "CustID"});
+    t.Method("SyncDownloadCustomerMemoList", &ctrlMorvane::SyncDownloadCustomerMemoList,
+             {"LocalDB", "CustID"});
+    t.Method("SyncUploadCustomerMemoList", &ctrlMorvane::SyncUploadCustomerMemoList,
+             {"LocalDB", "CustID"});
+}
+
+}  // namespace morvane

@@ -1,0 +1,24 @@
+// A customer's dated notes (table tCustomerHistory) as a list of the customer record: the
+// item and the declaration the list machinery reads, compares, writes and sends.
+#pragma once
+
+#include <array>
+#include <string>
+
+#include "record/ListSpec.h"
+#include "record/ListWorker.h"
+
+namespace morvane {
+
+struct cCustKihonMemoItem : record::ListItem {
+    std::string History, RegDate, UpdateDate;
+    std::array<std::string, 3> other;
+};
+
+class MemoList : public record::ListWorker<cCustKihonMemoItem> {
+public:
+    MemoList() : ListWorker(Declaration()) {}
+    static const record::ListSpec<cCustKihonMemoItem>& Declaration();
+};
+
+}  // namespace morvane

@@ -1,0 +1,48 @@
+// The customer record's lists on cCustKihon: each method forwards to the list's worker,
+// which reads, compares, writes and sends the list by its declaration.
+#include "record/cCustKihon.h"
+
+namespace morvane {
+namespace {
+
+// Clears the object, then reads the list; the list's stamp becomes the object's.
+template <class List>
+bool ReadList(List& list, std::string_view xml, std::int32_t& customerId,
+              std::string& recordUpdate) {
+    const bool good = list.ReadXML(xml);
+    customerId = list.CustomerID();
+    recordUpdate = list.RecordUpdate();
+    return good;
+}
+
+}  // namespace
+
+bool cCustKihon::ReadXMLEigyosho(std::string_view xml) {
+    ClearData();
+    return ReadList(eigyosho_, xml, customerId_, recordUpdate_);
+}
+std::int32_t cCustKihon::CompareLocalDBEigyosho(const std::string& LocalDB, std::int32_t CustID) {
+    return eigyosho_.CompareLocalDB(LocalDB, CustID);
+}
+std::int32_t cCustKihon::SyncDownloadEigyosho(const std::string& LocalDB, std::int32_t CustID) {
+    return eigyosho_.SyncDownload(LocalDB, CustID);
+}
+std::int32_t cCustKihon::SyncUploadEigyosho(const std::string& LocalDB, std::int32_t CustID) {
+    return eigyosho_.SyncUpload(LocalDB, CustID);
+}
+
+bool cCustKihon::ReadXMLMemo(std::string_view xml) {
+    ClearData();
+    return ReadList(memo_, xml, customerId_, recordUpdate_);
+}
+std::int32_t cCustKihon::CompareLocalDBMemo(const std::string& LocalDB, std::int32_t CustID) {
+    return memo_.CompareLocalDB(LocalDB, CustID);
+}
+std::int32_t cCustKihon::SyncDownloadMemo(const std::string& LocalDB, std::int32_t CustID) {
+    return memo_.SyncDownload(LocalDB, CustID);
+}
+std::int32_t cCustKihon::SyncUploadMemo(const std::string& LocalDB, std::int32_t CustID) {
+    return memo_.SyncUpload(LocalDB, CustID);
+}
+
+}  // namespace morvane
