@@ -4,6 +4,7 @@
 #include "store/mdlMorvaneCommon.h"
 #include "util/Nz.h"
 #include "util/Text.h"
+#include "util/WideText.h"
 
 namespace morvane::record {
 namespace {
@@ -40,6 +41,7 @@ std::optional<Value> FromXmlText(Conv conv, bool number, std::string_view text) 
             return Value(std::int32_t{LeadingNumber(Trim(text)) != 0 ? 1 : 0});
         case Conv::Text:
         case Conv::Date:
+        case Conv::FormatIfDate:  // needs the row's format: StoreXml does it
             break;
     }
     if (number) return Value(NzLong(text));
@@ -69,6 +71,8 @@ bool Differs(Cmp cmp, std::string_view format, const Value& member, const Value&
             return AsFloat(member) != AsFloat(column);
         case Cmp::DateFormat:
             return DiffDateText(NzString(member), NzString(column), format) != 0;
+        case Cmp::Widened:
+            return WidenText(NzString(member)) != WidenText(NzString(column));
     }
     return false;
 }
@@ -122,6 +126,10 @@ std::optional<Value> FromColumnBy(Load load, std::string_view format, bool numbe
             return Value(NzString(column).empty() ? std::int32_t{1} : NzLong(column));
         case Load::PositiveOrZero:
             return Value(column.IsNull() || NzLong(column) <= 0 ? std::int32_t{0} : NzLong(column));
+        case Load::FormatIfDate: {
+            const auto date = AsDate(column);
+            return Value(date ? FormatDate(*date, format) : NzString(column));
+        }
         case Load::OnlyOneIsOne:
             return Value(std::int32_t{IsNumeric(column) && AsFloat(column) == 1 ? 1 : 0});
     }

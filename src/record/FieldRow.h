@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "util/Value.h"
 
@@ -34,6 +35,23 @@ public:
         : number_([m, i](Record& r) -> std::int32_t& { return (r.*m).at(i); }),
           get_([m, i](const Record& r) { return Value((r.*m).at(i)); }) {}
 
+    // A text member that every stored value passes through (a fixed width, a default).
+    Slot(std::string Record::*m, std::function<std::string(std::string)> normalize)
+        : text_([m](Record& r) -> std::string& { return r.*m; }),
+          get_([m](const Record& r) { return Value(r.*m); }),
+          normalize_(std::move(normalize)) {}
+    // A number member that travels and is stored as its label: labels[n - 1] for n, and ""
+    // for 0; a text that is no label stores 0.
+    Slot(std::int32_t Record::*m, std::vector<std::string_view> labels)
+        : get_([m, labels](const Record& r) {
+              const std::int32_t n = r.*m;
+              return Value(n >= 1 && n <= static_cast<std::int32_t>(labels.size())
+                               ? std::string(labels[n - 1])
+                               : std::string());
+          }),
+          labelled_([m](Record& r) -> std::int32_t& { return r.*m; }),
+          labels_(std::move(labels)) {}
+
     explicit operator bool() const { return static_cast<bool>(get_); }
     bool IsNumber() const { return static_cast<bool>(number_); }
 
@@ -41,6 +59,17 @@ public:
     Value Get(const Record& r) const { return get_(r); }
     // Stores a text into a text member, a number into a number member.
     void Set(Record& r, const Value& v) const {
+        if (normalize_) {
+            text_(r) = normalize_(v.IsText() ? v.AsText() : v.ToText());
+            return;
+        }
+        if (labelled_) {
+            const std::string text = v.IsText() ? v.AsText() : v.ToText();
+            labelled_(r) = 0;
+            for (size_t i = 0; i < labels_.size(); ++i)
+                if (text == labels_[i]) labelled_(r) = static_cast<std::int32_t>(i + 1);
+            return;
+        }
         if (IsNumber())
             number_(r) = v.IsLong() ? v.AsLong() : 0;
         else
@@ -51,16 +80,20 @@ private:
     std::function<std::string&(Record&)> text_;
     std::function<std::int32_t&(Record&)> number_;
     std::function<Value(const Record&)> get_;
+    std::function<std::string(std::string)> normalize_;
+    std::function<std::int32_t&(Record&)> labelled_;
+    std::vector<std::string_view> labels_;
 };
 
 // How a value comes in from the XML and goes out in a body.
 enum class Conv {
-    Text,         // as it stands
-    NumericText,  // a text kept from the XML only when it is numeric, else ""
-    Long,         // 32-bit; a text that is no number leaves the member as it was
-    NzLong,       // 32-bit through NzLong
-    Date,         // date text: sent only when it reads as a date
-    NonZeroIsOne, // 1 for any number but 0, 0 for 0; a text that is no number leaves it
+    Text,          // as it stands
+    NumericText,   // a text kept from the XML only when it is numeric, else ""
+    Long,          // 32-bit; a text that is no number leaves the member as it was
+    NzLong,        // 32-bit through NzLong
+    Date,          // date text: sent only when it reads as a date
+    NonZeroIsOne,  // 1 for any number but 0, 0 for 0; a text that is no number leaves it
+    FormatIfDate,  // a date in the row's loadFormat, any other text as it stands
 };
 
 // How the server's value is held against the column.
@@ -72,6 +105,7 @@ enum class Cmp {
     Long,           // NzLong on both sides
     Float,          // as floating numbers
     DateFormat,     // DiffDateText under the row's format
+    Widened,        // texts widened to full width on both sides
 };
 
 // When and how a download writes the column.
@@ -96,6 +130,7 @@ enum class Load {
     EmptyIsOne,      // 1 when the column's text is empty, else its number
     PositiveOrZero,  // the number when the column is not Null and above 0, else 0
     OnlyOneIsOne,    // 1 when the column holds 1, else 0: a mark set only by 1
+    FormatIfDate,    // a date in the load format, any other text as it stands, Null ""
 };
 
 template <class Record>
@@ -145,6 +180,12 @@ std::pair<std::string, std::optional<std::string>> SplitAtHash(const std::string
 // Stores an XML text into the row's member (and the split tail); false when it failed.
 template <class Record>
 bool StoreXml(const FieldRow<Record>& row, Record& r, std::string_view text) {
+    if (row.conv == Conv::FormatIfDate) {
+        if (auto v =
+                FromColumnBy(Load::FormatIfDate, row.loadFormat, false, Value(std::string(text))))
+            row.slot.Set(r, *v);
+        return true;
+    }
     auto v = FromXmlText(row.conv, row.slot.IsNumber(), text);
     if (!v) return false;
     if (row.splitTail && v->IsText()) {

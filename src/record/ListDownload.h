@@ -35,8 +35,7 @@ void DownloadListRows(const ListSpec<Item>& spec, const ListData<Item>& server,
         rs->Fields("CustomerID").PutValue(Value(custId));
         rs->Fields("Disabled").PutValue(Value(std::int32_t{0}));
         if (spec.vno == VnoPolicy::Position) rs->Fields("vno").PutValue(Value(position));
-        if (!spec.nextNoColumn.empty())
-            rs->Fields(spec.nextNoColumn).PutValue(Value(position + 1));
+        if (!spec.nextNoColumn.empty()) rs->Fields(spec.nextNoColumn).PutValue(Value(position + 1));
         for (const FieldRow<Item>& row : spec.fields) {
             if (row.column.empty()) continue;
             if (auto v = ToColumn(row.guard, row.writeFormat, row.slot.Get(item)))

@@ -1,4 +1,4 @@
-// The members of the customer record's lists (offices, memos): each compared and fetched
+// The members of the customer record's lists (staff, offices, memos): each compared and fetched
 // through the customer record's own slot, since its worker holds them.
 #include <functional>
 
@@ -22,6 +22,9 @@ struct ListKind {
     Sync compare, download, upload;
 };
 
+constexpr ListKind kShokuin{page::kGetCompShokuin, &cCustKihon::ReadXMLShokuin,
+                            &cCustKihon::CompareLocalDBShokuin, &cCustKihon::SyncDownloadShokuin,
+                            &cCustKihon::SyncUploadShokuin};
 constexpr ListKind kEigyosho{page::kGetEigyosho, &cCustKihon::ReadXMLEigyosho,
                              &cCustKihon::CompareLocalDBEigyosho, &cCustKihon::SyncDownloadEigyosho,
                              &cCustKihon::SyncUploadEigyosho};
@@ -57,6 +60,19 @@ std::int32_t UploadList(const ListKind& kind, const std::string& LocalDB, std::i
 
 }  // namespace
 
+std::int32_t ctrlMorvane::CompareCustomerSyokuinList(const std::string& LocalDB,
+                                                     std::int32_t CustID) {
+    return CompareList(custKihon_, kShokuin, LocalDB, CustID);
+}
+std::int32_t ctrlMorvane::SyncDownloadCustomerSyokuinList(const std::string& LocalDB,
+                                                          std::int32_t CustID) {
+    return DownloadList(custKihon_, kShokuin, LocalDB, CustID);
+}
+std::int32_t ctrlMorvane::SyncUploadCustomerSyokuinList(const std::string& LocalDB,
+                                                        std::int32_t CustID) {
+    return UploadList(kShokuin, LocalDB, CustID);
+}
+
 std::int32_t ctrlMorvane::CompareCustomerEigyoshoList(const std::string& LocalDB,
                                                       std::int32_t CustID) {
     return CompareList(custKihon_, kEigyosho, LocalDB, CustID);
@@ -83,6 +99,12 @@ std::int32_t ctrlMorvane::SyncUploadCustomerMemoList(const std::string& LocalDB,
 }
 
 void RegisterListMembers(DispatchTable& t) {
+    t.Method("CompareCustomerSyokuinList", &ctrlMorvane::CompareCustomerSyokuinList,
+             {"LocalDB", "CustID"});
+    t.Method("SyncDownloadCustomerSyokuinList", &ctrlMorvane::SyncDownloadCustomerSyokuinList,
+             {"LocalDB", "CustID"});
+    t.Method("SyncUploadCustomerSyokuinList", &ctrlMorvane::SyncUploadCustomerSyokuinList,
+             {"LocalDB", "CustID"});
     t.Method("CompareCustomerEigyoshoList", &ctrlMorvane::CompareCustomerEigyoshoList,
              {"LocalDB", "CustID"});
     t.Method("SyncDownloadCustomerEigyoshoList", &ctrlMorvane::SyncDownloadCustomerEigyoshoList,

@@ -44,6 +44,8 @@ struct ListSpec {
     std::string_view releaseFilter;
     RowStrategy strategy = RowStrategy::Pool;
     VnoPolicy vno = VnoPolicy::Position;
+    // The key the position goes before in a body; empty: the position comes last.
+    std::string_view vnoBeforeKey;
     // A column written with the position plus one on download; empty: none.
     std::string_view nextNoColumn;
     // A RecordUpdate beside the list, in the payload itself, counts as the list's stamp.

@@ -21,9 +21,13 @@ std::string ListItemBody(const ListSpec<Item>& spec, const Item& item, std::int3
     std::string body = UpperCustomerBody(custId);
     AppendField(body, spec.itemIdTag, std::to_string(item.id));
     if (position == 1) body += kDisabledAll;
-    for (const FieldRow<Item>& row : spec.fields)
+    for (const FieldRow<Item>& row : spec.fields) {
+        if (spec.vno == VnoPolicy::Position && !row.key.empty() && row.key == spec.vnoBeforeKey)
+            AppendField(body, "vno", std::to_string(position));
         if (!row.key.empty()) AppendField(body, row.key, ToBody(row.conv, row.slot.Get(item)));
-    if (spec.vno == VnoPolicy::Position) AppendField(body, "vno", std::to_string(position));
+    }
+    if (spec.vno == VnoPolicy::Position && spec.vnoBeforeKey.empty())
+        AppendField(body, "vno", std::to_string(position));
     return body;
 }
 

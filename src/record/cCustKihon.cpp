@@ -79,6 +79,7 @@ void cCustKihon::ClearData() {
     record_ = KihonRecord{};
     recordUpdate_.clear();
     shokuinCount_ = 0;
+    shokuin_.Clear();
     eigyosho_.Clear();
     memo_.Clear();
 }

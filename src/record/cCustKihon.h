@@ -10,6 +10,7 @@
 #include "record/EigyoshoList.h"
 #include "record/KihonFields.h"
 #include "record/MemoList.h"
+#include "record/ShokuinList.h"
 
 namespace morvane {
 
@@ -76,6 +77,12 @@ public:
     std::int32_t SyncDownloadEigyosho(const std::string& LocalDB, std::int32_t CustID);
     std::int32_t SyncUploadEigyosho(const std::string& LocalDB, std::int32_t CustID);
 
+    const ShokuinList& Shokuin() const { return shokuin_; }
+    bool ReadXMLShokuin(std::string_view xml);
+    std::int32_t CompareLocalDBShokuin(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncDownloadShokuin(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncUploadShokuin(const std::string& LocalDB, std::int32_t CustID);
+
     const MemoList& Memo() const { return memo_; }
     std::int32_t MemoCount() const { return memo_.Count(); }
     bool ReadXMLMemo(std::string_view xml);
@@ -97,6 +104,7 @@ private:
     KihonRecord record_;
     std::string recordUpdate_;
     std::int32_t shokuinCount_ = 0;
+    ShokuinList shokuin_;
     EigyoshoList eigyosho_;
     MemoList memo_;
 };

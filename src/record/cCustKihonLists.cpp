@@ -17,6 +17,22 @@ bool ReadList(List& list, std::string_view xml, std::int32_t& customerId,
 
 }  // namespace
 
+bool cCustKihon::ReadXMLShokuin(std::string_view xml) {
+    ClearData();
+    const bool good = ReadList(shokuin_, xml, customerId_, recordUpdate_);
+    shokuinCount_ = shokuin_.Count();
+    return good;
+}
+std::int32_t cCustKihon::CompareLocalDBShokuin(const std::string& LocalDB, std::int32_t CustID) {
+    return shokuin_.CompareLocalDB(LocalDB, CustID);
+}
+std::int32_t cCustKihon::SyncDownloadShokuin(const std::string& LocalDB, std::int32_t CustID) {
+    return shokuin_.SyncDownload(LocalDB, CustID);
+}
+std::int32_t cCustKihon::SyncUploadShokuin(const std::string& LocalDB, std::int32_t CustID) {
+    return shokuin_.SyncUpload(LocalDB, CustID);
+}
+
 bool cCustKihon::ReadXMLEigyosho(std::string_view xml) {
     ClearData();
     return ReadList(eigyosho_, xml, customerId_, recordUpdate_);

@@ -123,7 +123,10 @@ public:
     std::int32_t SyncDownloadCustomerKihonGyosyu(const std::string& LocalDB, std::int32_t CustID);
     std::int32_t SyncUploadCustomerKihonGyosyu(const std::string& LocalDB, std::int32_t CustID);
 
-    // ---- Lists of the customer record: offices and memos
+    // ---- Lists of the customer record: staff, offices and memos
+    std::int32_t CompareCustomerSyokuinList(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncDownloadCustomerSyokuinList(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncUploadCustomerSyokuinList(const std::string& LocalDB, std::int32_t CustID);
     std::int32_t CompareCustomerEigyoshoList(const std::string& LocalDB, std::int32_t CustID);
     std::int32_t SyncDownloadCustomerEigyoshoList(const std::string& LocalDB, std::int32_t CustID);
     std::int32_t SyncUploadCustomerEigyoshoList(const std::string& LocalDB, std::int32_t CustID);
