@@ -20,6 +20,7 @@ DispatchTable Build() {
     RegisterRecordMembers(table);
     RegisterFileMembers(table);
     RegisterDatedMembers(table);
+    RegisterMasterMembers(table);
     return table;
 }
 

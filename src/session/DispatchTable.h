@@ -208,5 +208,6 @@ void RegisterRosterMembers(DispatchTable& table);
 void RegisterRecordMembers(DispatchTable& table);
 void RegisterFileMembers(DispatchTable& table);
 void RegisterDatedMembers(DispatchTable& table);
+void RegisterMasterMembers(DispatchTable& table);
 
 }  // namespace morvane
