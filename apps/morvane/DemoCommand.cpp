@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <exception>
 #include <fstream>
+#include <iterator>
+#include <map>
 #include <ostream>
 #include <stdexcept>
 #include <string>
@@ -131,6 +133,20 @@ std::vector<std::string> CustomerRows(const fs::path& db) {
     return rows;
 }
 
+// Every data file under an office's databases, by its path there, with its bytes.
+std::map<std::string, std::string> DataFileContents(const fs::path& dataDir) {
+    std::map<std::string, std::string> files;
+    std::error_code ec;
+    for (fs::recursive_directory_iterator it(dataDir / "files", ec), end; !ec && it != end;
+         it.increment(ec)) {
+        if (!it->is_regular_file()) continue;
+        std::ifstream in(it->path(), std::ios::binary);
+        files[fs::relative(it->path(), dataDir).string()] = {std::istreambuf_iterator<char>(in),
+                                                             std::istreambuf_iterator<char>()};
+    }
+    return files;
+}
+
 bool Clean(const SyncSummary& s) { return s.loggedIn && s.failures == 0 && s.conflicts == 0; }
 
 std::string Moved(const SyncSummary& s) {
@@ -223,11 +239,23 @@ int RunDemo(const DemoOptions& options, std::ostream& out) {
                        : "different (" + std::to_string(rosterA.size()) + " and " +
                              std::to_string(rosterB.size()) + " customer(s))")
         << ".\n";
+    const auto filesA = DataFileContents(dbA.parent_path());
+    const auto filesB = DataFileContents(dbB.parent_path());
+    const bool sameFiles = filesA == filesB;
+    out << "Data files of the two offices: "
+        << (sameFiles ? "the same " + std::to_string(filesA.size()) + " file(s), byte for byte"
+                      : "different (" + std::to_string(filesA.size()) + " and " +
+                            std::to_string(filesB.size()) + " file(s))")
+        << ".\n";
     out << "What differs with no worker yet is listed under \"not yet supported\" above.\n";
     // Once customers can be added to the server, office B must end with office A's roster.
     const bool rosterCanMove = DispatchTable::Instance().Find("SyncUploadAddCustomer") != nullptr;
+    const bool filesCanMove =
+        DispatchTable::Instance().Find("SyncUploadCustomerKessanFile") != nullptr;
     const bool ok = loginA == 1 && loginB == 1 && Clean(upA) && Clean(downB) && Clean(endA) &&
-                    Clean(endB) && (!rosterCanMove || (sameRoster && agrees(endA) && agrees(endB)));
+                    Clean(endB) &&
+                    (!rosterCanMove || (sameRoster && agrees(endA) && agrees(endB))) &&
+                    (!filesCanMove || sameFiles);
     out << (ok ? "The demo ran to a clean end.\n" : "The demo did not reach its end.\n");
     return ok ? 0 : 1;
 }

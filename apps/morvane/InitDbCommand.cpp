@@ -19,6 +19,7 @@ int RunInitDb(const std::filesystem::path& dir, std::int32_t sample, std::ostrea
     // A new office's data: nothing of it has ever been agreed with a server.
     options.neverSynced = true;
     options.tradeGrid = true;
+    options.dataFiles = true;
     try {
         const LocalDatabasePaths paths = CreateLocalDatabases(dir, options);
         out << "customer database: " << paths.customer.string() << '\n'

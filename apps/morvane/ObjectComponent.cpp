@@ -75,4 +75,23 @@ std::vector<std::int32_t> ObjectComponent::LocalCustomerIDs(const std::string& l
     return ids;
 }
 
+std::vector<std::string> ObjectComponent::DataFiles(const std::string& localDb,
+                                                    const std::string& table, std::int32_t custId) {
+    std::vector<std::string> names;
+    try {
+        dao::Workspace ws("", "");
+        dao::Database& db = ws.OpenDatabase(localDb);
+        auto rs = db.OpenRecordset(
+            "SELECT DataFile FROM [" + table +
+            "] WHERE disabled = 0 AND CustomerID = " + std::to_string(custId) + " ORDER BY id");
+        for (; !rs->Eof(); rs->MoveNext()) {
+            std::string name = NzString((*rs)["DataFile"]);
+            if (!name.empty()) names.push_back(std::move(name));
+        }
+    } catch (const std::exception&) {
+        names.clear();
+    }
+    return names;
+}
+
 }  // namespace morvane::cli

@@ -15,6 +15,8 @@ public:
     bool RosterUploadIDs(const std::string& localDb, std::string& add, std::string& del,
                          std::string& update) override;
     std::vector<std::int32_t> LocalCustomerIDs(const std::string& localDb) override;
+    std::vector<std::string> DataFiles(const std::string& localDb, const std::string& table,
+                                       std::int32_t custId) override;
 
 private:
     ctrlMorvane obj_;

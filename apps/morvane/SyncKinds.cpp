@@ -3,24 +3,35 @@
 namespace morvane::cli {
 namespace {
 
+SyncKind Kind(std::string name, KindScope scope, std::string_view middle) {
+    SyncKind k;
+    k.name = std::move(name);
+    k.scope = scope;
+    if (middle.empty()) return k;
+    const std::string m(middle);
+    k.compare = "Compare" + m;
+    k.download = "SyncDownload" + m;
+    k.upload = "SyncUpload" + m;
+    return k;
+}
+
 SyncKind Customer(std::string name, std::vector<int> tables, std::string_view middle,
                   std::string upload = {}) {
-    std::string m(middle);
-    return {std::move(name),    KindScope::Customer,
-            std::move(tables),  "Compare" + m,
-            "SyncDownload" + m, upload.empty() ? "SyncUpload" + m : std::move(upload)};
+    SyncKind k = Kind(std::move(name), KindScope::Customer, middle);
+    k.tables = std::move(tables);
+    if (!upload.empty()) k.upload = std::move(upload);
+    return k;
 }
 
 SyncKind Master(std::string name, std::string_view suffix) {
-    std::string m = "Master" + std::string(suffix);
-    return {std::move(name), KindScope::Master,  {},
-            "Compare" + m,   "SyncDownload" + m, "SyncUpload" + m};
+    return Kind(std::move(name), KindScope::Master, "Master" + std::string(suffix));
 }
 
-SyncKind File(std::string name, std::string_view middle) {
-    std::string m(middle);
-    return {std::move(name), KindScope::CustomerFile, {},
-            "Compare" + m,   "SyncDownload" + m,      "SyncUpload" + m};
+SyncKind File(std::string name, std::string_view middle, std::string table, std::string records) {
+    SyncKind k = Kind(std::move(name), KindScope::CustomerFile, middle);
+    k.fileTable = std::move(table);
+    k.records = std::move(records);
+    return k;
 }
 
 std::vector<SyncKind> Build() {
@@ -38,12 +49,13 @@ std::vector<SyncKind> Build() {
         Customer("linkage info", {}, "CustomerRendoInfo"),
         Customer("delegation records", {31, 32}, "P99Inin"),
         // Only an upload exists for the machinery list; its direction comes from the stamps.
-        {"machinery list", KindScope::Customer, {38, 39}, "", "", "SyncUploadP99KikaiIchiran"},
-        File("settlement files", "CustomerKessanFile"),
-        File("permit files", "CustomerKyokaFile"),
-        File("other files", "CustomerOtherFile"),
+        Customer("machinery list", {38, 39}, "", "SyncUploadP99KikaiIchiran"),
+        File("settlement files", "CustomerKessanFile", "tCustomerKessanHistory",
+             "settlement records"),
+        File("permit files", "CustomerKyokaFile", "tCustomerKyokaHistory", "permit records"),
+        File("other files", "CustomerOtherFile", "tCustomerOtherFile", "other records"),
     };
-    SyncKind stamps{"prefecture forms (stamps only)", KindScope::StampsOnly, {}, "", "", ""};
+    SyncKind stamps = Kind("prefecture forms (stamps only)", KindScope::StampsOnly, "");
     for (int i = 10; i <= 52; ++i)
         if (i != 31 && i != 32 && i != 38 && i != 39) stamps.tables.push_back(i);
     kinds.push_back(std::move(stamps));

@@ -23,6 +23,8 @@ struct SyncKind {
     std::string compare;      // member names; empty where the kind has no such member
     std::string download;
     std::string upload;
+    std::string fileTable;  // CustomerFile: the records whose DataFile names the files
+    std::string records;    // CustomerFile: the kind of those records
 };
 
 // Every kind, in the order the host works them off.

@@ -68,11 +68,12 @@ void PrintSummary(const SyncSummary& s, std::ostream& out) {
 
 SyncRun::SyncRun(Component& component, SyncOptions options, std::ostream& out, std::ostream& err)
     : c_(component), options_(std::move(options)), out_(out), err_(err) {
-    masterDb_ = (std::filesystem::path(options_.localDb).parent_path() / "Master.dat").string();
+    dataDir_ = std::filesystem::path(options_.localDb).parent_path();
+    masterDb_ = (dataDir_ / "Master.dat").string();
 }
 
 bool SyncRun::Live(const SyncKind& kind) const {
-    if (kind.scope == KindScope::StampsOnly || kind.scope == KindScope::CustomerFile) return false;
+    if (kind.scope == KindScope::StampsOnly) return false;
     return !kind.compare.empty() && c_.Has(kind.compare) && c_.Has(kind.download) &&
            c_.Has(kind.upload);
 }
@@ -305,7 +306,8 @@ void SyncRun::Customer(std::int32_t id) {
     const std::vector<Value> args{Value(options_.localDb), Value(id)};
     bool anyLive = false;
     for (const SyncKind& k : SyncKinds())
-        if (k.scope == KindScope::Customer && Live(k)) anyLive = true;
+        if ((k.scope == KindScope::Customer || k.scope == KindScope::CustomerFile) && Live(k))
+            anyLive = true;
     bool locked = false;
     if (anyLive && !options_.dryRun) {
         if (!c_.Has("LockCoustomer")) {
@@ -351,6 +353,7 @@ void SyncRun::Customer(std::int32_t id) {
                  << Join(counts, ", ") << ")\n";
         }
     }
+    std::set<std::string> sentUp;  // kinds whose records went up in this pass
     for (std::size_t k = 0; k < SyncKinds().size(); ++k) {
         const SyncKind& kind = SyncKinds()[k];
         if (kind.scope == KindScope::Master) continue;
@@ -363,12 +366,16 @@ void SyncRun::Customer(std::int32_t id) {
                 tally_[kind.name].differ[combined]++;
             continue;
         }
+        if (kind.scope == KindScope::CustomerFile) {
+            if (options_.dryRun || locked) Files(kind, id, sentUp.count(kind.records) > 0);
+            continue;
+        }
         const int decision = NzLong(c_.Call(kind.compare, args));
         if (decision != 0 && !options_.dryRun && !locked) {
             tally_[kind.name].differ[decision]++;
             continue;
         }
-        Decide(kind, decision, args, label);
+        if (Decide(kind, decision, args, label) == 2) sentUp.insert(kind.name);
     }
     if (locked && !CallOk("UnlockCoustomer", {Value(id)})) {
         ++summary_.failures;
@@ -376,8 +383,40 @@ void SyncRun::Customer(std::int32_t id) {
     }
 }
 
-void SyncRun::Decide(const SyncKind& kind, int decision, const std::vector<Value>& args,
-                     const std::string& label) {
+void SyncRun::Files(const SyncKind& kind, std::int32_t id, bool recordsSentUp) {
+    for (const std::string& name : c_.DataFiles(options_.localDb, kind.fileTable, id)) {
+        const std::filesystem::path named(name);
+        const std::string path = (named.is_absolute() ? named : dataDir_ / named).string();
+        // 0 the same (or on neither side), 1 the server's copy is to be taken, 2 the local one
+        // is to be sent; never "both moved", so never a question.
+        const std::vector<Value> compareArgs{Value(id), Value(path)};
+        int decision = NzLong(c_.Call(kind.compare, compareArgs));
+        // The comparison cannot tell a file the server lacks from one it holds the same: files
+        // of records just sent go up with them.
+        if (decision == 0 && recordsSentUp) decision = 2;
+        if (decision != 1 && decision != 2) continue;
+        const std::string label = "customer " + std::to_string(id) + " file " + name;
+        const bool down = decision == 1;
+        if (options_.dryRun) {
+            ++summary_.planned;
+            out_ << label << ": would " << (down ? "download" : "upload") << '\n';
+            continue;
+        }
+        // A download answers 1 even when no whole file came: the copies are compared again.
+        if (CallOk(down ? kind.download : kind.upload, {Value(id), Value(path), Value()}) &&
+            NzLong(c_.Call(kind.compare, compareArgs)) == 0) {
+            ++(down ? summary_.downloads : summary_.uploads);
+            out_ << label << ": " << (down ? "downloaded" : "uploaded") << '\n';
+        } else {
+            ++summary_.failures;
+            out_ << label << ": the " << (down ? "download" : "upload")
+                 << " did not leave both copies the same\n";
+        }
+    }
+}
+
+int SyncRun::Decide(const SyncKind& kind, int decision, const std::vector<Value>& args,
+                    const std::string& label) {
     if (decision == 3) {
         switch (options_.prefer) {
             case Prefer::Server:
@@ -397,23 +436,24 @@ void SyncRun::Decide(const SyncKind& kind, int decision, const std::vector<Value
         if (decision == 0) {
             ++summary_.conflicts;
             out_ << label << ": both sides moved; left as it is\n";
-            return;
+            return 0;
         }
     }
-    if (decision != 1 && decision != 2) return;
+    if (decision != 1 && decision != 2) return 0;
     if (options_.dryRun) {
         ++summary_.planned;
         out_ << label << ": would " << (decision == 1 ? "download" : "upload") << '\n';
-        return;
+        return decision;
     }
     const std::string& member = decision == 1 ? kind.download : kind.upload;
     if (CallOk(member, args)) {
         ++(decision == 1 ? summary_.downloads : summary_.uploads);
         out_ << label << ": " << (decision == 1 ? "downloaded" : "uploaded") << '\n';
-    } else {
-        ++summary_.failures;
-        out_ << label << ": " << member << " failed\n";
+        return decision;
     }
+    ++summary_.failures;
+    out_ << label << ": " << member << " failed\n";
+    return 0;
 }
 
 void SyncRun::Masters() {

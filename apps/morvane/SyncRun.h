@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <iosfwd>
 #include <map>
 #include <optional>
@@ -33,6 +34,9 @@ public:
                                  std::string& update) = 0;
     // The live customer numbers of the local database, ascending.
     virtual std::vector<std::int32_t> LocalCustomerIDs(const std::string& localDb) = 0;
+    // The DataFile names of a customer's live records in `table`, in row order, blanks left out.
+    virtual std::vector<std::string> DataFiles(const std::string& localDb, const std::string& table,
+                                               std::int32_t custId) = 0;
 };
 
 struct SyncOptions {
@@ -89,10 +93,13 @@ private:
     void BackupTargets();
     std::vector<std::int32_t> CustomersToWalk();
     void Customer(std::int32_t id);
+    // The data files of one kind named by the customer's records, each compared and moved.
+    void Files(const SyncKind& kind, std::int32_t id, bool recordsSentUp);
     void Masters();
     // Moves one live kind the way its decision (or the user) says.
-    void Decide(const SyncKind& kind, int decision, const std::vector<Value>& args,
-                const std::string& label);
+    // What was done (or planned): 1 a download, 2 an upload, 0 nothing.
+    int Decide(const SyncKind& kind, int decision, const std::vector<Value>& args,
+               const std::string& label);
     bool CallOk(std::string_view member, const std::vector<Value>& args);
     void Progress(std::size_t done, std::size_t total, std::int32_t id);
     bool Live(const SyncKind& kind) const;
@@ -102,6 +109,7 @@ private:
     std::ostream& out_;
     std::ostream& err_;
     SyncSummary summary_;
+    std::filesystem::path dataDir_;  // where relative DataFile names lie: the database's folder
     std::string masterDb_;
     std::vector<std::string> rosterAdd_;  // local customers the server lacks
     struct Tally {

@@ -101,6 +101,9 @@ std::optional<Value> ToColumn(Guard guard, std::string_view format, const Value&
         case Guard::Positive:
             if (NzLong(member) <= 0) return std::nullopt;
             break;
+        case Guard::EmptyIsNull:
+            if (NzString(member).empty()) return Value::Null();
+            break;
         case Guard::Always:
             break;
     }

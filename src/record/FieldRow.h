@@ -118,6 +118,7 @@ enum class Guard {
     NumericOrEmpty,  // the value when it is numeric, else ""
     StampOrNow,      // the value when it is a date, else the present time
     Positive,        // only when the number is above 0
+    EmptyIsNull,     // Null for an empty text (a number column takes no text), else the value
 };
 
 // How a local read turns the column into the member. Every rule but AsIs also rules a Null.

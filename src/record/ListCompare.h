@@ -31,7 +31,7 @@ bool ItemsDiffer(const ListSpec<Item>& spec, const Item& server, const Item& loc
 template <class Item>
 std::int32_t CompareListRows(const ListSpec<Item>& spec, const ListData<Item>& server,
                              const std::string& localDb, std::int32_t custId) {
-    const std::string cond = LiveCondition(custId);
+    const std::string cond = ListCondition(spec, custId);
     const std::int32_t code = CompareInetDates(Value(server.recordUpdate),
                                                GetRecordUpdateLocal(localDb, spec.table, cond),
                                                GetInetCheckDateLocal(localDb, spec.table, cond));
@@ -41,12 +41,11 @@ std::int32_t CompareListRows(const ListSpec<Item>& spec, const ListData<Item>& s
         dao::Database& db = ws->OpenDatabase(localDb);
         {
             auto rs =
-                db.OpenRecordset(CountSql(spec.table, custId), dao::dbOpenDynaset, dao::dbReadOnly);
+                db.OpenRecordset(ListCountSql(spec, custId), dao::dbOpenDynaset, dao::dbReadOnly);
             const std::int32_t count = rs->Eof() ? 0 : NzLong((*rs)["reccnt"]);
             if (count != static_cast<std::int32_t>(server.items.size())) return code;
         }
-        auto rs = db.OpenRecordset(WalkSql(spec.table, spec.walkFilter, spec.walkOrder, custId),
-                                   dao::dbOpenDynaset, dao::dbReadOnly);
+        auto rs = db.OpenRecordset(ListWalkSql(spec, custId), dao::dbOpenDynaset, dao::dbReadOnly);
         size_t n = 0;
         for (; !rs->Eof(); rs->MoveNext(), ++n) {
             // The position pairs them, never the id.

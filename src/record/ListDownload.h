@@ -11,11 +11,44 @@
 
 namespace morvane::record {
 
+// Replaces the whole table by the items, ids numbered from 1 in list order, in one
+// transaction, so that a failure leaves the table as it was.
+template <class Item>
+void WipeListRows(const ListSpec<Item>& spec, const ListData<Item>& server,
+                  const std::string& localDb) {
+    auto ws = CreateMorvaneWorkspace();
+    dao::Database& db = ws->OpenDatabase(localDb);
+    ws->BeginTrans();
+    db.Execute(WipeSql(spec.table));
+    auto rs = db.OpenRecordset(
+        RewriteSql(spec.table, spec.strategy, 0) + std::string(spec.walkOrder), dao::dbOpenDynaset);
+    const Value now(State().Clock().Now());
+    std::int32_t position = 0;
+    for (const Item& item : server.items) {
+        ++position;
+        rs->AddNew();
+        // The server's item ids are not kept.
+        rs->Fields("ID").PutValue(Value(position));
+        if (spec.vno == VnoPolicy::Position) rs->Fields("vno").PutValue(Value(position));
+        for (const FieldRow<Item>& row : spec.fields) {
+            if (row.column.empty()) continue;
+            if (auto v = ToColumn(row.guard, row.writeFormat, row.slot.Get(item)))
+                rs->Fields(row.column).PutValue(*v);
+        }
+        rs->Fields("RecordUpdate").PutValue(now);
+        rs->Fields("InetCheckDate").PutValue(now);
+        rs->Update();
+    }
+    rs->Close();
+    ws->CommitTrans();
+}
+
 // Writes the items as the customer's live rows, in one transaction. Raises on a failure,
 // which leaves the rows as they were.
 template <class Item>
 void DownloadListRows(const ListSpec<Item>& spec, const ListData<Item>& server,
                       const std::string& localDb, std::int32_t custId) {
+    if (spec.strategy == RowStrategy::Wipe) return WipeListRows(spec, server, localDb);
     auto ws = CreateMorvaneWorkspace();
     dao::Database& db = ws->OpenDatabase(localDb);
     ws->BeginTrans();

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "record/ListUpload.h"
 #include "session/FacadePatterns.h"
 #include "transport/RequestBody.h"
 
@@ -14,7 +15,7 @@ namespace morvane::record {
 template <class Worker>
 facade::Request ListGetRequest(std::int32_t custId) {
     const auto& spec = Worker::Declaration();
-    return {spec.getPage, UpperCustomerBody(custId), spec.getRoutine};
+    return {spec.getPage, ListBodyStart(spec, custId), spec.getRoutine};
 }
 
 // Compare pattern: an unreadable reply looks like agreement (0).

@@ -38,7 +38,22 @@ struct ListField {
         row.load = Load::Skip;
         return *this;
     }
+    // Compared and loaded, but written and sent by the list itself (its position).
+    ListField& ByList() {
+        row.guard = Guard::Never;
+        row.key = {};
+        return *this;
+    }
     operator FieldRow<Item>() const { return row; }
+
+    // A text held as it came and compared as a number through NzLong; an empty text is
+    // written as Null, since a number column takes no text.
+    static ListField Numeric(std::string_view name, Slot<Item> slot) {
+        ListField f(name, std::move(slot));
+        f.row.cmp = Cmp::Long;
+        f.row.guard = Guard::EmptyIsNull;
+        return f;
+    }
 
     // A 32-bit number through NzLong, compared as a number.
     static ListField Integer(std::string_view name, Slot<Item> slot) {

@@ -29,12 +29,10 @@ template <class Item>
 bool LoadListRows(const ListSpec<Item>& spec, dao::Database& db, std::int32_t custId,
                   ListData<Item>& data) {
     {
-        auto rs =
-            db.OpenRecordset(CountSql(spec.table, custId), dao::dbOpenDynaset, dao::dbReadOnly);
+        auto rs = db.OpenRecordset(ListCountSql(spec, custId), dao::dbOpenDynaset, dao::dbReadOnly);
         data.count = rs->Eof() ? 0 : NzLong((*rs)["reccnt"]);
     }
-    auto rs = db.OpenRecordset(WalkSql(spec.table, spec.walkFilter, spec.walkOrder, custId),
-                               dao::dbOpenDynaset, dao::dbReadOnly);
+    auto rs = db.OpenRecordset(ListWalkSql(spec, custId), dao::dbOpenDynaset, dao::dbReadOnly);
     for (; !rs->Eof(); rs->MoveNext()) data.items.push_back(LoadListItem(spec, *rs, custId));
     return !data.items.empty();
 }

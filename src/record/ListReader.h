@@ -107,6 +107,8 @@ bool ReadListXml(const ListSpec<Item>& spec, const platform::XmlDocument& doc,
             countMatched = static_cast<std::int32_t>(data.items.size()) == data.count;
         }
     }
+    // An office list has no CustomerID to see.
+    if (spec.scope == ListScope::Office) customerIdSeen = true;
     return customerIdSeen && recordUpdateSeen && countMatched && keysUnique;
 }
 

@@ -23,7 +23,12 @@ struct ListItem {
 enum class RowStrategy {
     Own,   // the customer's own rows, freed ones included
     Pool,  // every free row of the table, whoever owned it
+    Wipe,  // none: the whole table is deleted and the items inserted with ids 1 to n
 };
+
+// Whose rows a list holds: one customer's, or the office's (no CustomerID anywhere, and no
+// filter on the table).
+enum class ListScope { Customer, Office };
 
 // Whether the rows carry their position: written on download and sent as "vno".
 enum class VnoPolicy { Position, None };
@@ -31,6 +36,7 @@ enum class VnoPolicy { Position, None };
 template <class Item>
 struct ListSpec {
     std::string_view root = "Customer";  // payload element below the document root
+    ListScope scope = ListScope::Customer;
     std::string_view listTag;
     std::string_view countTag;
     std::string_view itemTag;

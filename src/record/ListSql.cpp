@@ -32,8 +32,23 @@ std::string RewriteSql(std::string_view table, RowStrategy strategy, std::int32_
                    " WHERE CustomerID =" + std::to_string(custId) + " ORDER BY id";
         case RowStrategy::Pool:
             break;
+        case RowStrategy::Wipe:
+            return "SELECT * FROM " + std::string(table);
     }
     return "SELECT * FROM " + std::string(table) + " WHERE disabled=1 ORDER BY id";
+}
+
+std::string OfficeCountSql(std::string_view table) {
+    return "SELECT COUNT(*) as reccnt FROM " + std::string(table);
+}
+
+std::string OfficeWalkSql(std::string_view table, std::string_view walkFilter,
+                          std::string_view walkOrder) {
+    return "SELECT * FROM " + std::string(table) + std::string(walkFilter) + std::string(walkOrder);
+}
+
+std::string WipeSql(std::string_view table) {
+    return " DELETE * FROM [" + std::string(table) + "];";
 }
 
 }  // namespace morvane::record

@@ -22,4 +22,28 @@ std::string ReleaseSql(std::string_view table, std::string_view releaseFilter, s
 // The rows a download rewrites in order, by its strategy.
 std::string RewriteSql(std::string_view table, RowStrategy strategy, std::int32_t custId);
 
+// The office lists' statements: their whole table, unfiltered.
+std::string OfficeCountSql(std::string_view table);
+std::string OfficeWalkSql(std::string_view table, std::string_view walkFilter,
+                          std::string_view walkOrder);
+// Empties the table before a wiping download.
+std::string WipeSql(std::string_view table);
+
+// The stamps' condition of the list's rows; an office list has none.
+template <class Item>
+std::string ListCondition(const ListSpec<Item>& spec, std::int32_t custId) {
+    return spec.scope == ListScope::Office ? std::string() : LiveCondition(custId);
+}
+template <class Item>
+std::string ListCountSql(const ListSpec<Item>& spec, std::int32_t custId) {
+    return spec.scope == ListScope::Office ? OfficeCountSql(spec.table)
+                                           : CountSql(spec.table, custId);
+}
+template <class Item>
+std::string ListWalkSql(const ListSpec<Item>& spec, std::int32_t custId) {
+    return spec.scope == ListScope::Office
+               ? OfficeWalkSql(spec.table, spec.walkFilter, spec.walkOrder)
+               : WalkSql(spec.table, spec.walkFilter, spec.walkOrder, custId);
+}
+
 }  // namespace morvane::record

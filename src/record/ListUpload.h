@@ -14,11 +14,18 @@ namespace morvane::record {
 
 inline constexpr const char* kDisabledAll = "DISABLEDALL=DISABLEDALL&";
 
+// The start of every body of the list: the login, and the customer's number unless the list
+// is the office's.
+template <class Item>
+std::string ListBodyStart(const ListSpec<Item>& spec, std::int32_t custId) {
+    return spec.scope == ListScope::Office ? UpperBody() : UpperCustomerBody(custId);
+}
+
 // The body of the item at a position counted from 1.
 template <class Item>
 std::string ListItemBody(const ListSpec<Item>& spec, const Item& item, std::int32_t custId,
                          std::int32_t position) {
-    std::string body = UpperCustomerBody(custId);
+    std::string body = ListBodyStart(spec, custId);
     AppendField(body, spec.itemIdTag, std::to_string(item.id));
     if (position == 1) body += kDisabledAll;
     for (const FieldRow<Item>& row : spec.fields) {
@@ -38,7 +45,7 @@ std::int32_t UploadListItems(const ListSpec<Item>& spec, const ListData<Item>& l
                              const std::string& localDb, std::int32_t custId) {
     std::string reply;
     if (local.items.empty()) {
-        reply = SendRequestProgress(spec.emptyListPage, UpperCustomerBody(custId) + kDisabledAll,
+        reply = SendRequestProgress(spec.emptyListPage, ListBodyStart(spec, custId) + kDisabledAll,
                                     "", nullptr);
         if (GetLoginState() != 1 || reply.empty()) return 0;
     }
@@ -48,7 +55,7 @@ std::int32_t UploadListItems(const ListSpec<Item>& spec, const ListData<Item>& l
                                     nullptr);
         if (GetLoginState() != 1 || reply.empty()) return 0;
     }
-    const std::string cond = LiveCondition(custId);
+    const std::string cond = ListCondition(spec, custId);
     for (std::string_view table : AgreeTables(spec)) SetInetCheckDate(localDb, table, cond);
     return 1;
 }

@@ -21,6 +21,7 @@ DispatchTable Build() {
     RegisterFileMembers(table);
     RegisterDatedMembers(table);
     RegisterListMembers(table);
+    RegisterMasterMembers(table);
     return table;
 }
 

@@ -209,5 +209,6 @@ void RegisterRecordMembers(DispatchTable& table);
 void RegisterFileMembers(DispatchTable& table);
 void RegisterDatedMembers(DispatchTable& table);
 void RegisterListMembers(DispatchTable& table);
+void RegisterMasterMembers(DispatchTable& table);
 
 }  // namespace morvane

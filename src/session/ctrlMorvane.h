@@ -18,6 +18,14 @@ class cCustDataFile;
 class cCustKessan;
 class cCustKyoka;
 class cCustKihonOther;
+class cMastBunsekikikan;
+class cMastKessanTaioh;
+class cMastMinister;
+class cMastNyusatsukikan;
+class cMastNyusatsuShorui;
+class cMastSakuseisha;
+class cMastUserStaff;
+class cMastYakushoku;
 
 class ctrlMorvane {
 public:
@@ -175,6 +183,32 @@ public:
     std::int32_t SyncDownloadCustomerOtherList(const std::string& LocalDB, std::int32_t CustID);
     std::int32_t SyncUploadCustomerOtherList(const std::string& LocalDB, std::int32_t CustID);
 
+    // ---- Shared masters of the office, in Master.dat
+    std::int32_t CompareMasterBunsekiKikan(const std::string& LocalDB);
+    std::int32_t SyncDownloadMasterBunsekiKikan(const std::string& LocalDB);
+    std::int32_t SyncUploadMasterBunsekiKikan(const std::string& LocalDB);
+    std::int32_t CompareMasterKessanTaioh(const std::string& LocalDB);
+    std::int32_t SyncDownloadMasterKessanTaioh(const std::string& LocalDB);
+    std::int32_t SyncUploadMasterKessanTaioh(const std::string& LocalDB);
+    std::int32_t CompareMasterMinister(const std::string& LocalDB);
+    std::int32_t SyncDownloadMasterMinister(const std::string& LocalDB);
+    std::int32_t SyncUploadMasterMinister(const std::string& LocalDB);
+    std::int32_t CompareMasterNyusatsukikan(const std::string& LocalDB);
+    std::int32_t SyncDownloadMasterNyusatsukikan(const std::string& LocalDB);
+    std::int32_t SyncUploadMasterNyusatsukikan(const std::string& LocalDB);
+    std::int32_t CompareMasterNyusatsuShorui(const std::string& LocalDB);
+    std::int32_t SyncDownloadMasterNyusatsuShorui(const std::string& LocalDB);
+    std::int32_t SyncUploadMasterNyusatsuShorui(const std::string& LocalDB);
+    std::int32_t CompareMasterSakuseisha(const std::string& LocalDB);
+    std::int32_t SyncDownloadMasterSakuseisha(const std::string& LocalDB);
+    std::int32_t SyncUploadMasterSakuseisha(const std::string& LocalDB);
+    std::int32_t CompareMasterUserStaff(const std::string& LocalDB);
+    std::int32_t SyncDownloadMasterUserStaff(const std::string& LocalDB);
+    std::int32_t SyncUploadMasterUserStaff(const std::string& LocalDB);
+    std::int32_t CompareMasterYakushoku(const std::string& LocalDB);
+    std::int32_t SyncDownloadMasterYakushoku(const std::string& LocalDB);
+    std::int32_t SyncUploadMasterYakushoku(const std::string& LocalDB);
+
 private:
     // Worker slots, one per kind, added with the members that fill them.
     std::unique_ptr<cCustList> custList_;
@@ -191,6 +225,16 @@ private:
     std::unique_ptr<cCustKessan> custKessan_;
     std::unique_ptr<cCustKyoka> custKyoka_;
     std::unique_ptr<cCustKihonOther> custKihonOther_;
+
+    // Shared masters, kept by a comparison for the download that may follow.
+    std::unique_ptr<cMastBunsekikikan> mastBunsekikikan_;
+    std::unique_ptr<cMastKessanTaioh> mastKessanTaioh_;
+    std::unique_ptr<cMastMinister> mastMinister_;
+    std::unique_ptr<cMastNyusatsukikan> mastNyusatsukikan_;
+    std::unique_ptr<cMastNyusatsuShorui> mastNyusatsuShorui_;
+    std::unique_ptr<cMastSakuseisha> mastSakuseisha_;
+    std::unique_ptr<cMastUserStaff> mastUserStaff_;
+    std::unique_ptr<cMastYakushoku> mastYakushoku_;
 };
 
 }  // namespace morvane

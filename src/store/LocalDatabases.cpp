@@ -2,11 +2,14 @@
 
 #include <SchemaSql.h>
 
+#include <fstream>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "platform/Dao.h"
 #include "store/BackupTableIndex.h"
+#include "util/Nz.h"
 #include "util/RuntimeError.h"
 
 namespace morvane {
@@ -107,6 +110,36 @@ std::string ChildRows(bool prefcustom, const SampleDataOptions& o) {
     return sql;
 }
 
+// The records that carry a data file, and the word their files are named by.
+constexpr std::pair<const char*, const char*> kFileRecords[] = {
+    {"tCustomerKessanHistory", "kessan"},
+    {"tCustomerKyokaHistory", "kyoka"},
+    {"tCustomerOtherFile", "other"}};
+
+// Names a small text file in each live record's DataFile, relative to the databases' folder,
+// and writes it there.
+void WriteDataFiles(const fs::path& customerDb, const fs::path& folder) {
+    std::string sql;
+    for (const auto& [table, word] : kFileRecords)
+        sql += std::string("UPDATE [") + table + "] SET DataFile = 'files/' || CustomerID || '/" +
+               word + "-' || id || '.txt' WHERE disabled = 0;\n";
+    dao::RunScript(customerDb.string(), sql);
+    dao::Workspace ws("", "");
+    dao::Database& db = ws.OpenDatabase(customerDb.string());
+    for (const auto& [table, word] : kFileRecords) {
+        auto rs = db.OpenRecordset(std::string("SELECT CustomerID, DataFile FROM [") + table +
+                                   "] WHERE DataFile <> '' ORDER BY id");
+        for (; !rs->Eof(); rs->MoveNext()) {
+            const fs::path file = folder / NzString((*rs)["DataFile"]);
+            fs::create_directories(file.parent_path());
+            std::ofstream out(file, std::ios::binary);
+            out << word << " data of customer " << NzString((*rs)["CustomerID"]) << ": "
+                << file.filename().string() << '\n';
+            if (!out) throw RuntimeError(errnum::kPathNotFound, "Cannot write " + file.string());
+        }
+    }
+}
+
 std::string MasterRows(const SampleDataOptions& o) {
     if (o.masterRows <= 0 || o.customers <= 0) return {};
     const std::vector<std::pair<std::string, std::string>> masters = {
@@ -144,6 +177,7 @@ LocalDatabasePaths CreateLocalDatabases(const fs::path& folder, const SampleData
         dao::CreateDatabaseFile(paths.master, MasterSchemaSql() + MasterRows(options));
         made.push_back(paths.master);
         dao::CreateDatabaseFile(paths.prefcustom, PrefCustomSchemaSql() + ChildRows(true, options));
+        if (options.dataFiles) WriteDataFiles(paths.customer, folder);
     } catch (...) {
         for (const auto& p : made) fs::remove(p, ec);
         throw;

@@ -37,6 +37,9 @@ struct SampleDataOptions {
     // Every customer's trade grid whole, 31 live rows coded 1 to 31, as the host keeps it;
     // otherwise the grid has rowsPerTable rows like any other table.
     bool tradeGrid = false;
+    // Every live settlement, permit and other record names a small data file, written beside
+    // the databases under files/<customer>/.
+    bool dataFiles = false;
 };
 
 // Creates the three files in the folder (made if missing; existing files are an error).

@@ -60,6 +60,12 @@ public:
         return true;
     }
     std::vector<std::int32_t> LocalCustomerIDs(const std::string&) override { return local; }
+    std::map<std::pair<std::string, int>, std::vector<std::string>> files;  // (table, customer)
+    std::vector<std::string> DataFiles(const std::string&, const std::string& table,
+                                       std::int32_t custId) override {
+        auto it = files.find({table, custId});
+        return it == files.end() ? std::vector<std::string>{} : it->second;
+    }
 
     bool Called(const std::string& prefix) const {
         return std::any_of(calls.begin(), calls.end(),
@@ -433,6 +439,51 @@ TEST(SyncRun, LiveMastersAreComparedOnTheMasterFileUnderTheMasterLock) {
     EXPECT_EQ(o.summary.downloads, 1);
     EXPECT_FALSE(Reported(o.summary, "post master"));
     EXPECT_NE(o.out.find("minister master: not compared"), std::string::npos);
+}
+
+TEST(SyncRun, DataFilesNamedByTheRecordsAreComparedAndMovedAndCheckedAfterwards) {
+    ScriptedComponent c;
+    c.local = {1};
+    c.Live("CustomerKessanFile");
+    c.members.insert({"LockCoustomer", "UnlockCoustomer"});
+    c.files[{"tCustomerKessanHistory", 1}] = {"files/1/a.pdf", "/abs/b.pdf", "files/1/c.pdf"};
+    // a: server newer, then the same; b: local newer, still different after the upload;
+    // c: the same.
+    c.results["CompareCustomerKessanFile"] = {1, 0, 2, 2, 0};
+    Outcome o = RunWith(c);
+    EXPECT_TRUE(c.Called("CompareCustomerKessanFile 1 /data/files/1/a.pdf"))
+        << "a relative name lies beside the database";
+    EXPECT_TRUE(c.Called("SyncDownloadCustomerKessanFile 1 /data/files/1/a.pdf"));
+    EXPECT_TRUE(c.Called("SyncUploadCustomerKessanFile 1 /abs/b.pdf"));
+    EXPECT_FALSE(c.Called("SyncUploadCustomerKessanFile 1 /data/files/1/c.pdf"));
+    EXPECT_LT(c.Position("LockCoustomer"), c.Position("CompareCustomerKessanFile"));
+    EXPECT_EQ(o.summary.downloads, 1);
+    EXPECT_EQ(o.summary.uploads, 0);
+    EXPECT_EQ(o.summary.failures, 1) << o.out;
+    EXPECT_NE(o.out.find("file /abs/b.pdf: the upload did not leave both copies the same"),
+              std::string::npos)
+        << o.out;
+    EXPECT_FALSE(Reported(o.summary, "settlement files"));
+    EXPECT_TRUE(Reported(o.summary, "permit files")) << "no worker for them here";
+}
+
+TEST(SyncRun, FilesOfRecordsJustSentGoUpEvenWhenTheComparisonSeesNoDifference) {
+    // The server answers a file it does not hold as it answers one it holds the same.
+    const auto run = [](int records) {
+        auto c = std::make_unique<ScriptedComponent>();
+        c->local = {1};
+        c->Live("CustomerKessanList");
+        c->Live("CustomerKessanFile");
+        c->members.insert({"LockCoustomer", "UnlockCoustomer"});
+        c->files[{"tCustomerKessanHistory", 1}] = {"files/1/a.pdf"};
+        c->results["CompareCustomerKessanList"] = {records};
+        c->results["CompareCustomerKessanFile"] = {0};
+        RunWith(*c);
+        return c->Called("SyncUploadCustomerKessanFile 1 /data/files/1/a.pdf");
+    };
+    EXPECT_TRUE(run(2)) << "the records went up";
+    EXPECT_FALSE(run(0)) << "the records agreed";
+    EXPECT_FALSE(run(1)) << "the records came down";
 }
 
 TEST(SyncSummary, ExitCodeIsZeroOnlyWhenEverythingAgreedOrMoved) {

@@ -1,0 +1,28 @@
+#include "masters/cMastYakushoku.h"
+
+#include "transport/mdlServerConst.h"
+
+namespace morvane {
+namespace {
+
+using I = cMastYakushokuItem;
+using F = record::ListField<I>;
+
+record::ListSpec<I> Build() {
+    auto s = masters::MasterDeclaration<I>(
+        {"YakushokuList", "YakushokuCount", "YakushokuItem", "YakushokuItemID", "tYakushoku",
+         page::kGetYakushoku, page::kSetYakushoku, masters::kByVnoThenId, record::VnoPolicy::None});
+    // In the order of the comparison and the upload body.
+    s.fields = {F::Text("Yakushoku", &I::Yakushoku), F::Numeric("Flag", &I::Flag),
+                F::Numeric("vno", &I::vno)};
+    return s;
+}
+
+}  // namespace
+
+const record::ListSpec<cMastYakushokuItem>& cMastYakushoku::Declaration() {
+    static const record::ListSpec<I> spec = Build();
+    return spec;
+}
+
+}  // namespace morvane
