@@ -27,8 +27,8 @@ void Terms(std::vector<record::FieldRow<I>>& rows, F (*kind)(std::string_view, r
     for (size_t i = 0; i < names.size(); ++i) rows.push_back(kind(names[i], {member, i}));
 }
 
-record::ListSpec<I> Build() {
-    record::ListSpec<I> s;
+record::ListDecl<I> Build() {
+    record::ListDecl<I> s;
     s.listTag = "KessanDataList";
     s.countTag = "KessanDataCount";
     s.itemTag = "KessanDataItem";
@@ -77,8 +77,8 @@ record::ListSpec<I> Build() {
 
 }  // namespace
 
-const record::ListSpec<cCustKessanItem>& cCustKessan::Declaration() {
-    static const record::ListSpec<cCustKessanItem> spec = Build();
+const record::ListDecl<cCustKessanItem>& cCustKessan::Declaration() {
+    static const record::ListDecl<cCustKessanItem> spec = Build();
     return spec;
 }
 

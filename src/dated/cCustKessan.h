@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "record/ListSpec.h"
+#include "record/ListDecl.h"
 #include "record/ListWorker.h"
 
 namespace morvane {
@@ -28,7 +28,7 @@ struct cCustKessanItem : record::ListItem {
 class cCustKessan : public record::ListWorker<cCustKessanItem> {
 public:
     cCustKessan() : ListWorker(Declaration()) {}
-    static const record::ListSpec<cCustKessanItem>& Declaration();
+    static const record::ListDecl<cCustKessanItem>& Declaration();
 };
 
 }  // namespace morvane

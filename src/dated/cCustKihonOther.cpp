@@ -14,8 +14,8 @@ F Moment(std::string_view name, record::Slot<I> slot) {
     return F::Date(name, std::move(slot), record::kStampFormat, record::kStampFormat);
 }
 
-record::ListSpec<I> Build() {
-    record::ListSpec<I> s;
+record::ListDecl<I> Build() {
+    record::ListDecl<I> s;
     s.listTag = "OtherDataList";
     s.countTag = "OtherDataCount";
     s.itemTag = "OtherDataItem";
@@ -41,8 +41,8 @@ record::ListSpec<I> Build() {
 
 }  // namespace
 
-const record::ListSpec<cCustKihonOtherItem>& cCustKihonOther::Declaration() {
-    static const record::ListSpec<cCustKihonOtherItem> spec = Build();
+const record::ListDecl<cCustKihonOtherItem>& cCustKihonOther::Declaration() {
+    static const record::ListDecl<cCustKihonOtherItem> spec = Build();
     return spec;
 }
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "record/ListSpec.h"
+#include "record/ListDecl.h"
 #include "record/ListWorker.h"
 
 namespace morvane {
@@ -16,7 +16,7 @@ struct cCustKihonOtherItem : record::ListItem {
 class cCustKihonOther : public record::ListWorker<cCustKihonOtherItem> {
 public:
     cCustKihonOther() : ListWorker(Declaration()) {}
-    static const record::ListSpec<cCustKihonOtherItem>& Declaration();
+    static const record::ListDecl<cCustKihonOtherItem>& Declaration();
 };
 
 }  // namespace morvane

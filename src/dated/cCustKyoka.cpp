@@ -12,8 +12,8 @@ using F = record::ListField<I>;
 // Permit dates compare by the day in era form: a time of day does not count.
 constexpr std::string_view kEraDay = "gggee年mm月dd日";
 
-record::ListSpec<I> Build() {
-    record::ListSpec<I> s;
+record::ListDecl<I> Build() {
+    record::ListDecl<I> s;
     s.listTag = "KyokaDataList";
     s.countTag = "KyokaDataCount";
     s.itemTag = "KyokaDataItem";
@@ -48,8 +48,8 @@ record::ListSpec<I> Build() {
 
 }  // namespace
 
-const record::ListSpec<cCustKyokaItem>& cCustKyoka::Declaration() {
-    static const record::ListSpec<cCustKyokaItem> spec = Build();
+const record::ListDecl<cCustKyokaItem>& cCustKyoka::Declaration() {
+    static const record::ListDecl<cCustKyokaItem> spec = Build();
     return spec;
 }
 

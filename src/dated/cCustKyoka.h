@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "record/ListSpec.h"
+#include "record/ListDecl.h"
 #include "record/ListWorker.h"
 
 namespace morvane {
@@ -21,7 +21,7 @@ struct cCustKyokaItem : record::ListItem {
 class cCustKyoka : public record::ListWorker<cCustKyokaItem> {
 public:
     cCustKyoka() : ListWorker(Declaration()) {}
-    static const record::ListSpec<cCustKyokaItem>& Declaration();
+    static const record::ListDecl<cCustKyokaItem>& Declaration();
 };
 
 }  // namespace morvane

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "record/ListDecl.h"
 #include "record/ListKinds.h"
-#include "record/ListSpec.h"
 #include "record/ListWorker.h"
 
 namespace morvane::masters {
@@ -26,8 +26,8 @@ inline constexpr std::string_view kById = " ORDER BY  [ID]";
 
 // A master's declaration without its fields.
 template <class Item>
-record::ListSpec<Item> MasterDeclaration(const MasterTags& t) {
-    record::ListSpec<Item> s;
+record::ListDecl<Item> MasterDeclaration(const MasterTags& t) {
+    record::ListDecl<Item> s;
     s.root = "Master";
     s.scope = record::ListScope::Office;
     s.listTag = t.list;

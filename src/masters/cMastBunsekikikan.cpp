@@ -8,7 +8,7 @@ namespace {
 using I = cMastBunsekikikanItem;
 using F = record::ListField<I>;
 
-record::ListSpec<I> Build() {
+record::ListDecl<I> Build() {
     auto s = masters::MasterDeclaration<I>(
         {"BunsekiKikanList", "BunsekiKikanCount", "BunsekiKikanItem", "BunsekiKikanItemID",
          "tBunsekiKikan", page::kGetBunsekiKikan, page::kSetBunsekiKikan, masters::kByVnoThenId,
@@ -28,8 +28,8 @@ record::ListSpec<I> Build() {
 
 }  // namespace
 
-const record::ListSpec<cMastBunsekikikanItem>& cMastBunsekikikan::Declaration() {
-    static const record::ListSpec<I> spec = Build();
+const record::ListDecl<cMastBunsekikikanItem>& cMastBunsekikikan::Declaration() {
+    static const record::ListDecl<I> spec = Build();
     return spec;
 }
 

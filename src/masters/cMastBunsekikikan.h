@@ -15,7 +15,7 @@ struct cMastBunsekikikanItem : record::ListItem {
 class cMastBunsekikikan : public masters::MasterList<cMastBunsekikikanItem> {
 public:
     cMastBunsekikikan() : MasterList(Declaration()) {}
-    static const record::ListSpec<cMastBunsekikikanItem>& Declaration();
+    static const record::ListDecl<cMastBunsekikikanItem>& Declaration();
 };
 
 }  // namespace morvane

@@ -8,7 +8,7 @@ namespace {
 using I = cMastKessanTaiohItem;
 using F = record::ListField<I>;
 
-record::ListSpec<I> Build() {
+record::ListDecl<I> Build() {
     auto s = masters::MasterDeclaration<I>({"KessanTaiohList", "KessanTaiohCount",
                                             "KessanTaiohItem", "KessanTaiohItemID", "tKessanTaioh",
                                             page::kGetKessanTaioh, page::kSetKessanTaioh,
@@ -21,8 +21,8 @@ record::ListSpec<I> Build() {
 
 }  // namespace
 
-const record::ListSpec<cMastKessanTaiohItem>& cMastKessanTaioh::Declaration() {
-    static const record::ListSpec<I> spec = Build();
+const record::ListDecl<cMastKessanTaiohItem>& cMastKessanTaioh::Declaration() {
+    static const record::ListDecl<I> spec = Build();
     return spec;
 }
 

@@ -14,7 +14,7 @@ struct cMastKessanTaiohItem : record::ListItem {
 class cMastKessanTaioh : public masters::MasterList<cMastKessanTaiohItem> {
 public:
     cMastKessanTaioh() : MasterList(Declaration()) {}
-    static const record::ListSpec<cMastKessanTaiohItem>& Declaration();
+    static const record::ListDecl<cMastKessanTaiohItem>& Declaration();
 };
 
 }  // namespace morvane

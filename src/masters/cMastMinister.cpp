@@ -8,7 +8,7 @@ namespace {
 using I = cMastMinisterItem;
 using F = record::ListField<I>;
 
-record::ListSpec<I> Build() {
+record::ListDecl<I> Build() {
     auto s = masters::MasterDeclaration<I>({"MinisterList", "MinisterCount", "MinisterItem",
                                             "MinisterItemID", "tMinister", page::kGetMinister,
                                             page::kSetMinister, masters::kByVnoThenId,
@@ -21,8 +21,8 @@ record::ListSpec<I> Build() {
 
 }  // namespace
 
-const record::ListSpec<cMastMinisterItem>& cMastMinister::Declaration() {
-    static const record::ListSpec<I> spec = Build();
+const record::ListDecl<cMastMinisterItem>& cMastMinister::Declaration() {
+    static const record::ListDecl<I> spec = Build();
     return spec;
 }
 

@@ -15,7 +15,7 @@ struct cMastMinisterItem : record::ListItem {
 class cMastMinister : public masters::MasterList<cMastMinisterItem> {
 public:
     cMastMinister() : MasterList(Declaration()) {}
-    static const record::ListSpec<cMastMinisterItem>& Declaration();
+    static const record::ListDecl<cMastMinisterItem>& Declaration();
 };
 
 }  // namespace morvane

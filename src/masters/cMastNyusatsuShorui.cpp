@@ -8,7 +8,7 @@ namespace {
 using I = cMastNyusatsuShoruiItem;
 using F = record::ListField<I>;
 
-record::ListSpec<I> Build() {
+record::ListDecl<I> Build() {
     auto s = masters::MasterDeclaration<I>(
         {"NyusatsuShoruiList", "NyusatsuShoruiCount", "NyusatsuShoruiItem", "NyusatsuShoruiItemID",
          "tNyusatsuShorui", page::kGetNyusatsuShorui, page::kSetNyusatsuShorui, masters::kById,
@@ -21,8 +21,8 @@ record::ListSpec<I> Build() {
 
 }  // namespace
 
-const record::ListSpec<cMastNyusatsuShoruiItem>& cMastNyusatsuShorui::Declaration() {
-    static const record::ListSpec<I> spec = Build();
+const record::ListDecl<cMastNyusatsuShoruiItem>& cMastNyusatsuShorui::Declaration() {
+    static const record::ListDecl<I> spec = Build();
     return spec;
 }
 

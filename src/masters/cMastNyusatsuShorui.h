@@ -14,7 +14,7 @@ struct cMastNyusatsuShoruiItem : record::ListItem {
 class cMastNyusatsuShorui : public masters::MasterList<cMastNyusatsuShoruiItem> {
 public:
     cMastNyusatsuShorui() : MasterList(Declaration()) {}
-    static const record::ListSpec<cMastNyusatsuShoruiItem>& Declaration();
+    static const record::ListDecl<cMastNyusatsuShoruiItem>& Declaration();
 };
 
 }  // namespace morvane

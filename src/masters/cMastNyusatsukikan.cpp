@@ -21,7 +21,7 @@ void Each(std::vector<record::FieldRow<I>>& rows, F (*kind)(std::string_view, re
     for (std::size_t i = 0; i < names.size(); ++i) rows.push_back(kind(names[i], {member, i}));
 }
 
-record::ListSpec<I> Build() {
+record::ListDecl<I> Build() {
     auto s = masters::MasterDeclaration<I>(
         {"NyusatsuKikanList", "NyusatsuKikanCount", "NyusatsuKikanItem", "NyusatsuKikanItemID",
          "tNyusatsuKikan", page::kGetMasterNyusatsuKikan, page::kSetMasterNyusatsuKikan,
@@ -62,8 +62,8 @@ record::ListSpec<I> Build() {
 
 }  // namespace
 
-const record::ListSpec<cMastNyusatsuKikanItem>& cMastNyusatsukikan::Declaration() {
-    static const record::ListSpec<I> spec = Build();
+const record::ListDecl<cMastNyusatsuKikanItem>& cMastNyusatsukikan::Declaration() {
+    static const record::ListDecl<I> spec = Build();
     return spec;
 }
 

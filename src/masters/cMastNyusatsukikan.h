@@ -24,7 +24,7 @@ struct cMastNyusatsuKikanItem : record::ListItem {
 class cMastNyusatsukikan : public masters::MasterList<cMastNyusatsuKikanItem> {
 public:
     cMastNyusatsukikan() : MasterList(Declaration()) {}
-    static const record::ListSpec<cMastNyusatsuKikanItem>& Declaration();
+    static const record::ListDecl<cMastNyusatsuKikanItem>& Declaration();
 };
 
 }  // namespace morvane

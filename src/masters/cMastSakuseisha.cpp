@@ -8,7 +8,7 @@ namespace {
 using I = cMastSakuseishaItem;
 using F = record::ListField<I>;
 
-record::ListSpec<I> Build() {
+record::ListDecl<I> Build() {
     auto s = masters::MasterDeclaration<I>(
         {"SakuseishaList", "SakuseishaCount", "SakuseishaItem", "SakuseishaItemID", "tSakuseisha",
          page::kGetSakuseisha, page::kSetSakuseisha, masters::kById, record::VnoPolicy::None});
@@ -27,8 +27,8 @@ record::ListSpec<I> Build() {
 
 }  // namespace
 
-const record::ListSpec<cMastSakuseishaItem>& cMastSakuseisha::Declaration() {
-    static const record::ListSpec<I> spec = Build();
+const record::ListDecl<cMastSakuseishaItem>& cMastSakuseisha::Declaration() {
+    static const record::ListDecl<I> spec = Build();
     return spec;
 }
 

@@ -15,7 +15,7 @@ struct cMastSakuseishaItem : record::ListItem {
 class cMastSakuseisha : public masters::MasterList<cMastSakuseishaItem> {
 public:
     cMastSakuseisha() : MasterList(Declaration()) {}
-    static const record::ListSpec<cMastSakuseishaItem>& Declaration();
+    static const record::ListDecl<cMastSakuseishaItem>& Declaration();
 };
 
 }  // namespace morvane

@@ -8,7 +8,7 @@ namespace {
 using I = cMastUserStaffItem;
 using F = record::ListField<I>;
 
-record::ListSpec<I> Build() {
+record::ListDecl<I> Build() {
     auto s = masters::MasterDeclaration<I>(
         {"UserStaffList", "UserStaffCount", "UserStaffItem", "UserStaffItemID", "tUserStaff",
          page::kGetUserStaff, page::kSetUserStaff, masters::kById, record::VnoPolicy::None});
@@ -26,8 +26,8 @@ record::ListSpec<I> Build() {
 
 }  // namespace
 
-const record::ListSpec<cMastUserStaffItem>& cMastUserStaff::Declaration() {
-    static const record::ListSpec<I> spec = Build();
+const record::ListDecl<cMastUserStaffItem>& cMastUserStaff::Declaration() {
+    static const record::ListDecl<I> spec = Build();
     return spec;
 }
 

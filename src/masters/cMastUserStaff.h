@@ -15,7 +15,7 @@ struct cMastUserStaffItem : record::ListItem {
 class cMastUserStaff : public masters::MasterList<cMastUserStaffItem> {
 public:
     cMastUserStaff() : MasterList(Declaration()) {}
-    static const record::ListSpec<cMastUserStaffItem>& Declaration();
+    static const record::ListDecl<cMastUserStaffItem>& Declaration();
 };
 
 }  // namespace morvane

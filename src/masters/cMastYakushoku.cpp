@@ -8,7 +8,7 @@ namespace {
 using I = cMastYakushokuItem;
 using F = record::ListField<I>;
 
-record::ListSpec<I> Build() {
+record::ListDecl<I> Build() {
     auto s = masters::MasterDeclaration<I>(
         {"YakushokuList", "YakushokuCount", "YakushokuItem", "YakushokuItemID", "tYakushoku",
          page::kGetYakushoku, page::kSetYakushoku, masters::kByVnoThenId, record::VnoPolicy::None});
@@ -20,8 +20,8 @@ record::ListSpec<I> Build() {
 
 }  // namespace
 
-const record::ListSpec<cMastYakushokuItem>& cMastYakushoku::Declaration() {
-    static const record::ListSpec<I> spec = Build();
+const record::ListDecl<cMastYakushokuItem>& cMastYakushoku::Declaration() {
+    static const record::ListDecl<I> spec = Build();
     return spec;
 }
 

@@ -14,7 +14,7 @@ struct cMastYakushokuItem : record::ListItem {
 class cMastYakushoku : public masters::MasterList<cMastYakushokuItem> {
 public:
     cMastYakushoku() : MasterList(Declaration()) {}
-    static const record::ListSpec<cMastYakushokuItem>& Declaration();
+    static const record::ListDecl<cMastYakushokuItem>& Declaration();
 };
 
 }  // namespace morvane

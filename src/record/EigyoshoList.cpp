@@ -19,8 +19,8 @@ F Mark(std::string_view name, record::Slot<I> slot) {
     return f;
 }
 
-record::ListSpec<I> Build() {
-    record::ListSpec<I> s;
+record::ListDecl<I> Build() {
+    record::ListDecl<I> s;
     s.listTag = "EigyoshoList";
     s.countTag = "EigyoshoCount";
     s.itemTag = "EigyoshoItem";
@@ -75,8 +75,8 @@ std::array<std::int16_t, 31> cCustKihonEigyoshoItem::Gyosyu() const {
     return out;
 }
 
-const record::ListSpec<cCustKihonEigyoshoItem>& EigyoshoList::Declaration() {
-    static const record::ListSpec<cCustKihonEigyoshoItem> spec = Build();
+const record::ListDecl<cCustKihonEigyoshoItem>& EigyoshoList::Declaration() {
+    static const record::ListDecl<cCustKihonEigyoshoItem> spec = Build();
     return spec;
 }
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "record/ListSpec.h"
+#include "record/ListDecl.h"
 #include "record/ListWorker.h"
 
 namespace morvane {
@@ -29,7 +29,7 @@ struct cCustKihonEigyoshoItem : record::ListItem {
 class EigyoshoList : public record::ListWorker<cCustKihonEigyoshoItem> {
 public:
     EigyoshoList() : ListWorker(Declaration()) {}
-    static const record::ListSpec<cCustKihonEigyoshoItem>& Declaration();
+    static const record::ListDecl<cCustKihonEigyoshoItem>& Declaration();
 };
 
 }  // namespace morvane

@@ -13,14 +13,14 @@ namespace morvane::record {
 
 // The tables an agreement stamps.
 template <class Item>
-std::vector<std::string_view> AgreeTables(const ListSpec<Item>& spec) {
+std::vector<std::string_view> AgreeTables(const ListDecl<Item>& spec) {
     if (spec.agreeTables.empty()) return {spec.table};
     return spec.agreeTables;
 }
 
 // True at the first compared field in which the two items differ.
 template <class Item>
-bool ItemsDiffer(const ListSpec<Item>& spec, const Item& server, const Item& local) {
+bool ItemsDiffer(const ListDecl<Item>& spec, const Item& server, const Item& local) {
     for (const FieldRow<Item>& row : spec.fields)
         if (Differs(row.cmp, row.format, row.slot.Get(server), row.slot.Get(local))) return true;
     return false;
@@ -29,7 +29,7 @@ bool ItemsDiffer(const ListSpec<Item>& spec, const Item& server, const Item& loc
 // 0 when the two agree (stamping the rows when the stamps alone differed), else the
 // decision code of the stamps. Raises on a database failure.
 template <class Item>
-std::int32_t CompareListRows(const ListSpec<Item>& spec, const ListData<Item>& server,
+std::int32_t CompareListRows(const ListDecl<Item>& spec, const ListData<Item>& server,
                              const std::string& localDb, std::int32_t custId) {
     const std::string cond = ListCondition(spec, custId);
     const std::int32_t code = CompareInetDates(Value(server.recordUpdate),

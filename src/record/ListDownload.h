@@ -14,7 +14,7 @@ namespace morvane::record {
 // Replaces the whole table by the items, ids numbered from 1 in list order, in one
 // transaction, so that a failure leaves the table as it was.
 template <class Item>
-void WipeListRows(const ListSpec<Item>& spec, const ListData<Item>& server,
+void WipeListRows(const ListDecl<Item>& spec, const ListData<Item>& server,
                   const std::string& localDb) {
     auto ws = CreateMorvaneWorkspace();
     dao::Database& db = ws->OpenDatabase(localDb);
@@ -46,7 +46,7 @@ void WipeListRows(const ListSpec<Item>& spec, const ListData<Item>& server,
 // Writes the items as the customer's live rows, in one transaction. Raises on a failure,
 // which leaves the rows as they were.
 template <class Item>
-void DownloadListRows(const ListSpec<Item>& spec, const ListData<Item>& server,
+void DownloadListRows(const ListDecl<Item>& spec, const ListData<Item>& server,
                       const std::string& localDb, std::int32_t custId) {
     if (spec.strategy == RowStrategy::Wipe) return WipeListRows(spec, server, localDb);
     auto ws = CreateMorvaneWorkspace();

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "platform/Dao.h"
-#include "record/ListSpec.h"
+#include "record/ListDecl.h"
 #include "record/ListSql.h"
 #include "util/Nz.h"
 
@@ -14,7 +14,7 @@ namespace morvane::record {
 
 // The item of the current row, owned by the customer given.
 template <class Item>
-Item LoadListItem(const ListSpec<Item>& spec, dao::Recordset& rs, std::int32_t custId) {
+Item LoadListItem(const ListDecl<Item>& spec, dao::Recordset& rs, std::int32_t custId) {
     Item item;
     item.id = NzLong(rs["id"]);
     item.CustID = custId;
@@ -26,7 +26,7 @@ Item LoadListItem(const ListSpec<Item>& spec, dao::Recordset& rs, std::int32_t c
 
 // Stores the live row count and an item per walked row; true when a row was walked.
 template <class Item>
-bool LoadListRows(const ListSpec<Item>& spec, dao::Database& db, std::int32_t custId,
+bool LoadListRows(const ListDecl<Item>& spec, dao::Database& db, std::int32_t custId,
                   ListData<Item>& data) {
     {
         auto rs = db.OpenRecordset(ListCountSql(spec, custId), dao::dbOpenDynaset, dao::dbReadOnly);

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "platform/Xml.h"
-#include "record/ListSpec.h"
+#include "record/ListDecl.h"
 #include "store/mdlMorvaneCommon.h"
 #include "util/Nz.h"
 #include "util/Text.h"
@@ -18,7 +18,7 @@ namespace morvane::record {
 namespace detail {
 // Fills the item from its element; false when any declared tag was missing.
 template <class Item>
-bool ReadListItem(const ListSpec<Item>& spec,
+bool ReadListItem(const ListDecl<Item>& spec,
                   const std::unordered_map<std::string, size_t>& rowOfTag, platform::XmlNode node,
                   Item& item) {
     std::vector<bool> seen(spec.fields.size() + 1, false);  // the last flag is the id's
@@ -55,7 +55,7 @@ bool ReadListItem(const ListSpec<Item>& spec,
 // Clears nothing: the caller gives a cleared list. True when CustomerID and the stamp were
 // seen and the items kept number exactly the count, so one dropped item fails the reply.
 template <class Item>
-bool ReadListXml(const ListSpec<Item>& spec, const platform::XmlDocument& doc,
+bool ReadListXml(const ListDecl<Item>& spec, const platform::XmlDocument& doc,
                  ListData<Item>& data) {
     const platform::XmlNode root = doc.DocumentElement();
     if (!root) return false;

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "record/ListSpec.h"
+#include "record/ListDecl.h"
 
 namespace morvane::record {
 
@@ -31,16 +31,16 @@ std::string WipeSql(std::string_view table);
 
 // The stamps' condition of the list's rows; an office list has none.
 template <class Item>
-std::string ListCondition(const ListSpec<Item>& spec, std::int32_t custId) {
+std::string ListCondition(const ListDecl<Item>& spec, std::int32_t custId) {
     return spec.scope == ListScope::Office ? std::string() : LiveCondition(custId);
 }
 template <class Item>
-std::string ListCountSql(const ListSpec<Item>& spec, std::int32_t custId) {
+std::string ListCountSql(const ListDecl<Item>& spec, std::int32_t custId) {
     return spec.scope == ListScope::Office ? OfficeCountSql(spec.table)
                                            : CountSql(spec.table, custId);
 }
 template <class Item>
-std::string ListWalkSql(const ListSpec<Item>& spec, std::int32_t custId) {
+std::string ListWalkSql(const ListDecl<Item>& spec, std::int32_t custId) {
     return spec.scope == ListScope::Office
                ? OfficeWalkSql(spec.table, spec.walkFilter, spec.walkOrder)
                : WalkSql(spec.table, spec.walkFilter, spec.walkOrder, custId);

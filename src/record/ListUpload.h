@@ -17,13 +17,13 @@ inline constexpr const char* kDisabledAll = "DISABLEDALL=DISABLEDALL&";
 // The start of every body of the list: the login, and the customer's number unless the list
 // is the office's.
 template <class Item>
-std::string ListBodyStart(const ListSpec<Item>& spec, std::int32_t custId) {
+std::string ListBodyStart(const ListDecl<Item>& spec, std::int32_t custId) {
     return spec.scope == ListScope::Office ? UpperBody() : UpperCustomerBody(custId);
 }
 
 // The body of the item at a position counted from 1.
 template <class Item>
-std::string ListItemBody(const ListSpec<Item>& spec, const Item& item, std::int32_t custId,
+std::string ListItemBody(const ListDecl<Item>& spec, const Item& item, std::int32_t custId,
                          std::int32_t position) {
     std::string body = ListBodyStart(spec, custId);
     AppendField(body, spec.itemIdTag, std::to_string(item.id));
@@ -41,7 +41,7 @@ std::string ListItemBody(const ListSpec<Item>& spec, const Item& item, std::int3
 // Posts the loaded items; 1 when every post was answered while the login held, and the
 // customer's rows are then stamped as agreed. The server keeps what it got before a failure.
 template <class Item>
-std::int32_t UploadListItems(const ListSpec<Item>& spec, const ListData<Item>& local,
+std::int32_t UploadListItems(const ListDecl<Item>& spec, const ListData<Item>& local,
                              const std::string& localDb, std::int32_t custId) {
     std::string reply;
     if (local.items.empty()) {

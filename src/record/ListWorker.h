@@ -20,7 +20,7 @@ namespace morvane::record {
 template <class Item>
 class ListWorker {
 public:
-    explicit ListWorker(const ListSpec<Item>& spec) : spec_(spec) {}
+    explicit ListWorker(const ListDecl<Item>& spec) : spec_(spec) {}
     ListWorker(const ListWorker&) = default;
     // Takes the other's data and keeps its own declaration, so a record holding lists can be
     // assigned.
@@ -104,7 +104,7 @@ private:
         return failure;
     }
 
-    const ListSpec<Item>& spec_;
+    const ListDecl<Item>& spec_;
     ListData<Item> data_;
 };
 

@@ -21,8 +21,8 @@ F Optional(std::string_view name, record::Slot<I> slot) {
     return f;
 }
 
-record::ListSpec<I> Build() {
-    record::ListSpec<I> s;
+record::ListDecl<I> Build() {
+    record::ListDecl<I> s;
     s.listTag = "MemoList";
     s.countTag = "MemoCount";
     s.itemTag = "MemoItem";
@@ -48,8 +48,8 @@ record::ListSpec<I> Build() {
 
 }  // namespace
 
-const record::ListSpec<cCustKihonMemoItem>& MemoList::Declaration() {
-    static const record::ListSpec<cCustKihonMemoItem> spec = Build();
+const record::ListDecl<cCustKihonMemoItem>& MemoList::Declaration() {
+    static const record::ListDecl<cCustKihonMemoItem> spec = Build();
     return spec;
 }
 

@@ -5,7 +5,7 @@
 #include <array>
 #include <string>
 
-#include "record/ListSpec.h"
+#include "record/ListDecl.h"
 #include "record/ListWorker.h"
 
 namespace morvane {
@@ -18,7 +18,7 @@ struct cCustKihonMemoItem : record::ListItem {
 class MemoList : public record::ListWorker<cCustKihonMemoItem> {
 public:
     MemoList() : ListWorker(Declaration()) {}
-    static const record::ListSpec<cCustKihonMemoItem>& Declaration();
+    static const record::ListDecl<cCustKihonMemoItem>& Declaration();
 };
 
 }  // namespace morvane

@@ -46,8 +46,8 @@ F Sennin(std::string_view name, std::string I::*member, size_t width) {
                    record::Slot<I>(member, [width](std::string v) { return PadSennin(v, width); }));
 }
 
-record::ListSpec<I> Build() {
-    record::ListSpec<I> s;
+record::ListDecl<I> Build() {
+    record::ListDecl<I> s;
     s.listTag = "ShokuinList";
     s.countTag = "ShokuinCount";
     s.itemTag = "ShokuinItem";
@@ -153,8 +153,8 @@ std::array<std::int16_t, 8> cCustKihonShokuinItem::SenninSikakuCode() const {
     return out;
 }
 
-const record::ListSpec<cCustKihonShokuinItem>& ShokuinList::Declaration() {
-    static const record::ListSpec<cCustKihonShokuinItem> spec = Build();
+const record::ListDecl<cCustKihonShokuinItem>& ShokuinList::Declaration() {
+    static const record::ListDecl<cCustKihonShokuinItem> spec = Build();
     return spec;
 }
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "record/ListSpec.h"
+#include "record/ListDecl.h"
 #include "record/ListWorker.h"
 
 namespace morvane {
@@ -42,7 +42,7 @@ struct cCustKihonShokuinItem : record::ListItem {
 class ShokuinList : public record::ListWorker<cCustKihonShokuinItem> {
 public:
     ShokuinList() : ListWorker(Declaration()) {}
-    static const record::ListSpec<cCustKihonShokuinItem>& Declaration();
+    static const record::ListDecl<cCustKihonShokuinItem>& Declaration();
 };
 
 // A Sennin text at its width: empty gives the default, else the value padded with zeros on

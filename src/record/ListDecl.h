@@ -34,7 +34,7 @@ enum class ListScope { Customer, Office };
 enum class VnoPolicy { Position, None };
 
 template <class Item>
-struct ListSpec {
+struct ListDecl {
     std::string_view root = "Customer";  // payload element below the document root
     ListScope scope = ListScope::Customer;
     std::string_view listTag;
