@@ -1,6 +1,6 @@
 #include "masters/cMastNyusatsukikan.h"
 
-#include "masters/MasterNames.h"
+#include "record/NumberedNames.h"
 #include "transport/mdlServerConst.h"
 
 namespace morvane {
@@ -9,10 +9,10 @@ namespace {
 using I = cMastNyusatsuKikanItem;
 using F = record::ListField<I>;
 
-constexpr auto kReceptionFlags = masters::Numbered<10, 16>("ReceptionFlags", 0, 1);
-constexpr auto kTel = masters::Numbered<3, 8>("TEL", 1, 1);
-constexpr auto kFax = masters::Numbered<3, 8>("FAX", 1, 1);
-constexpr auto kNeedDoc = masters::Numbered<100, 12>("NeedDoc", 0, 2);
+constexpr auto kReceptionFlags = record::Numbered<10, 16>("ReceptionFlags", 0, 1);
+constexpr auto kTel = record::Numbered<3, 8>("TEL", 1, 1);
+constexpr auto kFax = record::Numbered<3, 8>("FAX", 1, 1);
+constexpr auto kNeedDoc = record::Numbered<100, 12>("NeedDoc", 0, 2);
 
 // Each name of the table into one element of the array member.
 template <class Names, class Member>

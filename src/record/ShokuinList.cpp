@@ -1,9 +1,9 @@
 #include "record/ShokuinList.h"
 
-#include <deque>
 #include <string_view>
 
 #include "record/ListKinds.h"
+#include "record/NumberedNames.h"
 #include "record/mdlConvertH28ShikakuCode.h"
 #include "transport/mdlServerConst.h"
 
@@ -17,12 +17,20 @@ using record::Cmp;
 constexpr std::string_view kEraRead = "gee/MM/dd";
 constexpr std::string_view kEraCompare = "gee/mm/dd";
 
-std::string_view Name(std::string_view stem, size_t n) {
-    // Names live as long as the declaration: kept in one static pool.
-    static std::deque<std::string> pool;
-    pool.push_back(std::string(stem) + std::to_string(n));
-    return pool.back();
-}
+// The numbered tags and keys, from 1.
+constexpr auto kSikakuCode = record::Numbered<10, 16>("SikakuCode", 1, 1);
+constexpr auto kSikakuCodeKey = record::Numbered<10, 16>("sikakucode", 1, 1);
+constexpr auto kGyoshuCode = record::Numbered<2, 16>("GyoshuCode", 1, 1);
+constexpr auto kGyoshuCodeKey = record::Numbered<2, 16>("gyoshucode", 1, 1);
+constexpr auto kLicenceName = record::Numbered<5, 16>("LicenceName", 1, 1);
+constexpr auto kLicenceDateTag = record::Numbered<5, 16>("licencedate", 1, 1);
+constexpr auto kLicenceDateKey = record::Numbered<5, 16>("LicenceDate", 1, 1);
+constexpr auto kJitumuNen = record::Numbered<4, 16>("JitumuNen", 1, 1);
+constexpr auto kJitumuNenKey = record::Numbered<4, 16>("jitumunen", 1, 1);
+constexpr auto kBunrui = record::Numbered<16, 16>("Bunrui", 1, 1);
+constexpr auto kBunruiKey = record::Numbered<16, 16>("bunrui", 1, 1);
+constexpr auto kOther = record::Numbered<10, 16>("Other", 1, 1);
+constexpr auto kOtherKey = record::Numbered<10, 16>("other", 1, 1);
 
 // An era date: a date reads and loads as "gee/MM/dd", any other text as it stands.
 F Era(std::string_view name, record::Slot<I> slot) {
@@ -73,29 +81,25 @@ record::ListDecl<I> Build() {
     r.push_back(Era("BirthDate", &I::BirthDate));
     r.push_back(Era("SaiyoDate", &I::SaiyoDate));
     for (size_t i = 0; i < 10; ++i)
-        r.push_back(F::Integer(Name("SikakuCode", i + 1), {&I::SikakuCode, i})
-                        .Key(Name("sikakucode", i + 1)));
+        r.push_back(F::Integer(kSikakuCode[i], {&I::SikakuCode, i}).Key(kSikakuCodeKey[i]));
     for (size_t i = 0; i < 2; ++i)
-        r.push_back(F::Integer(Name("GyoshuCode", i + 1), {&I::GyoshuCode, i})
-                        .Key(Name("gyoshucode", i + 1)));
+        r.push_back(F::Integer(kGyoshuCode[i], {&I::GyoshuCode, i}).Key(kGyoshuCodeKey[i]));
     r.push_back(F::Text("KofuCode", &I::KofuCode).Key("kofucode"));
     r.push_back(F::Text("Seibetu", &I::Seibetu).Key("seibetu"));
     r.push_back(F::Text("Yakushoku", &I::Yakushoku));
     r.push_back(F::Text("School", &I::School).Key("school"));
     r.push_back(F::Text("Senko", &I::Senko).Key("senko"));
     for (size_t i = 0; i < 5; ++i) {
-        r.push_back(F::Text(Name("LicenceName", i + 1), {&I::LicenceName, i}));
-        r.push_back(
-            Era(Name("licencedate", i + 1), {&I::LicenceDate, i}).Key(Name("LicenceDate", i + 1)));
+        r.push_back(F::Text(kLicenceName[i], {&I::LicenceName, i}));
+        r.push_back(Era(kLicenceDateTag[i], {&I::LicenceDate, i}).Key(kLicenceDateKey[i]));
     }
     r.push_back(F::Text("Keireki", &I::Keireki).Key("keireki"));
     for (size_t i = 0; i < 4; ++i)
-        r.push_back(
-            F::Text(Name("JitumuNen", i + 1), {&I::JitumuNen, i}).Key(Name("jitumunen", i + 1)));
+        r.push_back(F::Text(kJitumuNen[i], {&I::JitumuNen, i}).Key(kJitumuNenKey[i]));
     r.push_back(F::Text("shokushu", &I::Shokusyu));
     r.push_back(F::Text("Biko", &I::Biko).Key("biko"));
     for (size_t i = 0; i < 16; ++i) {
-        F f = F::Text(Name("Bunrui", i + 1), {&I::Bunrui, i}).Key(Name("bunrui", i + 1));
+        F f = F::Text(kBunrui[i], {&I::Bunrui, i}).Key(kBunruiKey[i]);
         if (i == 10) f = WithCmp(f, Cmp::DateFormat, kEraCompare);
         if (i >= 13) f = WithCmp(f, Cmp::None);
         r.push_back(f);
@@ -104,7 +108,7 @@ record::ListDecl<I> Build() {
     r.push_back(F::Text("Jokin", record::Slot<I>(&I::Jokin, {"常勤", "非常勤"})).Key("jokin"));
     r.push_back(F::Text("Addr", &I::Addr).Key("addr"));
     for (size_t i = 0; i < 10; ++i)
-        r.push_back(F::Text(Name("Other", i + 1), {&I::other, i}).Key(Name("other", i + 1)));
+        r.push_back(F::Text(kOther[i], {&I::other, i}).Key(kOtherKey[i]));
     r.push_back(Sennin("SenninGyosyuN", &I::SenninGyosyuN_String, 31));
     r.push_back(Sennin("SenninGyosyu", &I::SenninGyosyu_String, 31));
     r.push_back(Sennin("SenninSikakuCode", &I::SenninSikakuCode_String, 16));

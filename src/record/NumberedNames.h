@@ -1,12 +1,12 @@
-// Numbered names ("NeedDoc00" to "NeedDoc99") made at compile time, so that the masters'
-// declarations can point at them for as long as the program runs.
+// Numbered names ("NeedDoc00" to "NeedDoc99", "Bunrui1" to "Bunrui16") made at compile time,
+// so that declarations can point at them for as long as the program runs.
 #pragma once
 
 #include <array>
 #include <cstddef>
 #include <string_view>
 
-namespace morvane::masters {
+namespace morvane::record {
 
 template <std::size_t N, std::size_t Len>
 struct NameTable {
@@ -36,4 +36,4 @@ constexpr NameTable<N, Len> Numbered(std::string_view prefix, int from, int digi
     return t;
 }
 
-}  // namespace morvane::masters
+}  // namespace morvane::record
