@@ -15,31 +15,6 @@ namespace {
 // the first 64 bytes of its 16-bit form are used. Installations depend on this reading.
 constexpr size_t kKeyWrap = 64;
 
-// One code point from UTF-8; an invalid sequence gives U+FFFD and consumes one byte.
-char32_t NextCodePoint(std::string_view s, size_t& i) {
-    const auto b0 = static_cast<unsigned char>(s[i]);
-    size_t len = b0 < 0x80           ? 1
-                 : (b0 >> 5) == 0x6  ? 2
-                 : (b0 >> 4) == 0xE  ? 3
-                 : (b0 >> 3) == 0x1E ? 4
-                                     : 0;
-    if (len == 0 || i + len > s.size()) {
-        ++i;
-        return 0xFFFD;
-    }
-    char32_t cp = len == 1 ? b0 : b0 & (0x7F >> len);
-    for (size_t k = 1; k < len; ++k) {
-        const auto b = static_cast<unsigned char>(s[i + k]);
-        if ((b & 0xC0) != 0x80) {
-            ++i;
-            return 0xFFFD;
-        }
-        cp = (cp << 6) | (b & 0x3F);
-    }
-    i += len;
-    return cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF) ? 0xFFFD : cp;
-}
-
 // The text's internal 16-bit form: two bytes per unit, low byte first.
 std::vector<std::uint8_t> ToUtf16Bytes(std::string_view s) {
     std::vector<std::uint8_t> out;
@@ -58,24 +33,6 @@ std::vector<std::uint8_t> ToUtf16Bytes(std::string_view s) {
         }
     }
     return out;
-}
-
-void AppendUtf8(std::string& out, char32_t cp) {
-    if (cp < 0x80) {
-        out += static_cast<char>(cp);
-    } else if (cp < 0x800) {
-        out += static_cast<char>(0xC0 | (cp >> 6));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    } else if (cp < 0x10000) {
-        out += static_cast<char>(0xE0 | (cp >> 12));
-        out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    } else {
-        out += static_cast<char>(0xF0 | (cp >> 18));
-        out += static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
-        out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    }
 }
 
 // Back from 16-bit units; a lone surrogate becomes U+FFFD, an odd last byte is dropped.

@@ -17,5 +17,9 @@ std::vector<std::string> Split(std::string_view s, std::string_view sep);
 std::string Join(const std::vector<std::string>& parts, std::string_view sep);
 std::string ReplaceAll(std::string s, std::string_view from, std::string_view to);
 bool StartsWith(std::string_view s, std::string_view prefix);
+// One code point from UTF-8 at i, moving i past it; an invalid sequence gives U+FFFD and
+// moves one byte.
+char32_t NextCodePoint(std::string_view s, size_t& i);
+void AppendUtf8(std::string& out, char32_t cp);
 
 }  // namespace morvane
