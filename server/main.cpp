@@ -9,6 +9,7 @@
 #include <mutex>
 #include <string>
 
+#include "platform/AtomicFile.h"
 #include "server/MorvaneServer.h"
 
 namespace {
@@ -36,12 +37,7 @@ int Serve(ServerOptions options, const std::string& portFile, bool quiet) {
     server.Start();
     if (!portFile.empty()) {
         // Written whole under another name first, so a script never reads half of it.
-        const std::string temp = portFile + ".tmp";
-        {
-            std::ofstream out(temp, std::ios::trunc);
-            out << server.Port() << '\n';
-        }
-        std::filesystem::rename(temp, portFile);
+        morvane::platform::WriteFileAtomically(portFile, std::to_string(server.Port()) + "\n");
     }
     std::cout << "morvane-server listening on " << server.BaseUrl() << " certificate "
               << server.CertFile().string() << std::endl;

@@ -1,15 +1,13 @@
 #include "server/files/FileStore.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
 #include <system_error>
 
-#include "server/crypto/Secrets.h"
+#include "platform/AtomicFile.h"
 #include "server/util/Text.h"
 
 namespace morvane::server {
@@ -18,44 +16,14 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Closes a POSIX descriptor on every way out.
-class Fd {
-public:
-    explicit Fd(int fd) : fd_(fd) {}
-    ~Fd() {
-        if (fd_ >= 0) ::close(fd_);
-    }
-    Fd(const Fd&) = delete;
-    Fd& operator=(const Fd&) = delete;
-    int Get() const { return fd_; }
-    int Release() {
-        int fd = fd_;
-        fd_ = -1;
-        return fd;
-    }
-
-private:
-    int fd_;
-};
-
-void WriteAll(int fd, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const auto n = ::write(fd, bytes.data(), bytes.size());
-        if (n < 0) {
-            if (errno == EINTR) continue;
-            throw std::system_error(errno, std::generic_category(), "write");
-        }
-        bytes.remove_prefix(static_cast<std::size_t>(n));
-    }
+timespec TimeSpecOf(std::chrono::system_clock::time_point t) {
+    const auto ns = std::chrono::duration_cast<std::chrono::nanoseconds>(t.time_since_epoch());
+    return timespec{static_cast<time_t>(ns.count() / 1000000000),
+                    static_cast<long>(ns.count() % 1000000000)};
 }
 
-void SetModified(const fs::path& path, std::chrono::system_clock::time_point t) {
-    const auto ns = std::chrono::duration_cast<std::chrono::nanoseconds>(t.time_since_epoch());
-    timespec times[2];
-    times[0].tv_sec = times[1].tv_sec = static_cast<time_t>(ns.count() / 1000000000);
-    times[0].tv_nsec = times[1].tv_nsec = static_cast<long>(ns.count() % 1000000000);
-    if (::utimensat(AT_FDCWD, path.c_str(), times, 0) != 0)
-        throw std::system_error(errno, std::generic_category(), "utimensat");
+[[noreturn]] void Fail(int err, const char* what) {
+    throw std::system_error(err, std::generic_category(), what);
 }
 
 }  // namespace
@@ -112,24 +80,11 @@ FileInfo FileStore::Write(const FileKey& key, const std::string& name, std::stri
                           std::chrono::system_clock::time_point modified) {
     const auto target = PathOf(key, name);
     fs::create_directories(target.parent_path());
-    const auto temp = target.parent_path() / (".upload-" + RandomHex(8));
-    try {
-        {
-            Fd fd(::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0640));
-            if (fd.Get() < 0) throw std::system_error(errno, std::generic_category(), "open");
-            WriteAll(fd.Get(), bytes);
-            if (::fsync(fd.Get()) != 0)
-                throw std::system_error(errno, std::generic_category(), "fsync");
-            if (::close(fd.Release()) != 0)
-                throw std::system_error(errno, std::generic_category(), "close");
-        }
-        SetModified(temp, modified);
-        fs::rename(temp, target);
-    } catch (...) {
-        std::error_code ignored;
-        fs::remove(temp, ignored);
-        throw;
-    }
+    auto next = platform::AtomicFile::Create(target, 0640);
+    if (!next) Fail(errno, "open");
+    if (!next->Write(bytes)) Fail(errno, "write");
+    if (!next->SetModified(TimeSpecOf(modified))) Fail(errno, "utimensat");
+    if (const int err = next->Commit()) Fail(err, "rename");
     auto out = Info(key, name);
     if (!out) throw std::runtime_error("stored file vanished");
     return *out;
@@ -139,7 +94,9 @@ bool FileStore::Remove(const FileKey& key, const std::string& name) {
     const auto path = PathOf(key, name);
     std::error_code ec;
     if (!fs::is_regular_file(path, ec)) return false;
-    return fs::remove(path);
+    if (!fs::remove(path)) return false;
+    platform::SyncFolder(path.parent_path());
+    return true;
 }
 
 bool FileStore::Rename(const FileKey& key, const std::string& from, const std::string& to) {
@@ -148,6 +105,7 @@ bool FileStore::Rename(const FileKey& key, const std::string& from, const std::s
     std::error_code ec;
     if (!fs::is_regular_file(src, ec)) return false;
     fs::rename(src, dst);
+    platform::SyncFolder(dst.parent_path());
     return true;
 }
 

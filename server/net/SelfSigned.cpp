@@ -1,5 +1,6 @@
 #include "server/net/SelfSigned.h"
 
+#include <openssl/bio.h>
 #include <openssl/ec.h>
 #include <openssl/evp.h>
 #include <openssl/pem.h>
@@ -8,9 +9,12 @@
 #include <openssl/x509v3.h>
 #include <sys/stat.h>
 
-#include <cstdio>
+#include <string_view>
+#include <system_error>
 #include <memory>
 #include <stdexcept>
+
+#include "platform/AtomicFile.h"
 
 namespace morvane::server {
 
@@ -22,7 +26,7 @@ struct Deleter {
     void operator()(X509* p) const { X509_free(p); }
     void operator()(X509_EXTENSION* p) const { X509_EXTENSION_free(p); }
     void operator()(BIGNUM* p) const { BN_free(p); }
-    void operator()(FILE* p) const { std::fclose(p); }
+    void operator()(BIO* p) const { BIO_free(p); }
 };
 template <class T>
 using Owned = std::unique_ptr<T, Deleter>;
@@ -39,12 +43,17 @@ void AddExtension(X509* cert, int nid, const char* value) {
     if (!ext || X509_add_ext(cert, ext.get(), -1) != 1) Fail("extension");
 }
 
-Owned<FILE> OpenForWrite(const std::filesystem::path& file, mode_t mode) {
-    const mode_t old = umask(0777 & ~mode);
-    Owned<FILE> f(std::fopen(file.c_str(), "wb"));
-    umask(old);
-    if (!f) Fail("cannot write file");
-    return f;
+// PEM text built in memory, then put in place whole.
+template <class WritePem>
+void WritePemFile(const std::filesystem::path& file, mode_t mode, const char* what,
+                  WritePem write) {
+    Owned<BIO> bio(BIO_new(BIO_s_mem()));
+    if (!bio || write(bio.get()) != 1) Fail(what);
+    char* data = nullptr;
+    const long size = BIO_get_mem_data(bio.get(), &data);
+    if (size < 0 || platform::WriteFileAtomically(
+                        file, std::string_view(data, static_cast<size_t>(size)), mode) != 0)
+        Fail("cannot write file");
 }
 
 }  // namespace
@@ -82,13 +91,16 @@ void MakeSelfSignedPair(const std::filesystem::path& certFile,
     AddExtension(cert.get(), NID_subject_alt_name, "IP:127.0.0.1,DNS:localhost");
     if (X509_sign(cert.get(), key.get(), EVP_sha256()) == 0) Fail("sign");
 
-    {
-        auto f = OpenForWrite(keyFile, 0600);
-        if (PEM_write_PrivateKey(f.get(), key.get(), nullptr, nullptr, 0, nullptr, nullptr) != 1)
-            Fail("write key");
-    }
-    auto f = OpenForWrite(certFile, 0644);
-    if (PEM_write_X509(f.get(), cert.get()) != 1) Fail("write certificate");
+    // The certificate goes first and comes back last: a pair cut short lacks its certificate
+    // and is made afresh, never left as a key that does not match it.
+    std::error_code ec;
+    std::filesystem::remove(certFile, ec);
+    platform::SyncFolder(certFile.parent_path().empty() ? "." : certFile.parent_path());
+    WritePemFile(keyFile, 0600, "write key", [&](BIO* bio) {
+        return PEM_write_bio_PrivateKey(bio, key.get(), nullptr, nullptr, 0, nullptr, nullptr);
+    });
+    WritePemFile(certFile, 0644, "write certificate",
+                 [&](BIO* bio) { return PEM_write_bio_X509(bio, cert.get()); });
 }
 
 }  // namespace morvane::server

@@ -1,12 +1,16 @@
 #include "dated/cCustDataFile.h"
 
 #include <array>
+#include <cerrno>
 #include <cmath>
 #include <exception>
 #include <filesystem>
 #include <optional>
 #include <system_error>
 
+#include "platform/AtomicFile.h"
+#include "platform/ScratchFolder.h"
+#include "platform/Trash.h"
 #include "platform/Xml.h"
 #include "session/mdlErrTrap.h"
 #include "session/mdlLogin.h"
@@ -20,7 +24,6 @@
 #include "util/Text.h"
 #include "util/basFileTime.h"
 #include "util/basGetCRC.h"
-#include "util/basShell.h"
 #include "util/basTempPath.h"
 #include "util/mdlFileExist1.h"
 
@@ -64,18 +67,15 @@ std::int32_t Guarded(Body body) {
     return result;
 }
 
-// Renames the downloaded file into place; a temporary folder on another file system is
-// crossed by a copy that keeps the modification time.
-void MoveInto(const fs::path& from, const fs::path& to) {
-    std::error_code ec;
-    fs::rename(from, to, ec);
-    if (!ec) return;
-    if (ec != std::errc::cross_device_link)
-        throw RuntimeError(errnum::kPathFileAccess,
-                           "cannot move " + from.string() + ": " + ec.message());
-    fs::copy_file(from, to, fs::copy_options::none);
-    fs::last_write_time(to, fs::last_write_time(from));
-    fs::remove(from, ec);
+// A download that never finished leaves its new version beside the file: what is there may
+// be an old copy the server has moved on from, so it is fetched again and never sent.
+bool DownloadUnfinished(const std::string& localFile) {
+    return !platform::LeftoverVersions(localFile).empty();
+}
+
+[[noreturn]] void FailOn(const std::string& what, const std::string& path) {
+    throw RuntimeError(errnum::kPathFileAccess,
+                       what + " " + path + ": " + std::generic_category().message(errno));
 }
 
 std::string JudgedPost(std::string_view path, const std::string& body) {
@@ -138,6 +138,7 @@ std::int32_t cCustDataFile::CompareLocalFile(const std::string& localFile) const
         GetFileTimes(localFile, created, accessed, modified) == 1 ? modified.StampText() : "";
 
     if (EqualsNoCase(localCrc, hash_) && localSize == fileSize_) return 0;
+    if (DownloadUnfinished(localFile)) return 1;
     // The content differs: the times only tell the direction, and a tie counts as local.
     const std::optional<DateValue> server = DateValue::Parse(lastModified_);
     const std::optional<DateValue> local = DateValue::Parse(localText);
@@ -149,28 +150,39 @@ std::int32_t cCustDataFile::CompareLocalFile(const std::string& localFile) const
 std::int32_t cCustDataFile::SyncDownloadFile(DataFileKind kind, std::int32_t custId,
                                              const std::string& localFile) {
     return Guarded([&]() -> std::int32_t {
-        const std::string temp = GetTempFolder(1024);
+        MakePath(GetParentPath(localFile));
+        // The new version is opened beside the file before anything moves: should the process
+        // die during the transfer, it is left there and tells the next run so.
+        auto incoming = platform::AtomicFile::Create(localFile);
+        if (!incoming) FailOn("cannot write beside", localFile);
+        // A folder of this download's own: no other run, and nothing planted, shares its names.
+        auto scratch = platform::ScratchFolder::Create(GetTempFolder(1024));
+        if (!scratch) FailOn("cannot make a temporary folder for", localFile);
         const std::string name = GetFileNamePart(localFile);
+        const std::string folder = scratch->Path().string();
         const std::string result = ServerDownloadFile(
-            PagesOf(kind).download, FileBody(custId, localFile), temp, name, owner_);
-        const std::string downloaded = temp + name;
+            PagesOf(kind).download, FileBody(custId, localFile), folder, name, owner_);
+        const std::string downloaded = folder + kPathSeparator + name;
         if (!FileExists(downloaded) || !EqualsNoCase(result, "True")) return 0;
         // The size alone accepts a download: the server's hash plays no part here.
         if (static_cast<long long>(fs::file_size(downloaded)) != fileSize_) return 0;
+        if (!incoming->CopyFrom(downloaded)) FailOn("cannot write", incoming->TempPath().string());
         if (const auto stamp = DateValue::Parse(lastModified_)) {
+            const std::string fresh = incoming->TempPath().string();
             DateValue created, accessed, modified;
-            if (GetFileTimes(downloaded, created, accessed, modified) == 1)
-                SetFileTimes(downloaded, created, accessed, *stamp);
+            if (GetFileTimes(fresh, created, accessed, modified) == 1)
+                SetFileTimes(fresh, created, accessed, *stamp);
         }
-        if (FileExists(localFile)) {
-            ShellFileOperation(localFile, kFofAllowUndo | kFofNoConfirmation, nullptr, "");
-            // The old copy is never overwritten where it could not go to the trash.
-            if (FileExists(localFile))
-                throw RuntimeError(errnum::kPathFileAccess,
-                                   "cannot move the old file to the trash: " + localFile);
+        // The old copy reaches the trash before the new one takes its name, so the file is
+        // always one whole version or the other, and the old one is never lost.
+        const int err = incoming->Commit([&]() -> int {
+            return FileExists(localFile) ? platform::CopyToTrash(localFile) : 0;
+        });
+        if (err) {
+            errno = err;
+            FailOn("cannot replace", localFile);
         }
-        MakePath(GetParentPath(localFile));
-        MoveInto(downloaded, localFile);
+        platform::RemoveLeftoverVersions(localFile);
         return 1;
     });
 }
@@ -179,6 +191,11 @@ std::int32_t cCustDataFile::SyncUploadFile(DataFileKind kind, std::int32_t custI
                                            const std::string& localFile) {
     return Guarded([&]() -> std::int32_t {
         if (!FileExists(localFile)) return 0;
+        if (DownloadUnfinished(localFile))
+            throw RuntimeError(errnum::kPathFileAccess,
+                               "not sent: a download of this file did not finish, so it may not "
+                               "be what was saved here; synchronise again to fetch it: " +
+                                   localFile);
         const std::string reply =
             ServerUploadFile(PagesOf(kind).upload, GetLoginID(), GetLoginToken(),
                              std::to_string(custId), localFile, owner_);

@@ -9,6 +9,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "platform/AtomicFile.h"
 #include "util/Text.h"
 
 namespace morvane::platform {
@@ -33,25 +34,6 @@ public:
 
 private:
     int fd_ = -1;
-};
-
-class Descriptor {
-public:
-    explicit Descriptor(int fd) : fd_(fd) {}
-    ~Descriptor() {
-        if (fd_ >= 0) ::close(fd_);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    int Get() const { return fd_; }
-    int Release() {
-        int fd = fd_;
-        fd_ = -1;
-        return fd;
-    }
-
-private:
-    int fd_;
 };
 
 std::string Escape(std::string_view v) {
@@ -98,16 +80,6 @@ std::map<std::string, std::string> Parse(const std::filesystem::path& file) {
         values[line.substr(0, eq)] = Unescape(std::string_view(line).substr(eq + 1));
     }
     return values;
-}
-
-bool WriteAll(int fd, const std::string& data) {
-    size_t done = 0;
-    while (done < data.size()) {
-        const ssize_t n = ::write(fd, data.data() + done, data.size() - done);
-        if (n < 0) return false;
-        done += static_cast<size_t>(n);
-    }
-    return true;
 }
 
 }  // namespace
@@ -164,14 +136,9 @@ bool SettingsStore::Write(const SettingsKey& key, std::string_view name,
     text << "# Morvane settings; every value is text.\n";
     for (const auto& [n, v] : values) text << n << '=' << Escape(v) << '\n';
 
-    std::string tmp = file.string() + ".XXXXXX";
-    Descriptor fd(::mkstemp(tmp.data()));
-    if (fd.Get() < 0) return false;
-    const bool ok = ::fchmod(fd.Get(), 0600) == 0 && WriteAll(fd.Get(), text.str()) &&
-                    ::fsync(fd.Get()) == 0 && ::close(fd.Release()) == 0 &&
-                    ::rename(tmp.c_str(), file.c_str()) == 0;
-    if (!ok) ::unlink(tmp.c_str());
-    return ok;
+    auto next = AtomicFile::Create(file, 0600);
+    // The file holds the running token: its owner alone reads it, whatever it was before.
+    return next && next->SetMode(0600) && next->Write(text.str()) && next->Commit() == 0;
 }
 
 }  // namespace morvane::platform

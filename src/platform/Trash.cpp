@@ -1,12 +1,15 @@
 #include "platform/Trash.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
 #include <ctime>
 #include <string>
+
+#include "platform/AtomicFile.h"
 
 namespace morvane::platform {
 namespace {
@@ -54,17 +57,19 @@ int ClaimName(const fs::path& infoDir, const std::string& name, const std::strin
     return err;
 }
 
-}  // namespace
-
-fs::path TrashFolder() {
-    if (const char* data = std::getenv("XDG_DATA_HOME"); data && *data)
-        return fs::path(data) / "Trash";
-    if (const char* home = std::getenv("HOME"); home && *home)
-        return fs::path(home) / ".local" / "share" / "Trash";
-    return {};
+// A copy with the original's mode and modification time, written whole or not at all.
+int CopyWhole(const fs::path& source, const fs::path& target) {
+    struct stat st {};
+    if (::stat(source.c_str(), &st) != 0) return errno;
+    auto copy = AtomicFile::Create(target, st.st_mode & 07777);
+    if (!copy) return errno ? errno : EIO;
+    if (!copy->CopyFrom(source) || !copy->SetModified(st.st_mtim)) return errno ? errno : EIO;
+    return copy->Commit();
 }
 
-int MoveToTrash(const fs::path& file) {
+// Claims a free name in the trash for the file and fills it by place(source, trashed file).
+template <class Place>
+int IntoTrash(const fs::path& file, Place place) {
     std::error_code ec;
     const fs::path source = fs::absolute(file, ec);
     if (ec || !fs::exists(fs::symlink_status(source, ec))) return ENOENT;
@@ -82,7 +87,29 @@ int MoveToTrash(const fs::path& file) {
         const int claimed = ClaimName(trash / "info", name, note);
         if (claimed == EEXIST) continue;
         if (claimed) return claimed;
-        const fs::path target = trash / "files" / name;
+        if (const int err = place(source, trash / "files" / name)) {
+            std::error_code ignored;
+            fs::remove(trash / "info" / (name + ".trashinfo"), ignored);
+            return err;
+        }
+        return 0;
+    }
+    return EEXIST;
+}
+
+}  // namespace
+
+fs::path TrashFolder() {
+    if (const char* data = std::getenv("XDG_DATA_HOME"); data && *data)
+        return fs::path(data) / "Trash";
+    if (const char* home = std::getenv("HOME"); home && *home)
+        return fs::path(home) / ".local" / "share" / "Trash";
+    return {};
+}
+
+int MoveToTrash(const fs::path& file) {
+    return IntoTrash(file, [](const fs::path& source, const fs::path& target) {
+        std::error_code ec;
         fs::rename(source, target, ec);
         if (ec == std::errc::cross_device_link) {
             // Another file system: copy, then remove the original only once the copy is whole.
@@ -90,14 +117,16 @@ int MoveToTrash(const fs::path& file) {
             fs::copy(source, target, fs::copy_options::recursive, ec);
             if (!ec) fs::remove_all(source, ec);
         }
-        if (ec) {
-            std::error_code ignored;
-            fs::remove(trash / "info" / (name + ".trashinfo"), ignored);
-            return ec.value();
-        }
-        return 0;
-    }
-    return EEXIST;
+        return ec.value();
+    });
+}
+
+int CopyToTrash(const fs::path& file) {
+    return IntoTrash(file, [](const fs::path& source, const fs::path& target) {
+        if (::link(source.c_str(), target.c_str()) == 0) return 0;
+        if (errno != EXDEV && errno != EPERM && errno != EMLINK) return errno;
+        return CopyWhole(source, target);
+    });
 }
 
 }  // namespace morvane::platform

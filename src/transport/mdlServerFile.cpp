@@ -1,10 +1,10 @@
 #include "transport/mdlServerFile.h"
 
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <system_error>
 
+#include "platform/AtomicFile.h"
 #include "session/ProcessState.h"
 #include "transport/frmFileDownloadProgress.h"
 #include "transport/frmFileUploadProgress.h"
@@ -13,20 +13,6 @@
 #include "util/mdlFileExist1.h"
 
 namespace morvane {
-namespace {
-namespace fs = std::filesystem;
-
-bool SaveNew(const fs::path& target, const std::string& bytes) {
-    std::error_code ec;
-    if (fs::exists(target, ec)) fs::remove(target, ec);
-    if (ec || fs::exists(target, ec)) return false;
-    std::ofstream out(target, std::ios::binary | std::ios::trunc);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    out.close();
-    return !out.fail();
-}
-
-}  // namespace
 
 bool ServerDownloadFileDirect(std::string_view url, std::string_view postData,
                               std::string_view downloadPath, std::string_view fileTitle) {
@@ -37,7 +23,9 @@ bool ServerDownloadFileDirect(std::string_view url, std::string_view postData,
         // The separator is always added: a doubled one names the same folder.
         const std::string target =
             std::string(downloadPath) + kPathSeparator + std::string(fileTitle);
-        return SaveNew(target, reply.body);
+        // A new file under a fresh name, renamed over any earlier one: a link planted at the
+        // target is replaced, never written through.
+        return platform::WriteFileAtomically(target, reply.body) == 0;
     } catch (...) {
         return false;
     }

@@ -6,13 +6,17 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <optional>
 
 #include "dated/cCustDataFile.h"
+#include "platform/AtomicFile.h"
 #include "session/DispatchTable.h"
 #include "session/ProcessState.h"
 #include "session/ctrlMorvane.h"
 #include "session/mdlLogin.h"
 #include "support/MorvaneTest.h"
+#include "support/LeftoverWrite.h"
+#include "support/ScopedEnv.h"
 #include "util/basFileTime.h"
 #include "util/basGetCRC.h"
 
@@ -40,17 +44,13 @@ protected:
         data_ = temp_.Path() / "data";
         fs::create_directories(tmp_);
         fs::create_directories(data_);
-        if (const char* old = std::getenv("TMPDIR")) oldTmp_ = old;
-        setenv("TMPDIR", tmp_.c_str(), 1);
+        tmpDir_.emplace("TMPDIR", tmp_.string());
         m_ = std::make_unique<ctrlMorvane>();  // before the login, which it resets
         LogIn("T1");
     }
     void TearDown() override {
         m_.reset();
-        if (oldTmp_.empty())
-            unsetenv("TMPDIR");
-        else
-            setenv("TMPDIR", oldTmp_.c_str(), 1);
+        tmpDir_.reset();
         MorvaneTest::TearDown();
     }
 
@@ -94,8 +94,21 @@ protected:
     }
 
     std::unique_ptr<ctrlMorvane> m_;
+    // What the trash holds under a file name, or nothing.
+    std::optional<std::string> Trashed(const std::string& name) const {
+        const fs::path file = temp_.Path() / "data-home" / "Trash" / "files" / name;
+        if (!fs::exists(file)) return std::nullopt;
+        return Read(file.string());
+    }
+    // Nothing of a download is left in the temporary folder or beside the file.
+    void ExpectNoDownloadLeft(const std::string& local) const {
+        EXPECT_TRUE(fs::is_empty(tmp_));
+        EXPECT_TRUE(platform::LeftoverVersions(local).empty());
+    }
+
+    std::unique_ptr<ctrlMorvane> m_;
     fs::path tmp_, data_;
-    std::string oldTmp_;
+    std::optional<ScopedEnv> tmpDir_;
 };
 
 TEST_F(DataFileTest, ReadXmlNeedsTheCustomerAndOneItemOfAnyKind) {
@@ -195,8 +208,8 @@ TEST_F(DataFileTest, DownloadOfTheRightSizeReplacesTrashesAndStampsWhateverItsCr
     EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
     EXPECT_EQ(Read(local), "NEW content");
     EXPECT_EQ(Modified(local), "2024/03/04 05:06:07");
-    EXPECT_EQ(kit_->TrashedFiles(), std::vector<std::string>{local});
-    EXPECT_FALSE(fs::exists(tmp_ / "a.pdf"));
+    EXPECT_EQ(Trashed("a.pdf"), "old content");
+    ExpectNoDownloadLeft(local);
     EXPECT_EQ(server_->RequestsTo("customer/getKessanFile.php").at(0).body,
               "ID=user1&token=T2&CustomerID=7&FileName=a.pdf&");
     EXPECT_TRUE(kit_->Boxes().empty());
@@ -210,8 +223,51 @@ TEST_F(DataFileTest, DownloadOfTheWrongSizeLeavesTheLocalFileAndStillAnswersOne)
     ASSERT_EQ(m.CompareCustomerKyokaFile(7, local), 1);
     EXPECT_EQ(m.SyncDownloadCustomerKyokaFile(7, local, nullptr), 1);
     EXPECT_EQ(Read(local), "old");
-    EXPECT_TRUE(kit_->TrashedFiles().empty());
-    EXPECT_EQ(Read((tmp_ / "a.pdf").string()), "<html>error</html>");  // left behind
+    EXPECT_EQ(Trashed("a.pdf"), std::nullopt);
+    ExpectNoDownloadLeft(local);
+}
+
+TEST_F(DataFileTest, AFileWhoseDownloadWasCutShortIsFetchedAgainAndNeverSent) {
+    // Newer here by its time: were the cut-short download not seen, it would go up.
+    const std::string local = Write("a.pdf", "old content", "2030/01/01 00:00:00");
+    LeaveUnfinishedWrite(local);
+    ServerHas("customer/getKessanFileHash.php", "KessanFile", "the server's", "2024/03/04 05:06:07");
+    server_->On("customer/getKessanFile.php", "the server's");
+    ServerHas("customer/setKessanFile.php", "KessanFile", "the server's", "2024/03/04 05:06:07");
+    ctrlMorvane& m = *m_;
+    EXPECT_EQ(m.SyncUploadCustomerKessanFile(7, local, nullptr), 0);
+    EXPECT_TRUE(server_->RequestsTo("customer/setKessanFile.php").empty());
+    EXPECT_EQ(kit_->Boxes().size(), 1u);
+
+    ASSERT_EQ(m.CompareCustomerKessanFile(7, local), 1);
+    EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
+    EXPECT_EQ(Read(local), "the server's");
+    EXPECT_EQ(Trashed("a.pdf"), "old content");
+    ExpectNoDownloadLeft(local);
+    EXPECT_EQ(m.CompareCustomerKessanFile(7, local), 0);
+    EXPECT_EQ(m.SyncUploadCustomerKessanFile(7, local, nullptr), 1);
+}
+
+TEST_F(DataFileTest, DownloadNeverWritesThroughALinkPlantedOnItsWay) {
+    const fs::path victim = temp_.Path() / "victim";
+    const std::string local = (data_ / "a.pdf").string();
+    ctrlMorvane& m = *m_;
+    for (const bool asTheFile : {false, true}) {
+        SCOPED_TRACE(asTheFile ? "a link as the file" : "a link in the temporary folder");
+        std::ofstream(victim) << "precious";
+        const fs::path link = asTheFile ? fs::path(local) : tmp_ / "a.pdf";
+        fs::create_symlink(victim, link);
+        ServerHas("customer/getKessanFileHash.php", "KessanFile", "server bytes",
+                  "2099/03/04 05:06:07");
+        server_->On("customer/getKessanFile.php", "server bytes");
+        ASSERT_EQ(m.CompareCustomerKessanFile(7, local), 1);
+        EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
+        EXPECT_EQ(Read(victim.string()), "precious");
+        EXPECT_FALSE(fs::is_symlink(local));
+        EXPECT_EQ(Read(local), "server bytes");
+        EXPECT_TRUE(platform::LeftoverVersions(local).empty());
+        fs::remove(asTheFile ? fs::path(local) : link);
+    }
 }
 
 TEST_F(DataFileTest, DownloadCreatesTheFoldersAndFetchesForItselfUnderTheOption) {

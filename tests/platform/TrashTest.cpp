@@ -1,10 +1,14 @@
 // Deleting with undo: the file goes into the user's trash with a note of where it was.
 #include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/stat.h>
 
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
+#include <vector>
 
+#include "platform/AtomicFile.h"
 #include "platform/Forms.h"
 #include "platform/Trash.h"
 #include "support/TempDir.h"
@@ -62,6 +66,29 @@ TEST_F(TrashTest, FileMovesWithItsNoteAndNamesNeverCollide) {
     ASSERT_EQ(kit.MoveToTrash(second.string()), 0);
     EXPECT_EQ(Read(trash / "files" / "決算 2024.pdf"), "one");
     EXPECT_EQ(Read(trash / "files" / "決算 2024.pdf.2"), "two");
+}
+
+TEST_F(TrashTest, ACopyStaysWholeInTheTrashWhenTheFileIsThenReplaced) {
+    // The trash beside the file takes a link; one on another file system a copy.
+    std::vector<fs::path> trashes{dir_.Path() / "data"};
+    std::string shm = "/dev/shm/morvane-trash-XXXXXX";
+    struct stat here {}, there {};
+    const bool otherFs = ::stat("/dev/shm", &there) == 0 &&
+                         ::stat(dir_.Path().c_str(), &here) == 0 && here.st_dev != there.st_dev &&
+                         ::mkdtemp(shm.data()) != nullptr;
+    if (otherFs) trashes.push_back(shm);
+    for (const fs::path& data : trashes) {
+        SCOPED_TRACE(data.string());
+        ::setenv("XDG_DATA_HOME", data.c_str(), 1);
+        const fs::path file = Write("a.pdf", "old copy");
+        ASSERT_EQ(platform::CopyToTrash(file), 0);
+        ASSERT_EQ(platform::WriteFileAtomically(file, "new copy"), 0);
+        EXPECT_EQ(Read(file), "new copy");
+        EXPECT_EQ(Read(data / "Trash" / "files" / "a.pdf"), "old copy");
+        EXPECT_NE(Read(data / "Trash" / "info" / "a.pdf.trashinfo").find("a.pdf"),
+                  std::string::npos);
+    }
+    if (otherFs) fs::remove_all(shm);
 }
 
 TEST_F(TrashTest, MissingFileIsAnErrorAndNothingIsWritten) {

@@ -1,5 +1,5 @@
-// The fixture of tests that run the component: a fresh process state, a settings store in
-// a temporary folder, the scripted toolkit, and an HTTPS test server that the settings
+// The fixture of tests that run the component: a fresh process state, a settings store and a
+// trash in a temporary folder, the scripted toolkit, and an HTTPS test server that the settings
 // name as the server.
 #pragma once
 
@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "support/ScopedEnv.h"
 #include "support/ScriptedToolkit.h"
 #include "support/TempDir.h"
 #include "support/TestServer.h"
@@ -26,6 +27,8 @@ protected:
     std::string Setting(const std::string& name);
 
     TempDir temp_;
+    // The trash of this test's own: what the component throws away never reaches the user's.
+    ScopedEnv dataHome_{"XDG_DATA_HOME", (temp_.Path() / "data-home").string()};
     std::unique_ptr<TestServer> server_;
     std::shared_ptr<ScriptedToolkit> kit_;
 };

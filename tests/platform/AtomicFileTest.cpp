@@ -1,0 +1,182 @@
+// Files replaced whole or not at all: the new version, its mode and time, a failed write, a
+// planted link, a writer killed half way, and the private folders of a download.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <string>
+
+#include "platform/AtomicFile.h"
+#include "platform/ScratchFolder.h"
+#include "support/LeftoverWrite.h"
+#include "support/TempDir.h"
+
+namespace morvane::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class AtomicFileTest : public ::testing::Test {
+protected:
+    fs::path Write(const std::string& name, const std::string& bytes, mode_t mode = 0644) {
+        const fs::path p = dir_.Path() / name;
+        std::ofstream(p, std::ios::binary) << bytes;
+        fs::permissions(p, static_cast<fs::perms>(mode));
+        return p;
+    }
+    static std::string Read(const fs::path& p) {
+        std::ifstream in(p, std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    }
+    static mode_t ModeOf(const fs::path& p) {
+        struct stat st {};
+        EXPECT_EQ(::lstat(p.c_str(), &st), 0);
+        return st.st_mode & 07777;
+    }
+    // Everything in the folder but the named files.
+    std::set<std::string> Others(std::set<std::string> known) const {
+        std::set<std::string> others;
+        for (const auto& e : fs::directory_iterator(dir_.Path()))
+            if (!known.count(e.path().filename().string()))
+                others.insert(e.path().filename().string());
+        return others;
+    }
+
+    TempDir dir_;
+};
+
+TEST_F(AtomicFileTest, ReplacementKeepsTheOldModeAndANewFileTakesTheGivenOne) {
+    const fs::path old = Write("決算.pdf", "old", 0640);
+    ASSERT_EQ(platform::WriteFileAtomically(old, "new bytes", 0600), 0);
+    EXPECT_EQ(Read(old), "new bytes");
+    EXPECT_EQ(ModeOf(old), 0640u);
+
+    const mode_t mask = ::umask(022);
+    const fs::path fresh = dir_.Path() / "fresh.conf";
+    ASSERT_EQ(platform::WriteFileAtomically(fresh, "", 0666), 0);
+    EXPECT_EQ(ModeOf(fresh), 0644u);
+    auto exact = platform::AtomicFile::Create(fresh);
+    ASSERT_TRUE(exact);
+    ASSERT_TRUE(exact->SetMode(0600));
+    ASSERT_EQ(exact->Commit(), 0);
+    ::umask(mask);
+    EXPECT_EQ(ModeOf(fresh), 0600u);
+    EXPECT_EQ(Others({"決算.pdf", "fresh.conf"}), std::set<std::string>{});
+}
+
+TEST_F(AtomicFileTest, TheNewVersionIsUnseenUntilCommittedAndCarriesItsTime) {
+    const fs::path file = Write("a.pdf", "old");
+    auto next = platform::AtomicFile::Create(file);
+    ASSERT_TRUE(next);
+    EXPECT_EQ(next->TempPath().parent_path(), file.parent_path());
+    ASSERT_TRUE(next->Write("new "));
+    const fs::path source = Write("source", "and more");
+    ASSERT_TRUE(next->CopyFrom(source));
+    ASSERT_TRUE(next->SetModified(timespec{1700000000, 0}));
+    EXPECT_EQ(Read(file), "old");
+    EXPECT_EQ(platform::LeftoverVersions(file), std::vector<fs::path>{next->TempPath()});
+    ASSERT_EQ(next->Commit(), 0);
+    EXPECT_EQ(Read(file), "new and more");
+    struct stat st {};
+    ASSERT_EQ(::stat(file.c_str(), &st), 0);
+    EXPECT_EQ(st.st_mtim.tv_sec, 1700000000);
+    EXPECT_TRUE(platform::LeftoverVersions(file).empty());
+}
+
+TEST_F(AtomicFileTest, AnythingThatFailsLeavesTheOldFileAndNoLeftover) {
+    const fs::path file = Write("a.pdf", "old");
+    {
+        auto dropped = platform::AtomicFile::Create(file);
+        ASSERT_TRUE(dropped);
+        ASSERT_TRUE(dropped->Write("never committed"));
+    }
+    {
+        auto refused = platform::AtomicFile::Create(file);
+        ASSERT_TRUE(refused);
+        ASSERT_TRUE(refused->Write("refused at the last step"));
+        EXPECT_EQ(refused->Commit([] { return EACCES; }), EACCES);
+    }
+    {
+        auto unreadable = platform::AtomicFile::Create(file);
+        ASSERT_TRUE(unreadable);
+        EXPECT_FALSE(unreadable->CopyFrom(dir_.Path() / "missing"));
+        const fs::path link = dir_.Path() / "link";
+        fs::create_symlink(file, link);
+        EXPECT_FALSE(unreadable->CopyFrom(link));
+        fs::remove(link);
+    }
+    {
+        // A disk that fills up half way: the file size limit makes the write fail for real.
+        struct rlimit saved {};
+        ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &saved), 0);
+        struct sigaction ignore {}, old {};
+        ignore.sa_handler = SIG_IGN;
+        ASSERT_EQ(::sigaction(SIGXFSZ, &ignore, &old), 0);
+        struct rlimit small = saved;
+        small.rlim_cur = 4096;
+        ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+        const int err = platform::WriteFileAtomically(file, std::string(100000, 'x'));
+        ::setrlimit(RLIMIT_FSIZE, &saved);
+        ::sigaction(SIGXFSZ, &old, nullptr);
+        EXPECT_EQ(err, EFBIG);
+    }
+    EXPECT_EQ(platform::WriteFileAtomically(dir_.Path() / "no such folder" / "a.pdf", "x"),
+              ENOENT);
+    EXPECT_EQ(Read(file), "old");
+    EXPECT_EQ(Others({"a.pdf"}), std::set<std::string>{});
+}
+
+TEST_F(AtomicFileTest, ALinkAtTheTargetIsReplacedNeverWrittenThrough) {
+    const fs::path victim = Write("victim", "precious");
+    const fs::path target = dir_.Path() / "a.pdf";
+    fs::create_symlink(victim, target);
+    ASSERT_EQ(platform::WriteFileAtomically(target, "downloaded"), 0);
+    EXPECT_FALSE(fs::is_symlink(target));
+    EXPECT_EQ(Read(target), "downloaded");
+    EXPECT_EQ(Read(victim), "precious");
+}
+
+TEST_F(AtomicFileTest, AWriterKilledHalfWayLeavesTheOldFileAndAVersionThatIsFound) {
+    const fs::path file = Write("a.pdf", "old");
+    // Names that merely look alike are not taken for one.
+    for (const char* name : {".a.pdf.0123.new", "a.pdf.0123456789abcdef.new",
+                             ".a.pdf.0123456789abcdeg.new", ".b.pdf.0123456789abcdef.new"})
+        Write(name, "x");
+    EXPECT_TRUE(platform::LeftoverVersions(file).empty());
+    LeaveUnfinishedWrite(file);
+    LeaveUnfinishedWrite(file);
+    const auto left = platform::LeftoverVersions(file);
+    ASSERT_EQ(left.size(), 2u);
+    EXPECT_EQ(Read(left[0]), "half of");
+    EXPECT_EQ(Read(file), "old");
+    platform::RemoveLeftoverVersions(file);
+    EXPECT_TRUE(platform::LeftoverVersions(file).empty());
+    EXPECT_EQ(Read(file), "old");
+    EXPECT_EQ(Others({"a.pdf"}).size(), 4u);
+}
+
+TEST_F(AtomicFileTest, ScratchFoldersArePrivateDistinctAndGoWithTheirContents) {
+    fs::path first;
+    {
+        auto a = platform::ScratchFolder::Create(dir_.Path());
+        auto b = platform::ScratchFolder::Create(dir_.Path());
+        ASSERT_TRUE(a && b);
+        EXPECT_NE(a->Path(), b->Path());
+        EXPECT_EQ(ModeOf(a->Path()), 0700u);
+        first = a->Path();
+        std::ofstream(first / "a.pdf") << "downloaded";
+        auto moved = std::move(*a);
+        EXPECT_TRUE(fs::exists(first / "a.pdf"));
+    }
+    EXPECT_FALSE(fs::exists(first));
+    EXPECT_EQ(Others({}), std::set<std::string>{});
+    EXPECT_FALSE(platform::ScratchFolder::Create(dir_.Path() / "missing"));
+}
+
+}  // namespace
+}  // namespace morvane::test
