@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "platform/AtomicFile.h"
+#include "server/crypto/Secrets.h"
 #include "server/util/Text.h"
 
 namespace morvane::server {

@@ -93,7 +93,6 @@ protected:
         return f;
     }
 
-    std::unique_ptr<ctrlMorvane> m_;
     // What the trash holds under a file name, or nothing.
     std::optional<std::string> Trashed(const std::string& name) const {
         const fs::path file = temp_.Path() / "data-home" / "Trash" / "files" / name;

@@ -1,0 +1,422 @@
+#!/usr/bin/env python3
+"""Kills `morvane sync` with SIGKILL at random instants while it takes an office's data down
+from `morvane-server` on 127.0.0.1, and checks what every kill left: each database passes its
+integrity check, each customer's rows of each table are wholly the old or wholly the new
+state, no data file is a part of one, and `sync --prefer server` then `sync` finish the job
+without changing what the server holds.
+
+Each kind (the roster, every record kind, the masters, the data files) is aimed at on its own:
+a run that is let finish tells when the client works on which kind, and a trial kills at a
+random instant of that kind's time. Every trial is run with the temporary folder on the data's
+own file system and on another one (/dev/shm).
+
+    crash_sync.py --bin build/bin --trials 100      # the full run by hand
+"""
+
+import argparse
+import hashlib
+import os
+import random
+import re
+import shutil
+import signal
+import sqlite3
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+from collections import defaultdict
+from pathlib import Path
+
+CONTRACT = "CRASH-0001"
+PASSWORDS = {"office-a": "crash-password-a", "office-b": "crash-password-b"}
+DATABASES = ("Customer.dat", "Master.dat", "prefcustom.dat")
+# Written by an interrupted replace beside the file it was to replace.
+LEFTOVER = re.compile(r"^\..+\.[0-9a-f]{16}\.new$")
+
+
+class Failure(Exception):
+    pass
+
+
+class Rig:
+    """The server with one account, office A that filled it, and office B that takes it down."""
+
+    def __init__(self, bin_dir: Path, work: Path, big_mib: int):
+        self.bin = bin_dir
+        self.work = work
+        self.server_data = work / "server-data"
+        self.server_data.mkdir(parents=True)
+        self.log = open(work / "server.log", "ab")
+        for args in (["add-account", "--contractor-name", "crash", "--contract-begin",
+                      "2026/04/01", "--contract-end", "2027/03/31", "--shared-count", "2",
+                      "--max-customer", "100"],):
+            self.server_tool(args)
+        for user, password in PASSWORDS.items():
+            self.server_tool(["add-user", "--user", user, "--user-name", user,
+                              "--password-stdin"], password + "\n")
+        port_file = work / "port"
+        self.server = subprocess.Popen(
+            [str(bin_dir / "morvane-server"), "serve", "--data", str(self.server_data),
+             "--address", "127.0.0.1", "--port", "0", "--port-file", str(port_file), "--quiet"],
+            stdout=self.log, stderr=self.log)
+        deadline = time.monotonic() + 30
+        while not port_file.exists() or not port_file.read_text().strip():
+            if self.server.poll() is not None or time.monotonic() > deadline:
+                raise Failure("morvane-server did not start")
+            time.sleep(0.05)
+        self.server_name = "127.0.0.1:" + port_file.read_text().strip()
+        self.cert = self.server_data / "cert.pem"
+
+        office_a = work / "office-a"
+        self.host(office_a, ["init-db", str(office_a / "data"), "--sample", "3"])
+        self.login(office_a, "office-a")
+        self.host(office_a, ["sync", "--db", str(office_a / "data" / "Customer.dat"),
+                             "--prefer", "skip"], ok=(0, 3))
+        self.make_big_files(big_mib)
+
+    def close(self):
+        self.server.send_signal(signal.SIGTERM)
+        try:
+            self.server.wait(timeout=10)
+        except subprocess.TimeoutExpired:
+            self.server.kill()
+            self.server.wait()
+        self.log.close()
+
+    def server_tool(self, args, stdin=""):
+        full = [str(self.bin / "morvane-server"), args[0], "--data", str(self.server_data),
+                "--contract", CONTRACT] + args[1:]
+        done = subprocess.run(full, input=stdin.encode(), stdout=self.log, stderr=self.log)
+        if done.returncode != 0:
+            raise Failure("morvane-server " + args[0] + " failed")
+
+    def command(self, office: Path, args):
+        return [str(self.bin / "morvane"), "--config", str(office / "config"), "--ca-file",
+                str(self.cert)] + args
+
+    def host(self, office: Path, args, stdin="", ok=(0,), env=None):
+        done = subprocess.run(self.command(office, args), input=stdin.encode(),
+                              capture_output=True, env=env)
+        if done.returncode not in ok:
+            raise Failure(" ".join(args[:1]) + " of " + office.name + " ended with " +
+                          str(done.returncode) + ":\n" + done.stdout.decode(errors="replace") +
+                          done.stderr.decode(errors="replace"))
+        return done.stdout.decode(errors="replace")
+
+    def login(self, office: Path, user: str):
+        (office / "config").mkdir(parents=True, exist_ok=True)
+        self.host(office, ["login", "--server", self.server_name, "--contract", CONTRACT,
+                           "--user", user, "--save-password"], PASSWORDS[user] + "\n")
+
+    def make_big_files(self, mib: int):
+        """One file of each kind, held by the server, made large enough to take a while."""
+        files = sorted(p for p in (self.server_data / "files").rglob("*") if p.is_file())
+        if not files:
+            raise Failure("office A sent no data file up")
+        seen = set()
+        for path in files:
+            if path.parent.name in seen:
+                continue
+            seen.add(path.parent.name)
+            with open(path, "wb") as out:
+                out.write(os.urandom(mib << 20))
+
+    def server_state(self):
+        """What the server holds: its stored files byte for byte and its records."""
+        files = {str(p.relative_to(self.server_data)): Digest(p)
+                 for p in sorted((self.server_data / "files").rglob("*")) if p.is_file()}
+        with sqlite3.connect("file:" + str(self.server_data / "morvane-server.db") +
+                             "?mode=ro", uri=True) as db:
+            rows = {t: sorted(db.execute("SELECT * FROM " + t).fetchall())
+                    for t in ("customers", "items", "item_fields", "stamps")}
+        return files, rows
+
+
+def Digest(path: Path) -> str:
+    with open(path, "rb") as f:
+        return hashlib.sha256(f.read()).hexdigest()
+
+
+class OfficeState:
+    """An office's databases, table by table and customer by customer, and its data files."""
+
+    def __init__(self, data: Path, volatile=frozenset()):
+        self.problems = []
+        self.tables = {}
+        for name in DATABASES:
+            path = data / name
+            if not path.exists():
+                continue
+            with sqlite3.connect("file:" + str(path) + "?mode=ro", uri=True) as db:
+                check = db.execute("PRAGMA integrity_check").fetchall()
+                if check != [("ok",)]:
+                    self.problems.append(name + ": " + repr(check[:3]))
+                    continue
+                for (table,) in db.execute(
+                        "SELECT name FROM sqlite_master WHERE type='table' "
+                        "AND name NOT LIKE 'sqlite_%'"):
+                    self.tables[(name, table)] = self.read_table(db, name, table, volatile)
+        self.files = {}
+        self.leftovers = []
+        root = data / "files"
+        for path in sorted(root.rglob("*")) if root.exists() else []:
+            if not path.is_file():
+                continue
+            if LEFTOVER.match(path.name):
+                self.leftovers.append(str(path.relative_to(data)))
+            else:
+                self.files[str(path.relative_to(data))] = Digest(path)
+
+    @staticmethod
+    def read_table(db, name, table, volatile):
+        columns = [r[1] for r in db.execute("PRAGMA table_info([" + table + "])")]
+        keep = [c for c in columns if (name, table, c) not in volatile]
+        rows = db.execute("SELECT " + ", ".join("[" + c + "]" for c in keep) + " FROM [" +
+                          table + "]").fetchall()
+        # A customer's rows go together; the roster's row is its customer's; a master is one.
+        if "CustomerID" in keep:
+            key = keep.index("CustomerID")
+        elif table == "tCustomer" and "id" in keep:
+            key = keep.index("id")
+        else:
+            return {None: sorted(map(repr, rows))}
+        groups = defaultdict(list)
+        for row in rows:
+            groups[row[key]].append(repr(row))
+        return {k: sorted(v) for k, v in groups.items()}
+
+
+def Volatile(first: OfficeState, second: OfficeState):
+    """Columns that differ between two complete runs from the same start: times of the run."""
+    out = set()
+    for (name, table), groups in first.tables.items():
+        other = second.tables.get((name, table), {})
+        if groups != other:
+            out.add((name, table))
+    return out
+
+
+def Judge(start: OfficeState, end: OfficeState, now: OfficeState, volatile_tables):
+    """What a kill may leave: each group wholly the start's or the end's, files whole."""
+    problems = list(now.problems)
+    for key in set(start.tables) | set(end.tables) | set(now.tables):
+        if key in volatile_tables:
+            continue
+        was, will, got = (s.tables.get(key, {}) for s in (start, end, now))
+        for group in set(was) | set(will) | set(got):
+            rows = got.get(group, [])
+            if rows != was.get(group, []) and rows != will.get(group, []):
+                problems.append("%s %s customer %s: %d rows, neither the old %d nor the new %d"
+                                % (key[0], key[1], group, len(rows), len(was.get(group, [])),
+                                   len(will.get(group, []))))
+    for name, digest in now.files.items():
+        if digest not in (start.files.get(name), end.files.get(name)):
+            problems.append("data file " + name + " is neither the old nor the new version")
+    return problems
+
+
+class Scenario:
+    """A start for office B, and when the client works on which kind while taking it down."""
+
+    def __init__(self, rig: Rig, name: str, office: Path, tmpdir: Path):
+        self.rig, self.name = rig, name
+        self.start = rig.work / ("start-" + name)
+        shutil.copytree(office, self.start, symlinks=True)
+        self.office = rig.work / "office-b"
+        self.db = self.office / "data" / "Customer.dat"
+        self.before = OfficeState(self.start / "data")
+        # Two whole runs: the end state, the tables a run always stamps, and the timeline.
+        self.timeline = self.run_whole(tmpdir)
+        self.end = OfficeState(self.office / "data")
+        self.run_whole(tmpdir)
+        again = OfficeState(self.office / "data")
+        self.volatile = Volatile(self.end, again)
+        self.end_copy = rig.work / ("end-" + name)
+        if self.end_copy.exists():
+            shutil.rmtree(self.end_copy)
+        shutil.copytree(self.office, self.end_copy, symlinks=True)
+        self.windows = defaultdict(list)
+        previous = 0.0
+        for at, kind in self.timeline:
+            self.windows[kind].append((previous, at))
+            previous = at
+
+    def restore(self):
+        if self.office.exists():
+            shutil.rmtree(self.office)
+        shutil.copytree(self.start, self.office, symlinks=True)
+
+    def sync(self, tmpdir: Path, prefer=None):
+        args = ["sync", "--db", str(self.db)] + (["--prefer", prefer] if prefer else [])
+        env = dict(os.environ, TMPDIR=str(tmpdir))
+        env["XDG_DATA_HOME"] = str(self.office / "data-home")
+        return args, env
+
+    def run_whole(self, tmpdir: Path):
+        """Syncs from the start to the end, noting when each line of progress came."""
+        self.restore()
+        args, env = self.sync(tmpdir, "server")
+        began = time.monotonic()
+        proc = subprocess.Popen(["stdbuf", "-oL"] + self.rig.command(self.office, args),
+                                stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
+                                stdin=subprocess.DEVNULL, env=env)
+        timeline = []
+        for line in proc.stdout:
+            kind = KindOf(line.decode(errors="replace"))
+            if kind:
+                timeline.append((time.monotonic() - began, kind))
+        if proc.wait() not in (0, 3):
+            raise Failure(self.name + ": a whole sync of office B failed")
+        return timeline
+
+
+def KindOf(line: str):
+    """The kind of data a line of the sync's progress reports on, if any."""
+    if re.match(r"\s*roster", line):
+        return "roster"
+    if re.match(r"\s*masters?\b", line) or re.match(r"master \S+:", line):
+        return "masters"
+    m = re.match(r"customer \d+ file ", line)
+    if m:
+        return "data files"
+    m = re.match(r"customer \d+ (\S+): (downloaded|uploaded)", line)
+    if m:
+        return m.group(1)
+    return None
+
+
+def Trial(scenario: Scenario, kind: str, tmpdir: Path, rng: random.Random, before_server):
+    """One kill aimed at the kind; the problems found, and whether the kill hit a live run."""
+    scenario.restore()
+    shutil.rmtree(tmpdir, ignore_errors=True)
+    tmpdir.mkdir(parents=True)
+    windows = scenario.windows[kind]
+    span = sum(b - a for a, b in windows)
+    pick = rng.uniform(0, span)
+    at = windows[-1][1]
+    for a, b in windows:
+        if pick <= b - a:
+            at = a + pick
+            break
+        pick -= b - a
+    args, env = scenario.sync(tmpdir, "server")
+    proc = subprocess.Popen(scenario.rig.command(scenario.office, args),
+                            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                            stdin=subprocess.DEVNULL, env=env)
+    timer = threading.Timer(at, lambda: proc.poll() is None and proc.send_signal(signal.SIGKILL))
+    timer.start()
+    code = proc.wait()
+    timer.cancel()
+    killed = code == -signal.SIGKILL
+    problems = Judge(scenario.before, scenario.end, OfficeState(scenario.office / "data"),
+                     scenario.volatile)
+    # The next runs finish the job, and the server keeps what it had.
+    for prefer in ("server", None):
+        args, env = scenario.sync(tmpdir, prefer)
+        done = subprocess.run(scenario.rig.command(scenario.office, args),
+                              capture_output=True, stdin=subprocess.DEVNULL, env=env, timeout=300)
+        if done.returncode not in (0, 3):
+            problems.append("sync " + (prefer or "") + " after the kill ended with " +
+                            str(done.returncode) + ": " +
+                            done.stdout.decode(errors="replace")[-400:])
+    after = OfficeState(scenario.office / "data", scenario.volatile)
+    finished = OfficeState(scenario.end_copy / "data", scenario.volatile)
+    if after.files != finished.files:
+        problems.append("the data files did not end as a whole run leaves them")
+    if after.leftovers:
+        problems.append("left beside the data files: " + ", ".join(after.leftovers))
+    for key, groups in finished.tables.items():
+        if key not in scenario.volatile and after.tables.get(key) != groups:
+            problems.append("%s %s did not end as a whole run leaves it" % key)
+    if scenario.rig.server_state() != before_server:
+        problems.append("what the server holds changed")
+    return problems, killed, at
+
+
+def main():
+    here = Path(__file__).resolve()
+    parser = argparse.ArgumentParser(description=__doc__,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--bin", type=Path, default=here.parents[2] / "build" / "bin")
+    parser.add_argument("--trials", type=int, default=3, help="kills per kind and folder")
+    parser.add_argument("--big-mib", type=int, default=24, help="size of the large data files")
+    parser.add_argument("--seed", type=int, default=None)
+    parser.add_argument("--kinds", default="", help="comma-separated kinds (default: all)")
+    parser.add_argument("--keep", action="store_true", help="keep the work folder")
+    opts = parser.parse_args()
+    seed = opts.seed if opts.seed is not None else random.randrange(1 << 30)
+    rng = random.Random(seed)
+    print("seed", seed, flush=True)
+
+    work = Path(tempfile.mkdtemp(prefix="crash-", dir=opts.bin.parent))
+    other_fs = Path(tempfile.mkdtemp(prefix="morvane-crash-", dir="/dev/shm")) \
+        if Path("/dev/shm").is_dir() else None
+    folders = {"same file system": work / "tmp"}
+    if other_fs and os.stat(other_fs).st_dev != os.stat(work).st_dev:
+        folders["another file system"] = other_fs / "tmp"
+    for tmp in folders.values():
+        tmp.mkdir(parents=True, exist_ok=True)
+    rig = None
+    failures = 0
+    try:
+        rig = Rig(opts.bin, work, opts.big_mib)
+        office = work / "office-b"
+        rig.host(office, ["init-db", str(office / "data")])
+        rig.login(office, "office-b")
+        tmp0 = folders["same file system"]
+        # From nothing: every kind comes down. Then only newer data files over older ones.
+        fresh = Scenario(rig, "fresh", office, tmp0)
+        older = work / "office-b-older"
+        shutil.copytree(fresh.office, older, symlinks=True)
+        for path in (older / "data" / "files").rglob("*"):
+            if path.is_file():
+                path.write_bytes(b"an older version of " + path.name.encode())
+                os.utime(path, (946684800, 946684800))
+        scenarios = [fresh, Scenario(rig, "newer files", older, tmp0)]
+        before_server = rig.server_state()
+
+        wanted = {k.strip() for k in opts.kinds.split(",") if k.strip()}
+        tally = defaultdict(lambda: [0, 0, 0])
+        for scenario in scenarios:
+            kinds = [k for k in dict.fromkeys(kind for _, kind in scenario.timeline)
+                     if not wanted or k in wanted]
+            print("%s: %d kinds aimed at (%s); a whole run takes %.1f s" %
+                  (scenario.name, len(kinds), ", ".join(kinds), scenario.timeline[-1][0]),
+                  flush=True)
+            for kind in kinds:
+                for where, tmp in folders.items():
+                    for _ in range(opts.trials):
+                        problems, killed, at = Trial(scenario, kind, tmp, rng, before_server)
+                        row = tally[(scenario.name, kind, where)]
+                        row[0] += 1
+                        row[1] += killed
+                        if problems:
+                            row[2] += 1
+                            failures += 1
+                            print("FAIL %s / %s / %s, kill at %.3f s:\n  %s" %
+                                  (scenario.name, kind, where, at, "\n  ".join(problems)),
+                                  flush=True)
+        print("\n%-12s %-16s %-20s %7s %6s %9s" %
+              ("start", "kind", "temporary folder", "trials", "kills", "failures"))
+        totals = [0, 0, 0]
+        for (name, kind, where), (trials, kills, failed) in tally.items():
+            print("%-12s %-16s %-20s %7d %6d %9d" % (name, kind, where, trials, kills, failed))
+            totals = [a + b for a, b in zip(totals, (trials, kills, failed))]
+        print("%-50s %7d %6d %9d" % ("all", *totals))
+    except Failure as e:
+        print("crash_sync: " + str(e), file=sys.stderr)
+        failures += 1
+    finally:
+        if rig:
+            rig.close()
+        if not opts.keep:
+            shutil.rmtree(work, ignore_errors=True)
+        if other_fs:
+            shutil.rmtree(other_fs, ignore_errors=True)
+    return 1 if failures else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
