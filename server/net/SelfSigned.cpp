@@ -9,10 +9,10 @@
 #include <openssl/x509v3.h>
 #include <sys/stat.h>
 
-#include <string_view>
-#include <system_error>
 #include <memory>
 #include <stdexcept>
+#include <string_view>
+#include <system_error>
 
 #include "platform/AtomicFile.h"
 

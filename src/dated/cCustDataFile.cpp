@@ -175,9 +175,8 @@ std::int32_t cCustDataFile::SyncDownloadFile(DataFileKind kind, std::int32_t cus
         }
         // The old copy reaches the trash before the new one takes its name, so the file is
         // always one whole version or the other, and the old one is never lost.
-        const int err = incoming->Commit([&]() -> int {
-            return FileExists(localFile) ? platform::CopyToTrash(localFile) : 0;
-        });
+        const int err = incoming->Commit(
+            [&]() -> int { return FileExists(localFile) ? platform::CopyToTrash(localFile) : 0; });
         if (err) {
             errno = err;
             FailOn("cannot replace", localFile);

@@ -76,8 +76,7 @@ std::optional<AtomicFile> AtomicFile::Create(const fs::path& target, mode_t mode
     const bool hasOld = ::lstat(target.c_str(), &old) == 0 && S_ISREG(old.st_mode);
     const fs::path folder = FolderOf(target);
     for (int attempt = 0; attempt < 16; ++attempt) {
-        const fs::path temp =
-            folder / (VersionPrefix(target) + RandomHex() + std::string(kSuffix));
+        const fs::path temp = folder / (VersionPrefix(target) + RandomHex() + std::string(kSuffix));
         const int fd =
             ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
         if (fd < 0 && errno == EEXIST) continue;
@@ -183,8 +182,7 @@ std::vector<fs::path> LeftoverVersions(const fs::path& target) {
     if (target.filename().empty()) return found;
     const std::string prefix = VersionPrefix(target);
     std::error_code ec;
-    for (fs::directory_iterator it(FolderOf(target), ec), end; !ec && it != end;
-         it.increment(ec)) {
+    for (fs::directory_iterator it(FolderOf(target), ec), end; !ec && it != end; it.increment(ec)) {
         if (IsVersionOf(it->path().filename().string(), prefix)) found.push_back(it->path());
     }
     return found;

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/AtomicFile.h"
 #include "platform/Dao.h"
 #include "store/BackupTableIndex.h"
 #include "util/Nz.h"
@@ -132,10 +133,11 @@ void WriteDataFiles(const fs::path& customerDb, const fs::path& folder) {
         for (; !rs->Eof(); rs->MoveNext()) {
             const fs::path file = folder / NzString((*rs)["DataFile"]);
             fs::create_directories(file.parent_path());
-            std::ofstream out(file, std::ios::binary);
-            out << word << " data of customer " << NzString((*rs)["CustomerID"]) << ": "
-                << file.filename().string() << '\n';
-            if (!out) throw RuntimeError(errnum::kPathNotFound, "Cannot write " + file.string());
+            const std::string text = std::string(word) + " data of customer " +
+                                     NzString((*rs)["CustomerID"]) + ": " +
+                                     file.filename().string() + "\n";
+            if (platform::WriteFileAtomically(file, text) != 0)
+                throw RuntimeError(errnum::kPathNotFound, "Cannot write " + file.string());
         }
     }
 }

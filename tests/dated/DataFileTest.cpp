@@ -14,8 +14,8 @@
 #include "session/ProcessState.h"
 #include "session/ctrlMorvane.h"
 #include "session/mdlLogin.h"
-#include "support/MorvaneTest.h"
 #include "support/LeftoverWrite.h"
+#include "support/MorvaneTest.h"
 #include "support/ScopedEnv.h"
 #include "util/basFileTime.h"
 #include "util/basGetCRC.h"
@@ -230,7 +230,8 @@ TEST_F(DataFileTest, AFileWhoseDownloadWasCutShortIsFetchedAgainAndNeverSent) {
     // Newer here by its time: were the cut-short download not seen, it would go up.
     const std::string local = Write("a.pdf", "old content", "2030/01/01 00:00:00");
     LeaveUnfinishedWrite(local);
-    ServerHas("customer/getKessanFileHash.php", "KessanFile", "the server's", "2024/03/04 05:06:07");
+    ServerHas("customer/getKessanFileHash.php", "KessanFile", "the server's",
+              "2024/03/04 05:06:07");
     server_->On("customer/getKessanFile.php", "the server's");
     ServerHas("customer/setKessanFile.php", "KessanFile", "the server's", "2024/03/04 05:06:07");
     ctrlMorvane& m = *m_;

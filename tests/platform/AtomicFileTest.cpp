@@ -114,7 +114,8 @@ TEST_F(AtomicFileTest, AnythingThatFailsLeavesTheOldFileAndNoLeftover) {
         // A disk that fills up half way: the file size limit makes the write fail for real.
         struct rlimit saved {};
         ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &saved), 0);
-        struct sigaction ignore {}, old {};
+        struct sigaction ignore {
+        }, old{};
         ignore.sa_handler = SIG_IGN;
         ASSERT_EQ(::sigaction(SIGXFSZ, &ignore, &old), 0);
         struct rlimit small = saved;
@@ -125,8 +126,7 @@ TEST_F(AtomicFileTest, AnythingThatFailsLeavesTheOldFileAndNoLeftover) {
         ::sigaction(SIGXFSZ, &old, nullptr);
         EXPECT_EQ(err, EFBIG);
     }
-    EXPECT_EQ(platform::WriteFileAtomically(dir_.Path() / "no such folder" / "a.pdf", "x"),
-              ENOENT);
+    EXPECT_EQ(platform::WriteFileAtomically(dir_.Path() / "no such folder" / "a.pdf", "x"), ENOENT);
     EXPECT_EQ(Read(file), "old");
     EXPECT_EQ(Others({"a.pdf"}), std::set<std::string>{});
 }

@@ -72,7 +72,8 @@ TEST_F(TrashTest, ACopyStaysWholeInTheTrashWhenTheFileIsThenReplaced) {
     // The trash beside the file takes a link; one on another file system a copy.
     std::vector<fs::path> trashes{dir_.Path() / "data"};
     std::string shm = "/dev/shm/morvane-trash-XXXXXX";
-    struct stat here {}, there {};
+    struct stat here {
+    }, there{};
     const bool otherFs = ::stat("/dev/shm", &there) == 0 &&
                          ::stat(dir_.Path().c_str(), &here) == 0 && here.st_dev != there.st_dev &&
                          ::mkdtemp(shm.data()) != nullptr;
