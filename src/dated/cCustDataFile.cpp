@@ -191,9 +191,9 @@ std::int32_t cCustDataFile::SyncUploadFile(DataFileKind kind, std::int32_t custI
     return Guarded([&]() -> std::int32_t {
         if (!FileExists(localFile)) return 0;
         if (DownloadUnfinished(localFile))
-            throw RuntimeError(errnum::kPathFileAccess,
-                               "not sent: a download of this file did not finish, so it may not "
-                               "be what was saved here; synchronise again to fetch it: " +
+            throw RuntimeError(errnum::kInvalidCall,
+                               "ダウンロードが途中で終わったファイルのため、送信しませんでした。"
+                               "もう一度同期すると、サーバーのファイルを取り直します。\n" +
                                    localFile);
         const std::string reply =
             ServerUploadFile(PagesOf(kind).upload, GetLoginID(), GetLoginToken(),

@@ -237,7 +237,8 @@ TEST_F(DataFileTest, AFileWhoseDownloadWasCutShortIsFetchedAgainAndNeverSent) {
     ctrlMorvane& m = *m_;
     EXPECT_EQ(m.SyncUploadCustomerKessanFile(7, local, nullptr), 0);
     EXPECT_TRUE(server_->RequestsTo("customer/setKessanFile.php").empty());
-    EXPECT_EQ(kit_->Boxes().size(), 1u);
+    ASSERT_EQ(kit_->Boxes().size(), 1u);
+    EXPECT_NE(kit_->Boxes()[0].text.find(local), std::string::npos);
 
     ASSERT_EQ(m.CompareCustomerKessanFile(7, local), 1);
     EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
