@@ -10,6 +10,7 @@
 
 #include "server/MorvaneServer.h"
 #include "server/core/Clock.h"
+#include "support/ScopedEnv.h"
 #include "support/ScriptedToolkit.h"
 #include "support/TempDir.h"
 
@@ -28,6 +29,8 @@ protected:
     void UseOffice(const std::string& name);
 
     TempDir temp_;
+    // The trash of this test's own: what the component throws away never reaches the user's.
+    ScopedEnv dataHome_{"XDG_DATA_HOME", (temp_.Path() / "data-home").string()};
     std::shared_ptr<server::ManualClock> clock_;
     std::unique_ptr<server::MorvaneServer> server_;
     std::shared_ptr<ScriptedToolkit> kit_;
