@@ -127,10 +127,12 @@ class Rig:
         """What the server holds: its stored files byte for byte and its records."""
         files = {str(p.relative_to(self.server_data)): Digest(p)
                  for p in sorted((self.server_data / "files").rglob("*")) if p.is_file()}
-        with sqlite3.connect("file:" + str(self.server_data / "morvane-server.db") +
-                             "?mode=ro", uri=True) as db:
+        db = sqlite3.connect(str(self.server_data / "morvane-server.db"), timeout=30)
+        try:
             rows = {t: sorted(db.execute("SELECT * FROM " + t).fetchall())
                     for t in ("customers", "items", "item_fields", "stamps")}
+        finally:
+            db.close()
         return files, rows
 
 
@@ -142,22 +144,28 @@ def Digest(path: Path) -> str:
 class OfficeState:
     """An office's databases, table by table and customer by customer, and its data files."""
 
-    def __init__(self, data: Path, volatile=frozenset()):
+    def __init__(self, data: Path):
         self.problems = []
-        self.tables = {}
+        self.raw = {}
         for name in DATABASES:
             path = data / name
             if not path.exists():
                 continue
-            with sqlite3.connect("file:" + str(path) + "?mode=ro", uri=True) as db:
+            # Opened as the host opens it, so that a journal a kill left is rolled back first.
+            db = sqlite3.connect(str(path), timeout=30)
+            try:
                 check = db.execute("PRAGMA integrity_check").fetchall()
                 if check != [("ok",)]:
                     self.problems.append(name + ": " + repr(check[:3]))
                     continue
                 for (table,) in db.execute(
                         "SELECT name FROM sqlite_master WHERE type='table' "
-                        "AND name NOT LIKE 'sqlite_%'"):
-                    self.tables[(name, table)] = self.read_table(db, name, table, volatile)
+                        "AND name NOT LIKE 'sqlite_%'").fetchall():
+                    columns = [r[1] for r in db.execute("PRAGMA table_info([" + table + "])")]
+                    rows = db.execute("SELECT * FROM [" + table + "]").fetchall()
+                    self.raw[(name, table)] = (columns, rows)
+            finally:
+                db.close()
         self.files = {}
         self.leftovers = []
         root = data / "files"
@@ -169,42 +177,43 @@ class OfficeState:
             else:
                 self.files[str(path.relative_to(data))] = Digest(path)
 
-    @staticmethod
-    def read_table(db, name, table, volatile):
-        columns = [r[1] for r in db.execute("PRAGMA table_info([" + table + "])")]
-        keep = [c for c in columns if (name, table, c) not in volatile]
-        rows = db.execute("SELECT " + ", ".join("[" + c + "]" for c in keep) + " FROM [" +
-                          table + "]").fetchall()
-        # A customer's rows go together; the roster's row is its customer's; a master is one.
-        if "CustomerID" in keep:
-            key = keep.index("CustomerID")
-        elif table == "tCustomer" and "id" in keep:
-            key = keep.index("id")
+    def groups(self, key, volatile):
+        """The table's rows less the columns a run stamps, by customer: a customer's rows go
+        together, the roster's row is its customer's, and a table of no customer is one."""
+        columns, rows = self.raw.get(key, ([], []))
+        drop = volatile.get(key, set())
+        keep = [i for i, c in enumerate(columns) if c not in drop]
+        if "CustomerID" in columns:
+            by = columns.index("CustomerID")
+        elif key[1] == "tCustomer" and "id" in columns:
+            by = columns.index("id")
         else:
-            return {None: sorted(map(repr, rows))}
-        groups = defaultdict(list)
+            by = None
+        out = defaultdict(list)
         for row in rows:
-            groups[row[key]].append(repr(row))
-        return {k: sorted(v) for k, v in groups.items()}
+            out[row[by] if by is not None else None].append(repr([row[i] for i in keep]))
+        return {k: sorted(v) for k, v in out.items()}
 
 
 def Volatile(first: OfficeState, second: OfficeState):
-    """Columns that differ between two complete runs from the same start: times of the run."""
-    out = set()
-    for (name, table), groups in first.tables.items():
-        other = second.tables.get((name, table), {})
-        if groups != other:
-            out.add((name, table))
+    """The columns that differ between two whole runs from the same start: times of the run."""
+    out = {}
+    for key, (columns, rows) in first.raw.items():
+        other = second.raw.get(key, (columns, []))[1]
+        if sorted(map(repr, rows)) == sorted(map(repr, other)):
+            continue
+        out[key] = {c for i, c in enumerate(columns)
+                    if sorted(repr(r[i]) for r in rows) != sorted(repr(r[i]) for r in other)}
+        if first.groups(key, out) != second.groups(key, out):
+            out[key] = set(columns)
     return out
 
 
-def Judge(start: OfficeState, end: OfficeState, now: OfficeState, volatile_tables):
+def Judge(start: OfficeState, end: OfficeState, now: OfficeState, volatile):
     """What a kill may leave: each group wholly the start's or the end's, files whole."""
     problems = list(now.problems)
-    for key in set(start.tables) | set(end.tables) | set(now.tables):
-        if key in volatile_tables:
-            continue
-        was, will, got = (s.tables.get(key, {}) for s in (start, end, now))
+    for key in set(start.raw) | set(end.raw) | set(now.raw):
+        was, will, got = (s.groups(key, volatile) for s in (start, end, now))
         for group in set(was) | set(will) | set(got):
             rows = got.get(group, [])
             if rows != was.get(group, []) and rows != will.get(group, []):
@@ -321,14 +330,14 @@ def Trial(scenario: Scenario, kind: str, tmpdir: Path, rng: random.Random, befor
             problems.append("sync " + (prefer or "") + " after the kill ended with " +
                             str(done.returncode) + ": " +
                             done.stdout.decode(errors="replace")[-400:])
-    after = OfficeState(scenario.office / "data", scenario.volatile)
-    finished = OfficeState(scenario.end_copy / "data", scenario.volatile)
+    after = OfficeState(scenario.office / "data")
+    finished = OfficeState(scenario.end_copy / "data")
     if after.files != finished.files:
         problems.append("the data files did not end as a whole run leaves them")
     if after.leftovers:
         problems.append("left beside the data files: " + ", ".join(after.leftovers))
-    for key, groups in finished.tables.items():
-        if key not in scenario.volatile and after.tables.get(key) != groups:
+    for key in set(finished.raw) | set(after.raw):
+        if after.groups(key, scenario.volatile) != finished.groups(key, scenario.volatile):
             problems.append("%s %s did not end as a whole run leaves it" % key)
     if scenario.rig.server_state() != before_server:
         problems.append("what the server holds changed")
@@ -385,6 +394,9 @@ def main():
             print("%s: %d kinds aimed at (%s); a whole run takes %.1f s" %
                   (scenario.name, len(kinds), ", ".join(kinds), scenario.timeline[-1][0]),
                   flush=True)
+            for (db, table), columns in sorted(scenario.volatile.items()):
+                print("  stamped by every run, not compared: %s %s %s" %
+                      (db, table, ", ".join(sorted(columns))), flush=True)
             for kind in kinds:
                 for where, tmp in folders.items():
                     for _ in range(opts.trials):
