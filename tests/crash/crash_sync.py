@@ -144,7 +144,7 @@ def Digest(path: Path) -> str:
 class OfficeState:
     """An office's databases, table by table and customer by customer, and its data files."""
 
-    def __init__(self, data: Path):
+    def __init__(self, data: Path, check=True, wait=30.0):
         self.problems = []
         self.raw = {}
         for name in DATABASES:
@@ -152,12 +152,13 @@ class OfficeState:
             if not path.exists():
                 continue
             # Opened as the host opens it, so that a journal a kill left is rolled back first.
-            db = sqlite3.connect(str(path), timeout=30)
+            db = sqlite3.connect(str(path), timeout=wait)
             try:
-                check = db.execute("PRAGMA integrity_check").fetchall()
-                if check != [("ok",)]:
-                    self.problems.append(name + ": " + repr(check[:3]))
-                    continue
+                if check:
+                    found = db.execute("PRAGMA integrity_check").fetchall()
+                    if found != [("ok",)]:
+                        self.problems.append(name + ": " + repr(found[:3]))
+                        continue
                 for (table,) in db.execute(
                         "SELECT name FROM sqlite_master WHERE type='table' "
                         "AND name NOT LIKE 'sqlite_%'").fetchall():
@@ -209,17 +210,29 @@ def Volatile(first: OfficeState, second: OfficeState):
     return out
 
 
-def Judge(start: OfficeState, end: OfficeState, now: OfficeState, volatile):
-    """What a kill may leave: each group wholly the start's or the end's, files whole."""
+def Allowed(states, volatile):
+    """Every state each group was seen in between two steps of a whole run."""
+    allowed = defaultdict(lambda: defaultdict(set))
+    for state in states:
+        for key in state.raw:
+            for group, rows in state.groups(key, volatile).items():
+                allowed[key][group].add(repr(rows))
+    return allowed
+
+
+def Judge(allowed, start: OfficeState, end: OfficeState, now: OfficeState, volatile):
+    """What a kill may leave: each group as it stood between two steps, files whole."""
     problems = list(now.problems)
-    for key in set(start.raw) | set(end.raw) | set(now.raw):
-        was, will, got = (s.groups(key, volatile) for s in (start, end, now))
-        for group in set(was) | set(will) | set(got):
-            rows = got.get(group, [])
-            if rows != was.get(group, []) and rows != will.get(group, []):
-                problems.append("%s %s customer %s: %d rows, neither the old %d nor the new %d"
-                                % (key[0], key[1], group, len(rows), len(was.get(group, [])),
-                                   len(will.get(group, []))))
+    for key in now.raw:
+        for group, rows in now.groups(key, volatile).items():
+            if repr(rows) not in allowed[key][group]:
+                problems.append("%s %s customer %s: %d rows as no step leaves them"
+                                % (key[0], key[1], group, len(rows)))
+    for key, groups in allowed.items():
+        got = now.groups(key, volatile)
+        for group, seen in groups.items():
+            if group not in got and repr([]) not in seen:
+                problems.append("%s %s customer %s: its rows are gone" % (key[0], key[1], group))
     for name, digest in now.files.items():
         if digest not in (start.files.get(name), end.files.get(name)):
             problems.append("data file " + name + " is neither the old nor the new version")
@@ -236,12 +249,16 @@ class Scenario:
         self.office = rig.work / "office-b"
         self.db = self.office / "data" / "Customer.dat"
         self.before = OfficeState(self.start / "data")
-        # Two whole runs: the end state, the tables a run always stamps, and the timeline.
-        self.timeline = self.run_whole(tmpdir)
+        # Two whole runs: the states between steps and at the end, the columns a run always
+        # stamps, and the timeline.
+        steps = []
+        self.run_whole(tmpdir, steps)
         self.end = OfficeState(self.office / "data")
-        self.run_whole(tmpdir)
+        # The times come from a run that was never held still.
+        self.timeline = self.run_whole(tmpdir)
         again = OfficeState(self.office / "data")
         self.volatile = Volatile(self.end, again)
+        self.allowed = Allowed([self.before, self.end] + steps, self.volatile)
         self.end_copy = rig.work / ("end-" + name)
         if self.end_copy.exists():
             shutil.rmtree(self.end_copy)
@@ -253,9 +270,11 @@ class Scenario:
             previous = at
 
     def restore(self):
-        if self.office.exists():
-            shutil.rmtree(self.office)
-        shutil.copytree(self.start, self.office, symlinks=True)
+        """The start's databases and files; the settings stay live, for the server turns the
+        login's token over on every request and a copy of them would be logged out."""
+        for part in ("data", "data-home"):
+            shutil.rmtree(self.office / part, ignore_errors=True)
+        shutil.copytree(self.start / "data", self.office / "data", symlinks=True)
 
     def sync(self, tmpdir: Path, prefer=None):
         args = ["sync", "--db", str(self.db)] + (["--prefer", prefer] if prefer else [])
@@ -263,21 +282,30 @@ class Scenario:
         env["XDG_DATA_HOME"] = str(self.office / "data-home")
         return args, env
 
-    def run_whole(self, tmpdir: Path):
-        """Syncs from the start to the end, noting when each line of progress came."""
+    def run_whole(self, tmpdir: Path, steps=None):
+        """Syncs from the start to the end, noting when each line of progress came, and, when
+        asked, the state of the databases between steps (the client held still meanwhile)."""
         self.restore()
         args, env = self.sync(tmpdir, "server")
         began = time.monotonic()
         proc = subprocess.Popen(["stdbuf", "-oL"] + self.rig.command(self.office, args),
-                                stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
+                                stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                                 stdin=subprocess.DEVNULL, env=env)
-        timeline = []
+        timeline, lines = [], []
         for line in proc.stdout:
-            kind = KindOf(line.decode(errors="replace"))
+            lines.append(line.decode(errors="replace"))
+            kind = KindOf(lines[-1])
             if kind:
                 timeline.append((time.monotonic() - began, kind))
+            if steps is not None and proc.poll() is None:
+                proc.send_signal(signal.SIGSTOP)
+                try:
+                    steps.append(OfficeState(self.office / "data", check=False, wait=0.2))
+                except sqlite3.OperationalError:
+                    pass  # held still inside a transaction: nothing between steps to see
+                proc.send_signal(signal.SIGCONT)
         if proc.wait() not in (0, 3):
-            raise Failure(self.name + ": a whole sync of office B failed")
+            raise Failure(self.name + ": a whole sync of office B failed:\n" + "".join(lines))
         return timeline
 
 
@@ -319,8 +347,8 @@ def Trial(scenario: Scenario, kind: str, tmpdir: Path, rng: random.Random, befor
     code = proc.wait()
     timer.cancel()
     killed = code == -signal.SIGKILL
-    problems = Judge(scenario.before, scenario.end, OfficeState(scenario.office / "data"),
-                     scenario.volatile)
+    problems = Judge(scenario.allowed, scenario.before, scenario.end,
+                     OfficeState(scenario.office / "data"), scenario.volatile)
     # The next runs finish the job, and the server keeps what it had.
     for prefer in ("server", None):
         args, env = scenario.sync(tmpdir, prefer)
@@ -353,13 +381,15 @@ def main():
     parser.add_argument("--big-mib", type=int, default=24, help="size of the large data files")
     parser.add_argument("--seed", type=int, default=None)
     parser.add_argument("--kinds", default="", help="comma-separated kinds (default: all)")
+    parser.add_argument("--work", type=Path, default=None,
+                        help="folder to work under (default: beside --bin)")
     parser.add_argument("--keep", action="store_true", help="keep the work folder")
     opts = parser.parse_args()
     seed = opts.seed if opts.seed is not None else random.randrange(1 << 30)
     rng = random.Random(seed)
     print("seed", seed, flush=True)
 
-    work = Path(tempfile.mkdtemp(prefix="crash-", dir=opts.bin.parent))
+    work = Path(tempfile.mkdtemp(prefix="crash-", dir=opts.work or opts.bin.parent))
     other_fs = Path(tempfile.mkdtemp(prefix="morvane-crash-", dir="/dev/shm")) \
         if Path("/dev/shm").is_dir() else None
     folders = {"same file system": work / "tmp"}
