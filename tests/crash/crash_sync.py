@@ -211,12 +211,15 @@ def Volatile(first: OfficeState, second: OfficeState):
 
 
 def Allowed(states, volatile):
-    """Every state each group was seen in between two steps of a whole run."""
+    """Every state each group was seen in between two steps of a whole run; a group a state
+    lacks was seen with no rows."""
     allowed = defaultdict(lambda: defaultdict(set))
-    for state in states:
-        for key in state.raw:
-            for group, rows in state.groups(key, volatile).items():
-                allowed[key][group].add(repr(rows))
+    keys = set().union(*(state.raw for state in states))
+    for key in keys:
+        seen = [state.groups(key, volatile) for state in states]
+        for group in set().union(*seen):
+            for groups in seen:
+                allowed[key][group].add(repr(groups.get(group, [])))
     return allowed
 
 
@@ -313,12 +316,11 @@ def KindOf(line: str):
     """The kind of data a line of the sync's progress reports on, if any."""
     if re.match(r"\s*roster", line):
         return "roster"
-    if re.match(r"\s*masters?\b", line) or re.match(r"master \S+:", line):
+    if re.match(r"\s*masters?\b", line) or re.match(r".* master: (downloaded|uploaded)", line):
         return "masters"
-    m = re.match(r"customer \d+ file ", line)
-    if m:
+    if re.match(r"customer \d+ file ", line):
         return "data files"
-    m = re.match(r"customer \d+ (\S+): (downloaded|uploaded)", line)
+    m = re.match(r"customer \d+ (.+?): (downloaded|uploaded)", line)
     if m:
         return m.group(1)
     return None
