@@ -31,8 +31,8 @@ bool SaveNew(const fs::path& target, const std::string& bytes) {
 bool ServerDownloadFileDirect(std::string_view url, std::string_view postData,
                               std::string_view downloadPath, std::string_view fileTitle) {
     try {
-        platform::HttpReply reply =
-            PostWithHeaders(GetServerBaseURL() + std::string(url), {}, postData);
+        platform::HttpReply reply = PostWithHeaders(GetServerBaseURL() + std::string(url), {},
+                                                    postData, kMaxFileReplyBytes);
         if (!reply.transported || reply.body.empty()) return false;
         // The separator is always added: a doubled one names the same folder.
         const std::string target =
@@ -80,10 +80,10 @@ std::string ServerUploadFileDirect(std::string_view url, std::string_view userId
         const std::string bytes{std::istreambuf_iterator<char>(in),
                                 std::istreambuf_iterator<char>()};
         if (in.bad()) return {};
-        platform::HttpClient client(State().HttpOptions(), &State().HttpPool());
         platform::HttpReply reply =
-            client.PostRaw(GetServerBaseURL() + std::string(url),
-                           UploadHeaders(userId, token, customerId, fileName, bytes.size()), bytes);
+            RunExchange(GetServerBaseURL() + std::string(url),
+                        UploadHeaders(userId, token, customerId, fileName, bytes.size()), bytes,
+                        true, kMaxXmlReplyBytes);
         return reply.transported ? std::move(reply.body) : std::string();
     } catch (...) {
         return {};
