@@ -1,5 +1,7 @@
 #include "transport/TransportRun.h"
 
+#include <algorithm>
+
 #include "session/ProcessState.h"
 
 namespace morvane {
@@ -9,6 +11,9 @@ void BeginTransportRun(std::optional<std::chrono::seconds> timeLimit) {
     run = TransportRunState{};
     if (timeLimit) run.deadline = std::chrono::steady_clock::now() + *timeLimit;
 }
+
+TransportCleanup::TransportCleanup() { ++State().transportRun.cleanups; }
+TransportCleanup::~TransportCleanup() { --State().transportRun.cleanups; }
 
 bool ServerUnreachable() { return State().transportRun.failuresInARow >= kMaxTransportFailures; }
 
@@ -22,7 +27,7 @@ std::string TransportStopReason() {
     if (ServerUnreachable())
         return "server unreachable: " + std::to_string(run.failuresInARow) +
                " requests in a row got no reply (" + run.lastError + ")";
-    if (TransportTimeUp()) return "the time limit of the run was reached";
+    if (TransportTimeUp() && run.cleanups == 0) return "the time limit of the run was reached";
     return {};
 }
 
@@ -37,9 +42,12 @@ platform::HttpReply RunExchange(const std::string& url, const platform::HttpHead
     ProcessState& state = State();
     platform::HttpOptions options = state.HttpOptions();
     options.maxReplyBytes = maxReplyBytes;
-    if (state.transportRun.deadline &&
-        (!options.deadline || *state.transportRun.deadline < *options.deadline))
-        options.deadline = state.transportRun.deadline;
+    auto deadline = state.transportRun.deadline;
+    if (deadline && state.transportRun.cleanups > 0)
+        deadline = std::max(*deadline, std::chrono::steady_clock::now() +
+                                           std::chrono::seconds(options.stallTimeoutSeconds));
+    if (deadline && (!options.deadline || *deadline < *options.deadline))
+        options.deadline = deadline;
     platform::HttpClient client(options, &state.HttpPool());
     platform::HttpReply reply =
         exactHeaders ? client.PostRaw(url, headers, body) : client.Post(url, headers, body);

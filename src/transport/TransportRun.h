@@ -24,6 +24,18 @@ struct TransportRunState {
     std::optional<std::chrono::steady_clock::time_point> deadline;
     int failuresInARow = 0;
     std::string lastError;
+    int cleanups = 0;  // TransportCleanup objects alive
+};
+
+// While one lives, requests go on past the run's time limit (not past an unreachable
+// server), each bounded by the stall time-out: a lock held is released when the server
+// answers, and left to expire at the server when it does not.
+class TransportCleanup {
+public:
+    TransportCleanup();
+    ~TransportCleanup();
+    TransportCleanup(const TransportCleanup&) = delete;
+    TransportCleanup& operator=(const TransportCleanup&) = delete;
 };
 
 // Starts a run afresh: failures forgotten; with a limit, no request goes on past it.

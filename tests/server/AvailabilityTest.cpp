@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "RawConnection.h"
@@ -14,13 +15,13 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Time-outs far longer than any check here, so that only a server that never lets one client
-// hold up another passes.
+// Client time-outs far longer than any check here, so that only a server that never lets one
+// client hold up another passes. A connection with nothing more to say closes soon.
 class PatientServerTest : public ServerTest {
 protected:
     void SetUp() override {
         options_.limits.clientTimeout = 60s;
-        options_.limits.keepAlive = 60s;
+        options_.limits.keepAlive = 1s;
         ServerTest::SetUp();
     }
 };
@@ -34,6 +35,17 @@ protected:
         ServerTest::SetUp();
     }
 };
+
+// The status line and the body of the first reply in what a connection received.
+std::pair<std::string, std::string> FirstReply(const std::string& received) {
+    const auto end = received.find("\r\n\r\n");
+    if (end == std::string::npos) return {};
+    const std::string head = received.substr(0, end);
+    std::size_t length = 0;
+    if (const auto at = head.find("Content-Length: "); at != std::string::npos)
+        length = std::stoul(head.substr(at + 16));
+    return {head.substr(0, head.find("\r\n")), received.substr(end + 4, length)};
+}
 
 std::string Headers(const std::string& extra) {
     return "POST /login.php HTTP/1.1\r\nHost: 127.0.0.1\r\n"
@@ -76,12 +88,13 @@ TEST_F(PatientServerTest, BodiesTooLargeOrWithoutLengthAreRefusedBeforeTheyAreRe
         ASSERT_TRUE(conn.StartTls());
         ASSERT_TRUE(conn.Send(c.request));
         // The client keeps the connection open and sends nothing more.
+        // The reply comes without the body; a server that waited for it would answer only
+        // at the client time-out.
         const auto outcome = conn.ReadUntilClosed(10s);
         EXPECT_TRUE(outcome.closed);
-        EXPECT_EQ(outcome.received.rfind("HTTP/1.1 413", 0), 0u) << outcome.received;
-        const auto body = outcome.received.find("\r\n\r\n");
-        ASSERT_NE(body, std::string::npos);
-        EXPECT_EQ(Reply(outcome.received.substr(body + 4)).Flags(), -1);
+        const auto [status, body] = FirstReply(outcome.received);
+        EXPECT_EQ(status, "HTTP/1.1 413 Payload Too Large") << outcome.received;
+        EXPECT_EQ(Reply(body).Flags(), -1) << body;
     }
     // The server is still there for a normal request.
     EXPECT_EQ(Post("login.php", "no=K100&ID=u1&PW=secret&").Flags(), 1);

@@ -7,9 +7,11 @@
 #include <string>
 #include <vector>
 
+#include "locks/mdlLock.h"
 #include "session/ProcessState.h"
 #include "support/MorvaneTest.h"
 #include "transport/TransportRun.h"
+#include "transport/mdlServerConst.h"
 #include "transport/mdlServerCommon.h"
 
 namespace morvane::test {
@@ -131,6 +133,25 @@ TEST_F(RunLimitsTest, NothingGoesOnPastTheTimeLimit) {
 
     BeginTransportRun();  // a new run without a limit
     EXPECT_NE(Post(), "");
+}
+
+TEST_F(RunLimitsTest, LockIsReleasedPastTheTimeLimitButNotPastAnUnreachableServer) {
+    LogIn("T1");
+    const std::string unlock(page::kUnlockComp);
+    server_->On(unlock, Envelope(1, "T2"));
+    BeginTransportRun(0s);
+    EXPECT_EQ(Post(), "");
+    EXPECT_EQ(UnlockCustomerWorker(7), 1);
+    ASSERT_EQ(server_->RequestsTo(unlock).size(), 1u);
+    EXPECT_NE(server_->RequestsTo(unlock)[0].body.find("CustomerID=7"), std::string::npos);
+    EXPECT_EQ(Post(), "");  // the limit holds again after the release
+
+    BeginTransportRun();
+    Answer(Dropped());
+    for (int i = 0; i < kMaxTransportFailures; ++i) EXPECT_EQ(Post(), "");
+    ASSERT_TRUE(ServerUnreachable());
+    EXPECT_EQ(UnlockCustomerWorker(7), 0);  // left to expire at the server
+    EXPECT_EQ(server_->RequestsTo(unlock).size(), 1u);
 }
 
 TEST_F(RunLimitsTest, StallTimeOutComesFromTheSettingWhenTheHostSetsNone) {
