@@ -1,5 +1,7 @@
 // Every list kind read by the generic list worker: dated records and the shared masters.
 #include <cstdint>
+#include <iterator>
+#include <string_view>
 
 #include "FuzzProcess.h"
 #include "dated/cCustKessan.h"
@@ -22,47 +24,21 @@ void Read(std::string_view xml) {
     worker.ReadXML(xml);
 }
 
+// The first byte picks the kind.
+constexpr void (*kReaders[])(std::string_view) = {
+    &Read<morvane::cCustKessan>,         &Read<morvane::cCustKyoka>,
+    &Read<morvane::cCustKihonOther>,     &Read<morvane::cMastBunsekikikan>,
+    &Read<morvane::cMastKessanTaioh>,    &Read<morvane::cMastMinister>,
+    &Read<morvane::cMastNyusatsuShorui>, &Read<morvane::cMastNyusatsukikan>,
+    &Read<morvane::cMastSakuseisha>,     &Read<morvane::cMastUserStaff>,
+    &Read<morvane::cMastYakushoku>,
+};
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     morvane::fuzz::QuietProcess();
     if (size == 0) return 0;
-    const auto xml = morvane::fuzz::Text(data + 1, size - 1);
-    using namespace morvane;
-    switch (data[0] % 11) {
-        case 0:
-            Read<cCustKessan>(xml);
-            break;
-        case 1:
-            Read<cCustKyoka>(xml);
-            break;
-        case 2:
-            Read<cCustKihonOther>(xml);
-            break;
-        case 3:
-            Read<cMastBunsekikikan>(xml);
-            break;
-        case 4:
-            Read<cMastKessanTaioh>(xml);
-            break;
-        case 5:
-            Read<cMastMinister>(xml);
-            break;
-        case 6:
-            Read<cMastNyusatsuShorui>(xml);
-            break;
-        case 7:
-            Read<cMastNyusatsukikan>(xml);
-            break;
-        case 8:
-            Read<cMastSakuseisha>(xml);
-            break;
-        case 9:
-            Read<cMastUserStaff>(xml);
-            break;
-        default:
-            Read<cMastYakushoku>(xml);
-            break;
-    }
+    kReaders[data[0] % std::size(kReaders)](morvane::fuzz::Text(data + 1, size - 1));
     return 0;
 }

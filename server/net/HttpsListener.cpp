@@ -1,7 +1,9 @@
 #include "server/net/HttpsListener.h"
 
 #include <httplib.h>
+#include <sys/socket.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdint>
@@ -13,8 +15,20 @@
 
 namespace morvane::server {
 
+namespace {
+
+// The library listens with a backlog of 5: a burst of connections would wait for SYN
+// retransmits, seconds each, before the accept loop saw them.
+class SSLServerWithBacklog : public httplib::SSLServer {
+public:
+    using SSLServer::SSLServer;
+    void WidenBacklog() { ::listen(svr_sock_, SOMAXCONN); }
+};
+
+}  // namespace
+
 struct HttpsListener::Impl {
-    httplib::SSLServer server;
+    SSLServerWithBacklog server;
     Handler handler;
     Log log;
     std::thread thread;
@@ -98,16 +112,19 @@ HttpsListener::HttpsListener(const std::filesystem::path& certFile,
         return std::make_unique<ConnectionThreads>(max).release();
     };
     Impl* impl = impl_.get();
-    // A body too large by its announced length, or with no length at all, is refused before
-    // a byte of it is read, so that no client holds a thread by sending it slowly or never.
+    // A body with no length at all, or announced far past the limit, is refused before a byte
+    // of it is read, so that no client holds a thread by sending it slowly or never. A body
+    // a little past the limit is still read and dropped, as a client that sends it whole
+    // before it reads would otherwise lose the judged reply to a reset connection.
+    const std::size_t readAndDropped = std::max<std::size_t>(4 * maxBodyBytes, 16u << 20);
     server.set_pre_routing_handler(
-        [impl, maxBodyBytes](const httplib::Request& req, httplib::Response& res) {
+        [impl, readAndDropped](const httplib::Request& req, httplib::Response& res) {
             if (req.method != "POST") return httplib::Server::HandlerResponse::Unhandled;
             const bool chunked =
                 req.get_header_value("Transfer-Encoding").find("chunked") != std::string::npos;
             if (chunked) return httplib::Server::HandlerResponse::Unhandled;
             if (!req.has_header("Content-Length") ||
-                req.get_header_value<std::uint64_t>("Content-Length") > maxBodyBytes)
+                req.get_header_value<std::uint64_t>("Content-Length") > readAndDropped)
                 return impl->Refuse(req, res);
             return httplib::Server::HandlerResponse::Unhandled;
         });
@@ -152,6 +169,7 @@ int HttpsListener::Bind(const std::string& address, int port) {
                           : (impl_->server.bind_to_port(address, port) ? port : -1);
     if (bound < 0)
         throw std::runtime_error("cannot listen on " + address + ":" + std::to_string(port));
+    impl_->server.WidenBacklog();
     return bound;
 }
 

@@ -15,26 +15,21 @@ namespace {
 
 using namespace std::chrono_literals;
 
+// A connection with nothing more to say closes after a second.
+template <int ClientTimeoutSeconds>
+class LimitedServerTest : public ServerTest {
+protected:
+    void SetUp() override {
+        options_.limits.clientTimeout = std::chrono::seconds(ClientTimeoutSeconds);
+        options_.limits.keepAlive = 1s;
+        ServerTest::SetUp();
+    }
+};
 // Client time-outs far longer than any check here, so that only a server that never lets one
-// client hold up another passes. A connection with nothing more to say closes soon.
-class PatientServerTest : public ServerTest {
-protected:
-    void SetUp() override {
-        options_.limits.clientTimeout = 60s;
-        options_.limits.keepAlive = 1s;
-        ServerTest::SetUp();
-    }
-};
-
-// Short time-outs, so that cutting a client off can be seen.
-class StrictServerTest : public ServerTest {
-protected:
-    void SetUp() override {
-        options_.limits.clientTimeout = 1s;
-        options_.limits.keepAlive = 1s;
-        ServerTest::SetUp();
-    }
-};
+// client hold up another passes.
+using PatientServerTest = LimitedServerTest<60>;
+// Short ones, so that cutting a client off can be seen.
+using StrictServerTest = LimitedServerTest<1>;
 
 // The status line and the body of the first reply in what a connection received.
 std::pair<std::string, std::string> FirstReply(const std::string& received) {

@@ -11,8 +11,8 @@
 #include "session/ProcessState.h"
 #include "support/MorvaneTest.h"
 #include "transport/TransportRun.h"
-#include "transport/mdlServerConst.h"
 #include "transport/mdlServerCommon.h"
+#include "transport/mdlServerConst.h"
 
 namespace morvane::test {
 namespace {
