@@ -31,7 +31,7 @@ struct PageReply {
     // The length is not announced: the reply goes in chunks.
     bool chunked = false;
     // The connection is dropped once this many bytes of the body went out.
-    std::optional<std::size_t> dropAfter;
+    std::optional<std::size_t> dropAfter{};
 };
 
 class TestServer {
