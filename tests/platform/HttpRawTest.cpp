@@ -75,8 +75,9 @@ TEST_F(HttpRawTest, ReplyUpToTheCapComesWholeAndOneByteMoreIsNone) {
             const auto reply = Send(false, {}, "a=1&", 200000);
             EXPECT_EQ(reply.transported, size == 200000) << reply.error;
             EXPECT_EQ(reply.body.size(), size == 200000 ? size : 0u);
-            if (!reply.transported)
+            if (!reply.transported) {
                 EXPECT_NE(reply.error.find("larger than 200000"), std::string::npos) << reply.error;
+            }
         }
     }
 }

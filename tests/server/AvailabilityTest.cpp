@@ -112,8 +112,12 @@ TEST_F(StrictServerTest, SlowClientsAreCutOff) {
         SCOPED_TRACE(c.name);
         RawConnection conn(server_->Port());
         ASSERT_TRUE(conn.Open());
-        if (c.tls) ASSERT_TRUE(conn.StartTls());
-        if (!c.sent.empty()) ASSERT_TRUE(conn.Send(c.sent));
+        if (c.tls) {
+            ASSERT_TRUE(conn.StartTls());
+        }
+        if (!c.sent.empty()) {
+            ASSERT_TRUE(conn.Send(c.sent));
+        }
         // Cut off after about a second; the check leaves room for a loaded machine.
         EXPECT_TRUE(conn.ReadUntilClosed(15s).closed);
     }
