@@ -4,7 +4,7 @@
 set -euo pipefail
 
 packages=(
-    build-essential cmake ninja-build pkg-config clang-format
+    build-essential cmake ninja-build pkg-config clang-format clang libclang-rt-14-dev
     libcurl4-openssl-dev libpugixml-dev libsqlite3-dev libssl-dev zlib1g-dev libicu-dev
     libcpp-httplib-dev libcli11-dev python3
     libgtest-dev libgmock-dev libbenchmark-dev

@@ -40,7 +40,7 @@ void MorvaneServer::Start() {
     Service* service = service_.get();
     auto listener = std::make_unique<HttpsListener>(
         certFile_, keyFile_, [service](const HttpRequest& r) { return service->Handle(r); },
-        service_->MaxBodyBytes(), options_.log);
+        service_->MaxBodyBytes(), options_.log, options_.limits);
     port_ = listener->Bind(options_.address, options_.port);
     listener->Start();
     listener_ = std::move(listener);

@@ -10,6 +10,7 @@
 
 #include "server/core/Accounts.h"
 #include "server/core/Clock.h"
+#include "server/net/ListenerLimits.h"
 
 namespace morvane::server {
 
@@ -24,6 +25,7 @@ struct ServerOptions {
     std::chrono::seconds tokenIdle{std::chrono::minutes(30)};
     std::chrono::seconds lockExpiry{std::chrono::minutes(15)};
     std::size_t maxUploadBytes = 32u * 1024 * 1024;
+    ListenerLimits limits;
     // Default: the system clock. Tests pass a ManualClock to move time.
     std::shared_ptr<const Clock> clock;
     // One line per request; empty: no log.

@@ -3,7 +3,10 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <chrono>
+#include <cstdlib>
 #include <iostream>
+#include <optional>
 
 #ifdef MORVANE_HAVE_TTY
 #include "tty/TtyToolkit.h"
@@ -12,17 +15,23 @@
 #include "session/ctrlMorvane.h"
 #include "session/mdlRegConstMorvane.h"
 #include "session/mdlRegControlMorvane.h"
+#include "transport/TransportRun.h"
 
 namespace morvane::cli {
 
 void PrepareHost(const HostOptions& options) {
     ProcessState& state = State();
     if (!options.configDir.empty()) state.SetSettingsRoot(options.configDir);
-    if (!options.caFile.empty()) {
+    if (!options.caFile.empty() || options.stallTimeout > 0) {
         platform::HttpOptions http = state.HttpOptions();
-        http.caFile = options.caFile;
+        if (!options.caFile.empty()) http.caFile = options.caFile;
+        if (options.stallTimeout > 0) http.stallTimeoutSeconds = options.stallTimeout;
         state.SetHttpOptions(http);
     }
+    long timeLimit = options.timeLimit;
+    if (timeLimit <= 0) timeLimit = std::atol(ReadMorvaneSetting("TimeLimit", "").c_str());
+    BeginTransportRun(timeLimit > 0 ? std::optional(std::chrono::seconds(timeLimit))
+                                    : std::nullopt);
 }
 
 void UseTerminal(std::ostream& out, bool outIsTerminal) {

@@ -11,6 +11,11 @@ namespace morvane::cli {
 struct HostOptions {
     std::filesystem::path configDir;  // empty: the user's own configuration folder
     std::string caFile;               // empty: MORVANE_CA_FILE, else the "CAFile" setting
+    // Seconds with no byte moving before a request is given up; 0: the "StallTimeout"
+    // setting, else 60.
+    long stallTimeout = 0;
+    // Seconds after which the run sends no more requests; 0: no limit ("TimeLimit" setting).
+    long timeLimit = 0;
 };
 
 void PrepareHost(const HostOptions& options);

@@ -7,6 +7,7 @@
 #include <set>
 
 #include "store/BackupTableIndex.h"
+#include "transport/TransportRun.h"
 #include "util/Nz.h"
 #include "util/Text.h"
 
@@ -99,6 +100,11 @@ SyncSummary SyncRun::Run() {
     const std::vector<std::int32_t> ids = CustomersToWalk();
     summary_.customers = static_cast<int>(ids.size());
     for (std::size_t i = 0; i < ids.size(); ++i) {
+        if (const std::string stop = TransportStopReason(); !stop.empty()) {
+            out_ << "stopped: " << stop << "\n";  // the rest would fail the same way
+            ++summary_.failures;
+            return summary_;
+        }
         Progress(i, ids.size(), ids[i]);
         Customer(ids[i]);
     }

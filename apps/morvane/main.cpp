@@ -56,6 +56,14 @@ int main(int argc, char** argv) {
         ->check(CLI::IsMember({"ask", "server", "local", "skip"}));
     syncCmd->add_flag("--dry-run", sync.dryRun, "Compare only; move nothing");
     syncCmd->add_flag("--verbose", sync.verbose, "Name every table that differs");
+    syncCmd
+        ->add_option("--stall-timeout", host.stallTimeout,
+                     "Give up a request after this many seconds with no byte moving (default 60)")
+        ->check(CLI::PositiveNumber);
+    syncCmd
+        ->add_option("--time-limit", host.timeLimit,
+                     "Send no request after this many seconds of the run (default: no limit)")
+        ->check(CLI::PositiveNumber);
 
     DemoOptions demo;
     auto* demoCmd = app.add_subcommand("demo", "Run the whole system against a local server");

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "server/net/ListenerLimits.h"
 #include "server/pages/Service.h"
 
 namespace morvane::server {
@@ -17,7 +18,7 @@ public:
 
     // Throws when the certificate or key cannot be loaded.
     HttpsListener(const std::filesystem::path& certFile, const std::filesystem::path& keyFile,
-                  Handler handler, std::size_t maxBodyBytes, Log log);
+                  Handler handler, std::size_t maxBodyBytes, Log log, ListenerLimits limits = {});
     ~HttpsListener();
     HttpsListener(const HttpsListener&) = delete;
     HttpsListener& operator=(const HttpsListener&) = delete;

@@ -9,6 +9,7 @@
 #include "session/ProcessState.h"
 #include "session/mdlLogin.h"
 #include "transport/RequestBody.h"
+#include "transport/TransportRun.h"
 #include "transport/mdlServerConst.h"
 #include "transport/mdlServerReply.h"
 #include "util/Text.h"
@@ -53,6 +54,7 @@ std::int32_t Lock(LockKind kind, std::int32_t id) {
 
 std::int32_t Unlock(LockKind kind, std::int32_t id) {
     try {
+        const TransportCleanup release;  // past the run's time limit too
         StateOf(kind) = 0;
         DropTimer(kind);
         const std::string reply = kind == LockKind::Customer

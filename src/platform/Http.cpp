@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <limits>
 #include <memory>
 #include <mutex>
 
@@ -18,16 +19,22 @@ void GlobalInitOnce() {
 struct Sink {
     CURL* curl;
     std::string* body;
+    std::size_t limit;
+    bool overflowed = false;
 };
 
 size_t Collect(char* data, size_t size, size_t count, void* user) {
-    const Sink& sink = *static_cast<Sink*>(user);
+    Sink& sink = *static_cast<Sink*>(user);
+    if (sink.body->size() + size * count > sink.limit) {
+        sink.overflowed = true;
+        return 0;  // curl ends the transfer
+    }
     if (sink.body->empty()) {
         // A large reply announced by its length is kept in one buffer from the start.
         curl_off_t length = -1;
         constexpr curl_off_t kMostReserved = curl_off_t{1} << 30;
         if (curl_easy_getinfo(sink.curl, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length) == CURLE_OK &&
-            length > 0 && length <= kMostReserved)
+            length > 0 && length <= kMostReserved && static_cast<std::size_t>(length) <= sink.limit)
             sink.body->reserve(static_cast<size_t>(length));
     }
     sink.body->append(data, size * count);
@@ -144,7 +151,7 @@ HttpReply HttpClient::Perform(const std::string& url, const HttpHeaders& headers
     curl_easy_setopt(c, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
     curl_easy_setopt(c, CURLOPT_HTTPHEADER, list.get());
     curl_easy_setopt(c, CURLOPT_WRITEFUNCTION, Collect);
-    Sink sink{c, &reply.body};
+    Sink sink{c, &reply.body, options_.maxReplyBytes};
     curl_easy_setopt(c, CURLOPT_WRITEDATA, &sink);
     curl_easy_setopt(c, CURLOPT_ERRORBUFFER, errbuf);
     curl_easy_setopt(c, CURLOPT_NOSIGNAL, 1L);
@@ -156,6 +163,19 @@ HttpReply HttpClient::Perform(const std::string& url, const HttpHeaders& headers
         curl_easy_setopt(c, CURLOPT_CAPATH, "/etc/ssl/certs");
     }
     curl_easy_setopt(c, CURLOPT_CONNECTTIMEOUT, options_.connectTimeoutSeconds);
+    if (options_.deadline) {
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+            *options_.deadline - std::chrono::steady_clock::now());
+        if (left.count() <= 0) {
+            reply.error = "the time limit was reached";
+            return reply;
+        }
+        curl_easy_setopt(c, CURLOPT_TIMEOUT_MS, static_cast<long>(left.count()));
+    }
+    // A length announced past the limit is refused before the body comes.
+    curl_easy_setopt(c, CURLOPT_MAXFILESIZE_LARGE,
+                     static_cast<curl_off_t>(std::min<std::size_t>(
+                         options_.maxReplyBytes, std::numeric_limits<curl_off_t>::max())));
     StallWatch watch;
     watch.limit = std::chrono::seconds(options_.stallTimeoutSeconds);
     curl_easy_setopt(c, CURLOPT_XFERINFOFUNCTION, OnProgress);
@@ -168,7 +188,12 @@ HttpReply HttpClient::Perform(const std::string& url, const HttpHeaders& headers
     const CURLcode rc = curl_easy_perform(c);
     if (rc != CURLE_OK) {
         reply.body.clear();
-        reply.error = errbuf[0] ? errbuf : curl_easy_strerror(rc);
+        reply.body.shrink_to_fit();
+        if (sink.overflowed || rc == CURLE_FILESIZE_EXCEEDED)
+            reply.error =
+                "the reply is larger than " + std::to_string(options_.maxReplyBytes) + " bytes";
+        else
+            reply.error = errbuf[0] ? errbuf : curl_easy_strerror(rc);
         return reply;
     }
     curl_easy_getinfo(c, CURLINFO_RESPONSE_CODE, &reply.status);

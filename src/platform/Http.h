@@ -1,7 +1,10 @@
 // The blocking HTTPS exchange with the server: one POST, its headers and body, its reply.
 #pragma once
 
+#include <chrono>
+#include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -17,6 +20,11 @@ struct HttpOptions {
     // A transfer that moves no byte for this long is given up: a dead server is an empty
     // reply, not a hang.
     long stallTimeoutSeconds = 60;
+    // A reply past this size is cut off and counts as no reply: it cannot be a real one,
+    // and must not take the process's memory.
+    std::size_t maxReplyBytes = std::size_t{64} << 20;
+    // No exchange goes on past this instant; none: no overall limit.
+    std::optional<std::chrono::steady_clock::time_point> deadline;
 };
 
 using HttpHeaders = std::vector<std::pair<std::string, std::string>>;

@@ -50,6 +50,8 @@ platform::HttpOptions ProcessState::HttpOptions() {
         options.caFile = ca;
     else
         options.caFile = ReadMorvaneSetting("CAFile", "");
+    if (const long stall = std::atol(ReadMorvaneSetting("StallTimeout", "").c_str()); stall > 0)
+        options.stallTimeoutSeconds = stall;
     return options;
 }
 
@@ -79,6 +81,7 @@ void ProcessState::Reset() {
     customerLockState = 0;
     masterLockState = 0;
     err.Clear();
+    transportRun = TransportRunState{};
     toolkit_.reset();
     settings_.reset();
     clock_.reset();

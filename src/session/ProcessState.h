@@ -12,6 +12,7 @@
 #include "platform/Forms.h"
 #include "platform/Http.h"
 #include "platform/SettingsStore.h"
+#include "transport/TransportRun.h"
 #include "util/RuntimeError.h"
 
 namespace morvane {
@@ -65,6 +66,9 @@ public:
 
     PendingError err;
 
+    // The time limit and the failures in a row of the current run of requests.
+    TransportRunState transportRun;
+
     // Platform services. The host may replace them before the first call.
     forms::Toolkit& Toolkit();
     void SetToolkit(std::shared_ptr<forms::Toolkit> toolkit);
@@ -73,7 +77,8 @@ public:
     const platform::Clock& Clock();
     void SetClock(std::shared_ptr<platform::Clock> clock);
     // Connect and stall time-outs, and the CA file: the environment variable
-    // MORVANE_CA_FILE, else the setting "CAFile".
+    // MORVANE_CA_FILE, else the setting "CAFile"; the stall time-out from the setting
+    // "StallTimeout" (seconds) when it holds a positive number.
     platform::HttpOptions HttpOptions();
     void SetHttpOptions(std::optional<platform::HttpOptions> options);
     // Connections kept open between the requests of this process.

@@ -32,11 +32,10 @@ platform::HttpHeaders StandardHeaders() {
 }
 
 platform::HttpReply PostWithHeaders(const std::string& url, const platform::HttpHeaders& extra,
-                                    std::string_view body) {
+                                    std::string_view body, std::size_t maxReplyBytes) {
     platform::HttpHeaders headers = StandardHeaders();
     headers.insert(headers.end(), extra.begin(), extra.end());
-    platform::HttpClient client(State().HttpOptions(), &State().HttpPool());
-    return client.Post(url, headers, body);
+    return RunExchange(url, headers, body, false, maxReplyBytes);
 }
 
 std::string PostToServer(std::string_view path, std::string_view postData) {

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "platform/Http.h"
+#include "transport/TransportRun.h"
 
 namespace morvane {
 
@@ -30,8 +31,10 @@ std::string EncodeURIValue(std::string_view text);
 
 // The headers every POST carries.
 platform::HttpHeaders StandardHeaders();
-// One POST with the standard headers plus extra ones; for the file transfers.
+// One POST with the standard headers plus extra ones, under the run's limits; for the file
+// transfers.
 platform::HttpReply PostWithHeaders(const std::string& url, const platform::HttpHeaders& extra,
-                                    std::string_view body);
+                                    std::string_view body,
+                                    std::size_t maxReplyBytes = kMaxXmlReplyBytes);
 
 }  // namespace morvane

@@ -17,8 +17,8 @@ namespace morvane {
 bool ServerDownloadFileDirect(std::string_view url, std::string_view postData,
                               std::string_view downloadPath, std::string_view fileTitle) {
     try {
-        platform::HttpReply reply =
-            PostWithHeaders(GetServerBaseURL() + std::string(url), {}, postData);
+        platform::HttpReply reply = PostWithHeaders(GetServerBaseURL() + std::string(url), {},
+                                                    postData, kMaxFileReplyBytes);
         if (!reply.transported || reply.body.empty()) return false;
         // The separator is always added: a doubled one names the same folder.
         const std::string target =
@@ -68,10 +68,10 @@ std::string ServerUploadFileDirect(std::string_view url, std::string_view userId
         const std::string bytes{std::istreambuf_iterator<char>(in),
                                 std::istreambuf_iterator<char>()};
         if (in.bad()) return {};
-        platform::HttpClient client(State().HttpOptions(), &State().HttpPool());
         platform::HttpReply reply =
-            client.PostRaw(GetServerBaseURL() + std::string(url),
-                           UploadHeaders(userId, token, customerId, fileName, bytes.size()), bytes);
+            RunExchange(GetServerBaseURL() + std::string(url),
+                        UploadHeaders(userId, token, customerId, fileName, bytes.size()), bytes,
+                        true, kMaxXmlReplyBytes);
         return reply.transported ? std::move(reply.body) : std::string();
     } catch (...) {
         return {};

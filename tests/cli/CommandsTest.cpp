@@ -9,6 +9,9 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "CallCommand.h"
 #include "InitDbCommand.h"
@@ -131,6 +134,26 @@ TEST(SyncProgram, RefusesAMissingDatabaseAndAMissingLogin) {
     EXPECT_NE(run.output.find("run `morvane login` first"), std::string::npos) << run.output;
     run = RunCli(config + "sync --db x --prefer sometimes 2>&1");
     EXPECT_GT(run.exitCode, 3) << "a usage error, not a sync result: " << run.output;
+    fs::remove_all(pattern);
+}
+
+TEST(SyncProgram, TakesItsLimitsAsPositiveSeconds) {
+    std::string pattern = (fs::temp_directory_path() / "morvane-sync-XXXXXX").string();
+    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
+    const std::string prefix = "--config " + pattern + " sync --db " + pattern + "/none.dat ";
+    for (const auto& [limits, accepted] :
+         std::vector<std::pair<std::string, bool>>{{"--stall-timeout 5 --time-limit 600", true},
+                                                   {"--stall-timeout 0", false},
+                                                   {"--time-limit -3", false},
+                                                   {"--time-limit soon", false}}) {
+        const ProgramRun run = RunCli(prefix + limits + " 2>&1");
+        if (accepted) {
+            // Past the options, to the missing database.
+            EXPECT_EQ(run.exitCode, 2) << limits << ": " << run.output;
+        } else {
+            EXPECT_GT(run.exitCode, 3) << limits << ": " << run.output;
+        }
+    }
     fs::remove_all(pattern);
 }
 

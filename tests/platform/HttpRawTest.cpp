@@ -2,6 +2,9 @@
 // Content-Length, and bytes with NULs unchanged both ways.
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <string>
+
 #include "platform/Http.h"
 #include "support/TestServer.h"
 
@@ -10,11 +13,13 @@ namespace {
 
 class HttpRawTest : public ::testing::Test {
 protected:
-    platform::HttpReply Send(bool raw, const platform::HttpHeaders& headers, std::string body) {
+    platform::HttpReply Send(bool raw, const platform::HttpHeaders& headers, std::string body,
+                             std::size_t maxReplyBytes = std::size_t{64} << 20) {
         platform::HttpOptions options;
         options.caFile = server_.CaFile();
         options.connectTimeoutSeconds = 5;
         options.stallTimeoutSeconds = 5;
+        options.maxReplyBytes = maxReplyBytes;
         platform::HttpClient client(options);
         const std::string url = "https://" + server_.HostName() + "/echo.php";
         return raw ? client.PostRaw(url, headers, body) : client.Post(url, headers, body);
@@ -53,6 +58,37 @@ TEST_F(HttpRawTest, TlsIsVerifiedOnTheRawRouteToo) {
     platform::HttpClient client(platform::HttpOptions{});  // the test CA not trusted
     const auto reply =
         client.PostRaw("https://" + server_.HostName() + "/echo.php", {}, std::string("x"));
+    EXPECT_FALSE(reply.transported);
+    EXPECT_TRUE(server_.Requests().empty());
+}
+
+TEST_F(HttpRawTest, ReplyUpToTheCapComesWholeAndOneByteMoreIsNone) {
+    for (const bool chunked : {false, true}) {
+        for (const std::size_t size : {std::size_t{200000}, std::size_t{200001}}) {
+            SCOPED_TRACE(std::to_string(size) + (chunked ? " chunked" : " announced"));
+            server_.On("echo.php", [&](const RecordedRequest&) {
+                PageReply r{"<a/>"};
+                r.padding = size - 4;
+                r.chunked = chunked;
+                return r;
+            });
+            const auto reply = Send(false, {}, "a=1&", 200000);
+            EXPECT_EQ(reply.transported, size == 200000) << reply.error;
+            EXPECT_EQ(reply.body.size(), size == 200000 ? size : 0u);
+            if (!reply.transported) {
+                EXPECT_NE(reply.error.find("larger than 200000"), std::string::npos) << reply.error;
+            }
+        }
+    }
+}
+
+TEST_F(HttpRawTest, NoExchangeStartsPastTheDeadline) {
+    server_.On("echo.php", "ok");
+    platform::HttpOptions options;
+    options.caFile = server_.CaFile();
+    options.deadline = std::chrono::steady_clock::now() - std::chrono::seconds(1);
+    const auto reply =
+        platform::HttpClient(options).Post("https://" + server_.HostName() + "/echo.php", {}, "a");
     EXPECT_FALSE(reply.transported);
     EXPECT_TRUE(server_.Requests().empty());
 }

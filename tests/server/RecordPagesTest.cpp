@@ -170,7 +170,8 @@ TEST_F(ServerTest, CodeOrAgencyYearAloneLeaveTheRecordStampWhereNoReaderLooks) {
               1);
     EXPECT_EQ(stampOf("customer/getCompKihon.php"), kihon);
     EXPECT_EQ(stampOf("customer/getCompGyoshu.php"), gyoshu);
-    auto item = Call(u, "customer/getCompList.php", "").Payload("compList").child("compItem");
+    const Reply list = Call(u, "customer/getCompList.php", "");  // the node lives in its document
+    auto item = list.Payload("compList").child("compItem");
     EXPECT_STREQ(item.child("Code").text().get(), "NEW");
     EXPECT_EQ(item.child("RecordUpdate0").text().get(), kihon);
     EXPECT_EQ(ChildrenOf(Call(u, "customer/getCompKihon.php", "CustomerID=9&")

@@ -6,6 +6,7 @@
 #include <openssl/x509.h>
 #include <openssl/x509v3.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
@@ -128,7 +129,33 @@ TestServer::TestServer() : impl_(std::make_unique<Impl>(SharedCertificate())) {
         const PageReply reply = handler(rec);
         if (reply.delay.count() > 0) std::this_thread::sleep_for(reply.delay);
         res.status = reply.status;
-        res.set_content(reply.body, reply.contentType);
+        if (reply.padding == 0 && !reply.chunked && !reply.dropAfter) {
+            res.set_content(reply.body, reply.contentType);
+            return;
+        }
+        const std::size_t total = reply.body.size() + reply.padding;
+        const std::size_t stop = std::min(reply.dropAfter.value_or(total), total);
+        // Returning false makes the library drop the connection.
+        auto part = [body = reply.body, total, stop](std::size_t offset, httplib::DataSink& sink) {
+            if (offset >= stop) {
+                if (stop < total) return false;
+                if (sink.done) sink.done();
+                return true;
+            }
+            const std::size_t n = std::min<std::size_t>(stop - offset, 64 * 1024);
+            std::string piece;
+            if (offset < body.size()) piece = body.substr(offset, n);
+            piece.resize(n, 'x');
+            return sink.write(piece.data(), piece.size());
+        };
+        if (reply.chunked)
+            res.set_chunked_content_provider(reply.contentType, part);
+        else
+            res.set_content_provider(
+                total, reply.contentType,
+                [part](std::size_t offset, std::size_t, httplib::DataSink& sink) {
+                    return part(offset, sink);
+                });
     });
     port_ = impl_->server.bind_to_any_port("127.0.0.1");
     if (port_ <= 0) throw std::runtime_error("test server: cannot bind");

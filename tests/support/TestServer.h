@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,12 @@ struct PageReply {
     int status = 200;
     std::string contentType = "text/xml; charset=UTF-8";
     std::chrono::milliseconds delay{0};
+    // This many bytes of 'x' follow the body, made as they are sent.
+    std::size_t padding = 0;
+    // The length is not announced: the reply goes in chunks.
+    bool chunked = false;
+    // The connection is dropped once this many bytes of the body went out.
+    std::optional<std::size_t> dropAfter{};
 };
 
 class TestServer {

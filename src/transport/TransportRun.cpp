@@ -1,0 +1,64 @@
+#include "transport/TransportRun.h"
+
+#include <algorithm>
+
+#include "session/ProcessState.h"
+
+namespace morvane {
+
+void BeginTransportRun(std::optional<std::chrono::seconds> timeLimit) {
+    TransportRunState& run = State().transportRun;
+    run = TransportRunState{};
+    if (timeLimit) run.deadline = std::chrono::steady_clock::now() + *timeLimit;
+}
+
+TransportCleanup::TransportCleanup() { ++State().transportRun.cleanups; }
+TransportCleanup::~TransportCleanup() { --State().transportRun.cleanups; }
+
+bool ServerUnreachable() { return State().transportRun.failuresInARow >= kMaxTransportFailures; }
+
+bool TransportTimeUp() {
+    const auto& deadline = State().transportRun.deadline;
+    return deadline && std::chrono::steady_clock::now() >= *deadline;
+}
+
+std::string TransportStopReason() {
+    const TransportRunState& run = State().transportRun;
+    if (ServerUnreachable())
+        return "server unreachable: " + std::to_string(run.failuresInARow) +
+               " requests in a row got no reply (" + run.lastError + ")";
+    if (TransportTimeUp() && run.cleanups == 0) return "the time limit of the run was reached";
+    return {};
+}
+
+platform::HttpReply RunExchange(const std::string& url, const platform::HttpHeaders& headers,
+                                std::string_view body, bool exactHeaders,
+                                std::size_t maxReplyBytes) {
+    if (std::string reason = TransportStopReason(); !reason.empty()) {
+        platform::HttpReply refused;
+        refused.error = std::move(reason);
+        return refused;
+    }
+    ProcessState& state = State();
+    platform::HttpOptions options = state.HttpOptions();
+    options.maxReplyBytes = maxReplyBytes;
+    auto deadline = state.transportRun.deadline;
+    if (deadline && state.transportRun.cleanups > 0)
+        deadline = std::max(*deadline, std::chrono::steady_clock::now() +
+                                           std::chrono::seconds(options.stallTimeoutSeconds));
+    if (deadline && (!options.deadline || *deadline < *options.deadline))
+        options.deadline = deadline;
+    platform::HttpClient client(options, &state.HttpPool());
+    platform::HttpReply reply =
+        exactHeaders ? client.PostRaw(url, headers, body) : client.Post(url, headers, body);
+    TransportRunState& run = state.transportRun;
+    if (reply.transported) {
+        run.failuresInARow = 0;
+    } else {
+        ++run.failuresInARow;
+        run.lastError = reply.error;
+    }
+    return reply;
+}
+
+}  // namespace morvane

@@ -1,0 +1,127 @@
+// The server stays available to everyone while some clients are idle, slow, or announce bodies
+// they never send.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "RawConnection.h"
+#include "ServerFixture.h"
+
+namespace morvane::server::testing {
+namespace {
+
+using namespace std::chrono_literals;
+
+// A connection with nothing more to say closes after a second.
+template <int ClientTimeoutSeconds>
+class LimitedServerTest : public ServerTest {
+protected:
+    void SetUp() override {
+        options_.limits.clientTimeout = std::chrono::seconds(ClientTimeoutSeconds);
+        options_.limits.keepAlive = 1s;
+        ServerTest::SetUp();
+    }
+};
+// Client time-outs far longer than any check here, so that only a server that never lets one
+// client hold up another passes.
+using PatientServerTest = LimitedServerTest<60>;
+// Short ones, so that cutting a client off can be seen.
+using StrictServerTest = LimitedServerTest<1>;
+
+// The status line and the body of the first reply in what a connection received.
+std::pair<std::string, std::string> FirstReply(const std::string& received) {
+    const auto end = received.find("\r\n\r\n");
+    if (end == std::string::npos) return {};
+    const std::string head = received.substr(0, end);
+    std::size_t length = 0;
+    if (const auto at = head.find("Content-Length: "); at != std::string::npos)
+        length = std::stoul(head.substr(at + 16));
+    return {head.substr(0, head.find("\r\n")), received.substr(end + 4, length)};
+}
+
+std::string Headers(const std::string& extra) {
+    return "POST /login.php HTTP/1.1\r\nHost: 127.0.0.1\r\n"
+           "Content-Type: application/x-www-form-urlencoded\r\n" +
+           extra;
+}
+
+TEST_F(PatientServerTest, IdleAndHalfSentConnectionsDoNotHoldUpOthers) {
+    std::vector<RawConnection> idle;
+    // Silent before the handshake, far more than the few workers a fixed pool has.
+    for (int i = 0; i < 200; ++i) {
+        idle.emplace_back(server_->Port());
+        ASSERT_TRUE(idle.back().Open());
+    }
+    // Headers begun and never finished, and a body announced and never sent.
+    for (int i = 0; i < 10; ++i) {
+        idle.emplace_back(server_->Port());
+        ASSERT_TRUE(idle.back().StartTls());
+        ASSERT_TRUE(idle.back().Send(i % 2 ? "POST /login.php HTTP/1.1\r\nHost: 1"
+                                           : Headers("Content-Length: 100\r\n\r\nno=K")));
+    }
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(Post("login.php", "no=K100&ID=u1&PW=secret&").Flags(), 1);
+    // Generous for a loaded machine; a starved server answers only after a time-out (60 s).
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 10s);
+}
+
+TEST_F(PatientServerTest, BodiesTooLargeOrWithoutLengthAreRefusedBeforeTheyAreRead) {
+    struct Case {
+        const char* name;
+        std::string request;
+    };
+    const std::vector<Case> cases = {
+        {"length past the limit", Headers("Content-Length: 10000000000\r\n\r\n")},
+        {"no length and not chunked", Headers("\r\nno=K100&ID=u1&PW=secret&")},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        RawConnection conn(server_->Port());
+        ASSERT_TRUE(conn.StartTls());
+        ASSERT_TRUE(conn.Send(c.request));
+        // The client keeps the connection open and sends nothing more.
+        // The reply comes without the body; a server that waited for it would answer only
+        // at the client time-out.
+        const auto outcome = conn.ReadUntilClosed(10s);
+        EXPECT_TRUE(outcome.closed);
+        const auto [status, body] = FirstReply(outcome.received);
+        EXPECT_EQ(status, "HTTP/1.1 413 Payload Too Large") << outcome.received;
+        EXPECT_EQ(Reply(body).Flags(), -1) << body;
+    }
+    // The server is still there for a normal request.
+    EXPECT_EQ(Post("login.php", "no=K100&ID=u1&PW=secret&").Flags(), 1);
+}
+
+TEST_F(StrictServerTest, SlowClientsAreCutOff) {
+    struct Case {
+        const char* name;
+        bool tls;
+        std::string sent;
+    };
+    const std::vector<Case> cases = {
+        {"silent before the handshake", false, ""},
+        {"handshake half sent", false, std::string("\x16\x03\x01\x00\x80\x01", 6)},
+        {"silent after the handshake", true, ""},
+        {"headers never finished", true, "POST /login.php HTTP/1.1\r\nHost: 1"},
+        {"body never finished", true, Headers("Content-Length: 100\r\n\r\nno=K100")},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        RawConnection conn(server_->Port());
+        ASSERT_TRUE(conn.Open());
+        if (c.tls) {
+            ASSERT_TRUE(conn.StartTls());
+        }
+        if (!c.sent.empty()) {
+            ASSERT_TRUE(conn.Send(c.sent));
+        }
+        // Cut off after about a second; the check leaves room for a loaded machine.
+        EXPECT_TRUE(conn.ReadUntilClosed(15s).closed);
+    }
+}
+
+}  // namespace
+}  // namespace morvane::server::testing
