@@ -36,7 +36,10 @@ platform::HttpReply PostWithHeaders(const std::string& url, const platform::Http
     platform::HttpHeaders headers = StandardHeaders();
     headers.insert(headers.end(), extra.begin(), extra.end());
     platform::HttpClient client(State().HttpOptions(), &State().HttpPool());
-    return client.Post(url, headers, body);
+    platform::HttpReply reply = client.Post(url, headers, body);
+    ++State().exchanges.tried;
+    if (!reply.transported) ++State().exchanges.unanswered;
+    return reply;
 }
 
 std::string PostToServer(std::string_view path, std::string_view postData) {
