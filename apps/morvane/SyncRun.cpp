@@ -133,15 +133,19 @@ int SyncRun::Compare(const SyncKind& kind, std::int32_t custId, const std::vecto
     return folded;
 }
 
-void SyncRun::Settle(const SyncKind& kind, std::int32_t custId, const std::vector<Value>& args) {
+void SyncRun::Settle(KindScope scope, std::int32_t custId, const std::vector<Value>& args) {
     if (options_.journal.empty() || options_.dryRun) return;
-    c_.TakeComparedStamps();
-    const Answer answer = Ask(kind.compare, args);
-    const SeenStamps seen = c_.TakeComparedStamps();
-    if (!answer.failed && NzLong(answer.value) == 0)
-        journal_.Agreed(custId, kind.name, seen);
-    else
-        journal_.Forget(custId, kind.name);
+    // Once every kind has moved: a later kind's move may change an earlier one's stamps.
+    for (const SyncKind& kind : SyncKinds()) {
+        if (kind.scope != scope || !Live(kind) || Stopped()) continue;
+        c_.TakeComparedStamps();
+        const Answer answer = Ask(kind.compare, args);
+        const SeenStamps seen = c_.TakeComparedStamps();
+        if (!answer.failed && NzLong(answer.value) == 0)
+            journal_.Agreed(custId, kind.name, seen);
+        else
+            journal_.Forget(custId, kind.name);
+    }
 }
 
 SyncSummary SyncRun::Run() {
@@ -416,6 +420,7 @@ std::vector<std::int32_t> SyncRun::CustomersToWalk() {
 void SyncRun::Customer(std::int32_t id) {
     const auto& tables = BackupTables();
     const std::vector<Value> args{Value(options_.localDb), Value(id)};
+    const int movedBefore = summary_.downloads + summary_.uploads;
     bool anyLive = false;
     for (const SyncKind& k : SyncKinds())
         if ((k.scope == KindScope::Customer || k.scope == KindScope::CustomerFile) && Live(k))
@@ -493,8 +498,10 @@ void SyncRun::Customer(std::int32_t id) {
             tally_[kind.name].differ[decision]++;
             continue;
         }
-        if (Decide(kind, decision, args, label, id) == 2) sentUp.insert(kind.name);
+        if (Decide(kind, decision, args, label) == 2) sentUp.insert(kind.name);
     }
+    if (locked && summary_.downloads + summary_.uploads > movedBefore)
+        Settle(KindScope::Customer, id, args);
     if (locked && !CallOk("UnlockCoustomer", {Value(id)})) {
         ++summary_.failures;
         out_ << "customer " << id << ": unlock failed\n";
@@ -543,7 +550,7 @@ void SyncRun::Files(const SyncKind& kind, std::int32_t id, bool recordsSentUp) {
 }
 
 int SyncRun::Decide(const SyncKind& kind, int decision, const std::vector<Value>& args,
-                    const std::string& label, std::int32_t custId) {
+                    const std::string& label) {
     if (decision == 3) {
         switch (options_.prefer) {
             case Prefer::Server:
@@ -576,7 +583,6 @@ int SyncRun::Decide(const SyncKind& kind, int decision, const std::vector<Value>
     if (CallOk(member, args)) {
         ++(decision == 1 ? summary_.downloads : summary_.uploads);
         out_ << label << ": " << (decision == 1 ? "downloaded" : "uploaded") << '\n';
-        Settle(kind, custId, args);
         return decision;
     }
     ++summary_.failures;
@@ -594,6 +600,7 @@ void SyncRun::Masters() {
             tally_[k.name].notCompared++;
     }
     if (!live.empty()) {
+        const int movedBefore = summary_.downloads + summary_.uploads;
         bool locked = false;
         if (!options_.dryRun) {
             if (!c_.Has("LockMasterData")) {
@@ -617,8 +624,10 @@ void SyncRun::Masters() {
                 tally_[k->name].differ[decision]++;
                 continue;
             }
-            Decide(*k, decision, {Value(masterDb_)}, k->name, 0);
+            Decide(*k, decision, {Value(masterDb_)}, k->name);
         }
+        if (locked && summary_.downloads + summary_.uploads > movedBefore)
+            Settle(KindScope::Master, 0, {Value(masterDb_)});
         if (locked && !CallOk("UnlockMasterData", {Value(1)})) ++summary_.failures;
     }
     // The kinds no worker moves yet, in the table's order.

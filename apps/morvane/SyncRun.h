@@ -118,7 +118,7 @@ private:
     // Moves one live kind the way its decision (or the user) says.
     // What was done (or planned): 1 a download, 2 an upload, 0 nothing.
     int Decide(const SyncKind& kind, int decision, const std::vector<Value>& args,
-               const std::string& label, std::int32_t custId);
+               const std::string& label);
     // A member's call whose exchanges with the server are watched.
     struct Answer {
         Value value;
@@ -130,8 +130,9 @@ private:
     bool CallOk(std::string_view member, const std::vector<Value>& args);
     // The comparison of a kind with the journal's word folded in; -1 when it failed.
     int Compare(const SyncKind& kind, std::int32_t custId, const std::vector<Value>& args);
-    // After a move, the comparison again: what agrees now goes into the journal.
-    void Settle(const SyncKind& kind, std::int32_t custId, const std::vector<Value>& args);
+    // After moves, every live kind of the scope compared again: what agrees now goes into
+    // the journal.
+    void Settle(KindScope scope, std::int32_t custId, const std::vector<Value>& args);
     bool Stopped() const { return summary_.unreachable; }
     void Progress(std::size_t done, std::size_t total, std::int32_t id);
     bool Live(const SyncKind& kind) const;
