@@ -9,9 +9,9 @@ namespace morvane::cli {
 class ScratchDatabases {
 public:
     // Copies the customer database, Master.dat and prefcustom.dat beside it (those that
-    // exist, with their journal files). Raises std::filesystem::filesystem_error on failure.
+    // exist, with their journal files). Raises std::filesystem::filesystem_error on failure,
+    // a missing customer database included.
     explicit ScratchDatabases(const std::filesystem::path& customerDb);
-    ~ScratchDatabases();
     ScratchDatabases(const ScratchDatabases&) = delete;
     ScratchDatabases& operator=(const ScratchDatabases&) = delete;
 
@@ -19,7 +19,14 @@ public:
     const std::filesystem::path& CustomerDb() const { return customerDb_; }
 
 private:
-    std::filesystem::path dir_;
+    // Removed with everything in it when the copies go, or when copying fails half-way.
+    struct Folder {
+        std::filesystem::path path;
+        Folder() = default;
+        Folder(const Folder&) = delete;
+        Folder& operator=(const Folder&) = delete;
+        ~Folder();
+    } dir_;
     std::filesystem::path customerDb_;
 };
 
