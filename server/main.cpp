@@ -11,6 +11,7 @@
 
 #include "platform/AtomicFile.h"
 #include "server/MorvaneServer.h"
+#include "server/core/Clock.h"
 
 namespace {
 
@@ -76,6 +77,11 @@ int main(int argc, char** argv) {
         ->capture_default_str();
     serveCmd->add_option("--port-file", portFile, "Write the port bound to this file");
     serveCmd->add_flag("--quiet", quiet, "No request log");
+    long clockOffset = 0;
+    serveCmd
+        ->add_option("--clock-offset", clockOffset,
+                     "Seconds added to the system's clock, to try clients against a wrong one")
+        ->capture_default_str();
 
     AccountFields account;
     std::string accountData;
@@ -116,6 +122,9 @@ int main(int argc, char** argv) {
             options.tokenIdle = std::chrono::seconds(tokenIdle);
             options.lockExpiry = std::chrono::seconds(lockExpiry);
             options.maxUploadBytes = maxUpload;
+            if (clockOffset != 0)
+                options.clock = std::make_shared<morvane::server::OffsetClock>(
+                    std::chrono::seconds(clockOffset));
             return Serve(std::move(options), portFile, quiet);
         }
         if (*accountCmd) {

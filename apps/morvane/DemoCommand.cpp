@@ -16,7 +16,7 @@
 #include "Host.h"
 #include "InitDbCommand.h"
 #include "LoginCommands.h"
-#include "ObjectComponent.h"
+#include "SyncCommand.h"
 #include "SyncRun.h"
 #include "platform/Dao.h"
 #include "session/DispatchTable.h"
@@ -100,13 +100,11 @@ void UseOffice(const fs::path& officeDir, const DemoServer& server) {
 
 // One office's synchronisation in this process, as `morvane sync` runs it.
 SyncSummary SyncOffice(const fs::path& db, bool dryRun, std::ostream& out) {
-    ObjectComponent component;
     SyncOptions options;
     options.localDb = db.string();
     options.prefer = Prefer::Skip;  // nobody answers in a demo
     options.dryRun = dryRun;
-    SyncRun run(component, options, out, out);
-    SyncSummary summary = run.Run();
+    SyncSummary summary = SyncLocal(options, out, out);
     PrintSummary(summary, out);
     return summary;
 }

@@ -53,9 +53,13 @@ int RunLogin(const LoginRequest& request, std::ostream& out) {
     State().serverName = Trim(request.server);
     State().contractNo = Trim(request.contractNo);
 
+    const std::uint64_t unanswered = State().exchanges.unanswered;
     DoLogin(Trim(request.userId), request.password, Trim(request.contractNo));
     const int state = obj.LoginState();
-    out << "login: " << StateText(state) << " (state " << state << ")\n";
+    if (State().exchanges.unanswered > unanswered)
+        out << "login: the server did not answer (state " << state << ")\n";
+    else
+        out << "login: " << StateText(state) << " (state " << state << "); the server answered\n";
     if (state == 1) {
         PrintAccount(obj, out);
         SaveLoginInfo(GetLoginID(), GetLoginToken(), std::to_string(state));

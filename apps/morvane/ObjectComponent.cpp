@@ -4,6 +4,7 @@
 
 #include "platform/Dao.h"
 #include "session/DispatchTable.h"
+#include "session/ProcessState.h"
 #include "session/basTextEncrypt.h"
 #include "session/mdlLogin.h"
 #include "session/mdlLoginInfo.h"
@@ -45,6 +46,21 @@ int ObjectComponent::LoginFromSettings() {
     const int state = obj_.LoginState();
     if (state == 1) SaveLoginInfo(GetLoginID(), GetLoginToken(), std::to_string(state));
     return state;
+}
+
+int ObjectComponent::LoginState() const { return obj_.LoginState(); }
+
+ExchangeCounts ObjectComponent::Exchanges() const {
+    const auto& e = State().exchanges;
+    return {e.tried, e.unanswered, e.failed};
+}
+
+SeenStamps ObjectComponent::TakeComparedStamps() {
+    ProcessState& state = State();
+    const SeenStamps seen{state.comparedServerStamps, state.comparedLocalStamps};
+    state.comparedServerStamps = 0;
+    state.comparedLocalStamps = 0;
+    return seen;
 }
 
 bool ObjectComponent::RosterUploadIDs(const std::string& localDb, std::string& add,

@@ -12,6 +12,9 @@ public:
     bool Has(std::string_view member) const override;
     Value Call(std::string_view member, const std::vector<Value>& args) override;
     int LoginFromSettings() override;
+    int LoginState() const override;
+    ExchangeCounts Exchanges() const override;
+    SeenStamps TakeComparedStamps() override;
     bool RosterUploadIDs(const std::string& localDb, std::string& add, std::string& del,
                          std::string& update) override;
     std::vector<std::int32_t> LocalCustomerIDs(const std::string& localDb) override;

@@ -1,11 +1,32 @@
 #include "SyncCommand.h"
 
 #include <filesystem>
+#include <optional>
 #include <ostream>
 
 #include "ObjectComponent.h"
+#include "ScratchDatabases.h"
+#include "session/ProcessState.h"
 
 namespace morvane::cli {
+
+std::filesystem::path DefaultJournalPath() {
+    return State().Settings().Root() / "morvane-sync-journal.tsv";
+}
+
+SyncSummary SyncLocal(SyncOptions options, std::ostream& out, std::ostream& err) {
+    if (options.journal.empty()) options.journal = DefaultJournalPath();
+    std::optional<ScratchDatabases> scratch;
+    if (options.dryRun) {
+        if (options.filesDir.empty())
+            options.filesDir = std::filesystem::path(options.localDb).parent_path();
+        scratch.emplace(options.localDb);
+        options.localDb = scratch->CustomerDb().string();
+    }
+    ObjectComponent component;
+    SyncRun run(component, options, out, err);
+    return run.Run();
+}
 
 int RunSync(const SyncOptions& options, std::ostream& out, std::ostream& err) {
     std::error_code ec;
@@ -13,9 +34,13 @@ int RunSync(const SyncOptions& options, std::ostream& out, std::ostream& err) {
         err << "morvane: no customer database at " << options.localDb << '\n';
         return 2;
     }
-    ObjectComponent component;
-    SyncRun run(component, options, out, err);
-    const SyncSummary summary = run.Run();
+    SyncSummary summary;
+    try {
+        summary = SyncLocal(options, out, err);
+    } catch (const std::filesystem::filesystem_error& e) {
+        err << "morvane: " << e.what() << '\n';
+        return 2;
+    }
     PrintSummary(summary, out);
     return ExitCode(summary);
 }

@@ -27,6 +27,9 @@ const char* Way(int flag) {
     }
 }
 
+// Requests in a row that got no answer before the run counts the server as unreachable.
+constexpr int kUnreachableAfter = 3;
+
 std::vector<std::int32_t> SplitIDs(const std::string& text) {
     std::vector<std::int32_t> ids;
     for (const std::string& part : Split(text, ","))
@@ -45,13 +48,19 @@ std::optional<Prefer> ParsePrefer(std::string_view text) {
 }
 
 int ExitCode(const SyncSummary& s) {
-    if (!s.loggedIn || s.failures > 0 || s.conflicts > 0) return 1;
+    if (!s.loggedIn || s.unreachable || s.stopped || s.failures > 0 || s.conflicts > 0) return 1;
     if (!s.unsupported.empty() || s.planned > 0) return 3;
     return 0;
 }
 
 void PrintSummary(const SyncSummary& s, std::ostream& out) {
     out << "Summary\n"
+        << "  server:      "
+        << (s.unreachable      ? "unreachable"
+            : s.stopped        ? "answered, but the run stopped early"
+            : s.serverAnswered ? "answered"
+                               : "not reached")
+        << '\n'
         << "  customers:   " << s.customers << '\n'
         << "  tables:      " << s.tablesCompared << " compared, " << s.tablesDiffering
         << " differ\n"
@@ -68,9 +77,14 @@ void PrintSummary(const SyncSummary& s, std::ostream& out) {
 }
 
 SyncRun::SyncRun(Component& component, SyncOptions options, std::ostream& out, std::ostream& err)
-    : c_(component), options_(std::move(options)), out_(out), err_(err) {
-    dataDir_ = std::filesystem::path(options_.localDb).parent_path();
-    masterDb_ = (dataDir_ / "Master.dat").string();
+    : c_(component),
+      options_(std::move(options)),
+      out_(out),
+      err_(err),
+      journal_(options_.journal) {
+    const std::filesystem::path dbDir = std::filesystem::path(options_.localDb).parent_path();
+    dataDir_ = options_.filesDir.empty() ? dbDir : options_.filesDir;
+    masterDb_ = (dbDir / "Master.dat").string();
 }
 
 bool SyncRun::Live(const SyncKind& kind) const {
@@ -79,43 +93,125 @@ bool SyncRun::Live(const SyncKind& kind) const {
            c_.Has(kind.upload);
 }
 
+SyncRun::Answer SyncRun::Ask(std::string_view member, const std::vector<Value>& args) {
+    const ExchangeCounts before = c_.Exchanges();
+    Answer answer{c_.Call(member, args)};
+    const ExchangeCounts after = c_.Exchanges();
+    answer.failed = after.failed > before.failed || after.unanswered > before.unanswered;
+    answer.unanswered = after.unanswered > before.unanswered;
+    if (after.tried - after.unanswered > before.tried - before.unanswered) {
+        summary_.serverAnswered = true;
+        unansweredInARow_ = 0;
+    } else if (after.unanswered > before.unanswered) {
+        unansweredInARow_ += static_cast<int>(after.unanswered - before.unanswered);
+        if (unansweredInARow_ >= kUnreachableAfter && !summary_.unreachable) {
+            summary_.unreachable = true;
+            ++summary_.failures;
+            out_ << "server: " << unansweredInARow_
+                 << " requests in a row went unanswered; the run stops here\n";
+        }
+    }
+    return answer;
+}
+
 bool SyncRun::CallOk(std::string_view member, const std::vector<Value>& args) {
-    return NzLong(c_.Call(member, args)) == 1;
+    const Answer answer = Ask(member, args);
+    return !answer.failed && NzLong(answer.value) == 1;
+}
+
+int SyncRun::Compare(const SyncKind& kind, std::int32_t custId, const std::vector<Value>& args) {
+    c_.TakeComparedStamps();
+    const Answer answer = Ask(kind.compare, args);
+    const SeenStamps seen = c_.TakeComparedStamps();
+    if (answer.failed) return -1;
+    const int decision = NzLong(answer.value);
+    const std::optional<SeenStamps> agreed = journal_.Find(custId, kind.name);
+    const int folded = WithJournal(decision, agreed, seen);
+    if (folded != decision)
+        out_ << (custId == 0 ? kind.name : "customer " + std::to_string(custId) + " " + kind.name)
+             << ": " << (agreed->server != seen.server ? "the server" : "the local side")
+             << " changed since the last agreement (" << Way(decision) << " by the stamps)\n";
+    if (folded == 0 && !options_.dryRun) journal_.Agreed(custId, kind.name, seen);
+    return folded;
+}
+
+void SyncRun::Settle(KindScope scope, std::int32_t custId, const std::vector<Value>& args) {
+    if (options_.journal.empty() || options_.dryRun) return;
+    // Once every kind has moved: a later kind's move may change an earlier one's stamps.
+    for (const SyncKind& kind : SyncKinds()) {
+        if (kind.scope != scope || !Live(kind) || Stopped()) continue;
+        c_.TakeComparedStamps();
+        const Answer answer = Ask(kind.compare, args);
+        const SeenStamps seen = c_.TakeComparedStamps();
+        if (!answer.failed && NzLong(answer.value) == 0)
+            journal_.Agreed(custId, kind.name, seen);
+        else
+            journal_.Forget(custId, kind.name);
+    }
 }
 
 SyncSummary SyncRun::Run() {
     summary_ = {};
     tally_.clear();
     rosterAdd_.clear();
+    unansweredInARow_ = 0;
+    const ExchangeCounts before = c_.Exchanges();
     const int state = c_.LoginFromSettings();
+    const ExchangeCounts after = c_.Exchanges();
     summary_.loggedIn = state == 1;
+    summary_.serverAnswered = after.tried - after.unanswered > before.tried - before.unanswered;
     if (!summary_.loggedIn) {
-        out_ << "login: not logged in (state " << state
-             << "); run `morvane login` first, or save the password\n";
+        if (after.unanswered > before.unanswered && !summary_.serverAnswered) {
+            summary_.unreachable = true;
+            out_ << "login: the server did not answer; not logged in\n";
+        } else {
+            out_ << "login: not logged in (state " << state
+                 << "); run `morvane login` first, or save the password\n";
+        }
         return summary_;
     }
-    out_ << "login: logged in\n";
+    out_ << (after.tried > before.tried
+                 ? "login: logged in (the server answered)\n"
+                 : "login: the saved login, not yet confirmed by the server\n");
     if (!Roster()) return summary_;
     BackupTargets();
-    const std::vector<std::int32_t> ids = CustomersToWalk();
+    const std::vector<std::int32_t> ids =
+        Stopped() ? std::vector<std::int32_t>{} : CustomersToWalk();
     summary_.customers = static_cast<int>(ids.size());
-    for (std::size_t i = 0; i < ids.size(); ++i) {
+    for (std::size_t i = 0; i < ids.size() && !Stopped(); ++i) {
         if (const std::string stop = TransportStopReason(); !stop.empty()) {
-            out_ << "stopped: " << stop << "\n";  // the rest would fail the same way
+            out_ << "stopped: " << stop << "
+";  // the rest would fail the same way
             ++summary_.failures;
-            return summary_;
+            summary_.stopped = true;
+            break;
         }
         Progress(i, ids.size(), ids[i]);
         Customer(ids[i]);
     }
     Progress(ids.size(), ids.size(), 0);
-    Masters();
+    if (!Stopped()) Masters();
+    if (!options_.dryRun && !journal_.Save())
+        out_ << "journal: the record of this run's agreements could not be written\n";
     return summary_;
 }
 
 bool SyncRun::Roster() {
     const std::vector<Value> db{Value(options_.localDb)};
-    int result = NzLong(c_.Call("CompareCustomerList", db));
+    const Answer compared = Ask("CompareCustomerList", db);
+    if (compared.failed) {
+        ++summary_.failures;
+        if (Stopped() || (compared.unanswered && !summary_.serverAnswered)) {
+            summary_.unreachable = true;
+            out_ << "roster: the server did not answer\n";
+        } else if (c_.LoginState() != 1)
+            out_ << "roster: the server refused the login (state " << c_.LoginState() << ")\n";
+        else
+            out_ << "roster: the server's roster could not be read\n";
+        out_ << "  nothing is compared without the roster\n";
+        return false;
+    }
+    int result = NzLong(compared.value);
     summary_.rosterResult = result;
     const char* meaning[] = {"agree", "", "", "differ", "server has none", "local has none"};
     out_ << "roster: " << (result >= 0 && result <= 5 ? meaning[result] : "?") << " (result "
@@ -137,7 +233,13 @@ bool SyncRun::Roster() {
     // A roster that moved is compared again so the per-table snapshot is current.
     if (!options_.dryRun && (!plan.addServer.empty() || !plan.delServer.empty() || plan.download)) {
         rosterAdd_.clear();
-        result = NzLong(c_.Call("CompareCustomerList", db));
+        const Answer again = Ask("CompareCustomerList", db);
+        if (again.failed) {
+            ++summary_.failures;
+            out_ << "roster after reconciliation: the comparison failed\n";
+            return false;
+        }
+        result = NzLong(again.value);
         summary_.rosterResult = result;
         out_ << "roster after reconciliation: result " << result << '\n';
         if (result != 0 && c_.RosterUploadIDs(options_.localDb, add, del, upd))
@@ -271,7 +373,13 @@ void SyncRun::BackupTargets() {
         out_ << "backup targets: not checked in a dry run\n";
         return;
     }
-    const int result = NzLong(c_.Call("CheckInetEnabledFlags", {Value(options_.localDb)}));
+    const Answer checked = Ask("CheckInetEnabledFlags", {Value(options_.localDb)});
+    if (checked.failed) {
+        ++summary_.failures;
+        out_ << "backup targets: the check failed\n";
+        return;
+    }
+    const int result = NzLong(checked.value);
     out_ << "backup targets: result " << result << '\n';
     if (result == 1 || result == 2) return;
     // 0: more customers are backed up than the account allows, 3: fewer.
@@ -297,10 +405,21 @@ std::vector<std::int32_t> SyncRun::CustomersToWalk() {
     const bool flags = c_.Has("CustmerInetEnabledFlag") && c_.Has("CheckExistCustID");
     for (std::int32_t id : c_.LocalCustomerIDs(options_.localDb)) {
         if (localOnly.count(std::to_string(id))) continue;
-        if (flags && NzLong(c_.Call("CheckExistCustID", {Value(id)})) == 1 &&
-            NzLong(c_.Call("CustmerInetEnabledFlag", {Value(id)})) != 1) {
-            out_ << "customer " << id << ": not a backup target\n";
-            continue;
+        if (flags) {
+            const Answer exists = Ask("CheckExistCustID", {Value(id)});
+            const Answer enabled = NzLong(exists.value) == 1
+                                       ? Ask("CustmerInetEnabledFlag", {Value(id)})
+                                       : Answer{Value(1)};
+            if (Stopped()) break;
+            if (exists.failed || enabled.failed) {
+                ++summary_.failures;
+                out_ << "customer " << id << ": whether it is a backup target is unknown\n";
+                continue;
+            }
+            if (NzLong(enabled.value) != 1) {
+                out_ << "customer " << id << ": not a backup target\n";
+                continue;
+            }
         }
         ids.push_back(id);
     }
@@ -310,6 +429,7 @@ std::vector<std::int32_t> SyncRun::CustomersToWalk() {
 void SyncRun::Customer(std::int32_t id) {
     const auto& tables = BackupTables();
     const std::vector<Value> args{Value(options_.localDb), Value(id)};
+    const int movedBefore = summary_.downloads + summary_.uploads;
     bool anyLive = false;
     for (const SyncKind& k : SyncKinds())
         if ((k.scope == KindScope::Customer || k.scope == KindScope::CustomerFile) && Live(k))
@@ -363,6 +483,7 @@ void SyncRun::Customer(std::int32_t id) {
     for (std::size_t k = 0; k < SyncKinds().size(); ++k) {
         const SyncKind& kind = SyncKinds()[k];
         if (kind.scope == KindScope::Master) continue;
+        if (Stopped()) break;
         const std::string label = "customer " + std::to_string(id) + " " + kind.name;
         if (!Live(kind)) {
             const int combined = CombineFlags(flags[k]);
@@ -376,13 +497,20 @@ void SyncRun::Customer(std::int32_t id) {
             if (options_.dryRun || locked) Files(kind, id, sentUp.count(kind.records) > 0);
             continue;
         }
-        const int decision = NzLong(c_.Call(kind.compare, args));
+        const int decision = Compare(kind, id, args);
+        if (decision < 0) {
+            ++summary_.failures;
+            out_ << label << ": the comparison failed\n";
+            continue;
+        }
         if (decision != 0 && !options_.dryRun && !locked) {
             tally_[kind.name].differ[decision]++;
             continue;
         }
         if (Decide(kind, decision, args, label) == 2) sentUp.insert(kind.name);
     }
+    if (locked && summary_.downloads + summary_.uploads > movedBefore)
+        Settle(KindScope::Customer, id, args);
     if (locked && !CallOk("UnlockCoustomer", {Value(id)})) {
         ++summary_.failures;
         out_ << "customer " << id << ": unlock failed\n";
@@ -396,7 +524,14 @@ void SyncRun::Files(const SyncKind& kind, std::int32_t id, bool recordsSentUp) {
         // 0 the same (or on neither side), 1 the server's copy is to be taken, 2 the local one
         // is to be sent; never "both moved", so never a question.
         const std::vector<Value> compareArgs{Value(id), Value(path)};
-        int decision = NzLong(c_.Call(kind.compare, compareArgs));
+        const Answer compared = Ask(kind.compare, compareArgs);
+        if (compared.failed) {
+            ++summary_.failures;
+            out_ << "customer " << id << " file " << name << ": the comparison failed\n";
+            if (Stopped()) return;
+            continue;
+        }
+        int decision = NzLong(compared.value);
         // The comparison cannot tell a file the server lacks from one it holds the same: files
         // of records just sent go up with them.
         if (decision == 0 && recordsSentUp) decision = 2;
@@ -409,8 +544,10 @@ void SyncRun::Files(const SyncKind& kind, std::int32_t id, bool recordsSentUp) {
             continue;
         }
         // A download answers 1 even when no whole file came: the copies are compared again.
-        if (CallOk(down ? kind.download : kind.upload, {Value(id), Value(path), Value()}) &&
-            NzLong(c_.Call(kind.compare, compareArgs)) == 0) {
+        if (CallOk(down ? kind.download : kind.upload, {Value(id), Value(path), Value()}) && [&] {
+                const Answer again = Ask(kind.compare, compareArgs);
+                return !again.failed && NzLong(again.value) == 0;
+            }()) {
             ++(down ? summary_.downloads : summary_.uploads);
             out_ << label << ": " << (down ? "downloaded" : "uploaded") << '\n';
         } else {
@@ -472,6 +609,7 @@ void SyncRun::Masters() {
             tally_[k.name].notCompared++;
     }
     if (!live.empty()) {
+        const int movedBefore = summary_.downloads + summary_.uploads;
         bool locked = false;
         if (!options_.dryRun) {
             if (!c_.Has("LockMasterData")) {
@@ -484,13 +622,21 @@ void SyncRun::Masters() {
             }
         }
         for (const SyncKind* k : live) {
-            const int decision = NzLong(c_.Call(k->compare, {Value(masterDb_)}));
+            const int decision = Compare(*k, 0, {Value(masterDb_)});
+            if (decision < 0) {
+                ++summary_.failures;
+                out_ << k->name << ": the comparison failed\n";
+                if (Stopped()) break;
+                continue;
+            }
             if (decision != 0 && !options_.dryRun && !locked) {
                 tally_[k->name].differ[decision]++;
                 continue;
             }
             Decide(*k, decision, {Value(masterDb_)}, k->name);
         }
+        if (locked && summary_.downloads + summary_.uploads > movedBefore)
+            Settle(KindScope::Master, 0, {Value(masterDb_)});
         if (locked && !CallOk("UnlockMasterData", {Value(1)})) ++summary_.failures;
     }
     // The kinds no worker moves yet, in the table's order.

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "SyncJournal.h"
 #include "SyncKinds.h"
 #include "util/Value.h"
 
@@ -21,6 +22,14 @@ std::optional<Prefer> ParsePrefer(std::string_view text);
 
 // What the run needs of the component; the command line's own one calls the public object
 // by member name, tests give a scripted one.
+// The process's exchanges with the server so far: tried, never answered, and failed
+// (unanswered or refused).
+struct ExchangeCounts {
+    std::uint64_t tried = 0;
+    std::uint64_t unanswered = 0;
+    std::uint64_t failed = 0;
+};
+
 class Component {
 public:
     virtual ~Component() = default;
@@ -29,6 +38,10 @@ public:
     virtual Value Call(std::string_view member, const std::vector<Value>& args) = 0;
     // The login from the saved settings; the login state.
     virtual int LoginFromSettings() = 0;
+    virtual int LoginState() const = 0;
+    virtual ExchangeCounts Exchanges() const = 0;
+    // The stamps the comparisons saw since the last call.
+    virtual SeenStamps TakeComparedStamps() = 0;
     // GetUploadCustomerListIDs with its output texts; false when it failed.
     virtual bool RosterUploadIDs(const std::string& localDb, std::string& add, std::string& del,
                                  std::string& update) = 0;
@@ -45,6 +58,10 @@ struct SyncOptions {
     bool dryRun = false;
     bool progress = false;  // a progress bar on the error stream
     bool verbose = false;   // every differing table by name, not only their count
+    // Where relative DataFile names lie; empty: the customer database's folder.
+    std::filesystem::path filesDir;
+    // The host's record of the last agreements; empty: none kept.
+    std::filesystem::path journal;
 };
 
 // A kind, or a roster step, that differed or could not be compared, and why it stayed.
@@ -64,6 +81,9 @@ struct SyncSummary {
     int conflicts = 0;  // result 3 left unresolved (skipped or cancelled)
     int failures = 0;
     int planned = 0;  // moves a dry run left undone
+    bool serverAnswered = false;
+    bool unreachable = false;  // the run stopped: the server answered nothing
+    bool stopped = false;      // the run stopped: its time limit, or the transport gave up
     std::vector<Unsupported> unsupported;
 };
 
@@ -100,7 +120,21 @@ private:
     // What was done (or planned): 1 a download, 2 an upload, 0 nothing.
     int Decide(const SyncKind& kind, int decision, const std::vector<Value>& args,
                const std::string& label);
+    // A member's call whose exchanges with the server are watched.
+    struct Answer {
+        Value value;
+        bool failed = false;  // an exchange of the call failed: its result means nothing
+        bool unanswered = false;
+    };
+    Answer Ask(std::string_view member, const std::vector<Value>& args);
+    // 1 from the member and no failed exchange.
     bool CallOk(std::string_view member, const std::vector<Value>& args);
+    // The comparison of a kind with the journal's word folded in; -1 when it failed.
+    int Compare(const SyncKind& kind, std::int32_t custId, const std::vector<Value>& args);
+    // After moves, every live kind of the scope compared again: what agrees now goes into
+    // the journal.
+    void Settle(KindScope scope, std::int32_t custId, const std::vector<Value>& args);
+    bool Stopped() const { return summary_.unreachable || summary_.stopped; }
     void Progress(std::size_t done, std::size_t total, std::int32_t id);
     bool Live(const SyncKind& kind) const;
 
@@ -112,6 +146,8 @@ private:
     std::filesystem::path dataDir_;  // where relative DataFile names lie: the database's folder
     std::string masterDb_;
     std::vector<std::string> rosterAdd_;  // local customers the server lacks
+    SyncJournal journal_;
+    int unansweredInARow_ = 0;
     struct Tally {
         int notCompared = 0;
         std::map<int, int> differ;  // decision code -> customers

@@ -18,6 +18,17 @@ public:
     time_point Now() const override { return std::chrono::system_clock::now(); }
 };
 
+// The system's clock set off by a fixed amount, to try clients against a server whose
+// clock is wrong.
+class OffsetClock final : public Clock {
+public:
+    explicit OffsetClock(std::chrono::seconds offset) : offset_(offset) {}
+    time_point Now() const override { return std::chrono::system_clock::now() + offset_; }
+
+private:
+    std::chrono::seconds offset_;
+};
+
 // A clock that moves only when told to.
 class ManualClock final : public Clock {
 public:

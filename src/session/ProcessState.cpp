@@ -76,6 +76,9 @@ void ProcessState::Reset() {
     inetDateServer.clear();
     inetDateLocal.clear();
     inetDateCheck.clear();
+    comparedServerStamps = 0;
+    comparedLocalStamps = 0;
+    exchanges = {};
     serverName.reset();
     contractNo.reset();
     customerLockState = 0;

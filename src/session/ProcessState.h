@@ -51,6 +51,19 @@ public:
     std::string inetDateServer;
     std::string inetDateLocal;
     std::string inetDateCheck;
+    // Every comparison's server and local stamps folded in, so that a host can tell which
+    // stamps a member's comparison saw; the host zeroes them before it asks.
+    std::uint64_t comparedServerStamps = 0;
+    std::uint64_t comparedLocalStamps = 0;
+
+    // Exchanges with the server since the start: tried, never answered (no connection or
+    // no reply), and failed (unanswered, malformed, or flags other than 1). Members give 0
+    // for "agree" and for a failure alike; a host tells them apart by these.
+    struct ExchangeCounts {
+        std::uint64_t tried = 0;
+        std::uint64_t unanswered = 0;
+        std::uint64_t failed = 0;
+    } exchanges;
 
     // Read from the settings once per process.
     std::optional<std::string> serverName;

@@ -114,10 +114,25 @@ std::optional<DateValue> AsDate(const Value& v) {
     return std::nullopt;
 }
 
+namespace {
+// FNV-1a over the stamp text and a separator, so that "a" then "bc" differs from "ab", "c".
+std::uint64_t FoldStamp(std::uint64_t fold, const std::string& stamp) {
+    if (fold == 0) fold = 14695981039346656037ull;
+    for (const char ch : stamp + '\n') {
+        fold ^= static_cast<unsigned char>(ch);
+        fold *= 1099511628211ull;
+    }
+    return fold;
+}
+}  // namespace
+
 std::int32_t CompareInetDates(const Value& server, const Value& local, const Value& check) {
     const std::int32_t result =
         DecideInetDates(AsDate(server), AsDate(local), AsDate(check), State().inetServerTimeOffset);
     KeepComparedStamps(result, server, local, check);
+    ProcessState& state = State();
+    state.comparedServerStamps = FoldStamp(state.comparedServerStamps, NzString(server));
+    state.comparedLocalStamps = FoldStamp(state.comparedLocalStamps, NzString(local));
     return result;
 }
 

@@ -34,12 +34,14 @@ std::string TransportStopReason() {
 platform::HttpReply RunExchange(const std::string& url, const platform::HttpHeaders& headers,
                                 std::string_view body, bool exactHeaders,
                                 std::size_t maxReplyBytes) {
+    ProcessState& state = State();
+    ++state.exchanges.tried;
     if (std::string reason = TransportStopReason(); !reason.empty()) {
+        ++state.exchanges.unanswered;
         platform::HttpReply refused;
         refused.error = std::move(reason);
         return refused;
     }
-    ProcessState& state = State();
     platform::HttpOptions options = state.HttpOptions();
     options.maxReplyBytes = maxReplyBytes;
     auto deadline = state.transportRun.deadline;
@@ -55,6 +57,7 @@ platform::HttpReply RunExchange(const std::string& url, const platform::HttpHead
     if (reply.transported) {
         run.failuresInARow = 0;
     } else {
+        ++state.exchanges.unanswered;
         ++run.failuresInARow;
         run.lastError = reply.error;
     }

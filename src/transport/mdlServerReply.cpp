@@ -73,6 +73,11 @@ std::int32_t Judge(const platform::XmlDocument* doc) {
     }
 }
 
+std::int32_t CountJudged(std::int32_t judged) {
+    if (judged < 1) ++State().exchanges.failed;
+    return judged;
+}
+
 }  // namespace
 
 bool ParseSystemNode(std::string_view reply, std::int32_t& flags, std::string& token) {
@@ -80,7 +85,7 @@ bool ParseSystemNode(std::string_view reply, std::int32_t& flags, std::string& t
 }
 
 std::int32_t CheckServerReply(std::string_view reply) {
-    return Judge(platform::XmlDocument::Load(reply).get());
+    return CountJudged(Judge(platform::XmlDocument::Load(reply).get()));
 }
 
 std::string SendRequest(std::string_view path, std::string_view postData) {
@@ -90,7 +95,7 @@ std::string SendRequest(std::string_view path, std::string_view postData) {
 JudgedReply SendRequestJudged(std::string_view path, std::string_view postData) {
     std::string reply = PostToServer(path, postData);
     auto doc = platform::XmlDocument::Load(reply);
-    if (Judge(doc.get()) < 1) return {};
+    if (CountJudged(Judge(doc.get())) < 1) return {};
     return {std::move(reply), std::move(doc)};
 }
 

@@ -3,12 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <set>
 #include <sstream>
+#include <utility>
 
 #include "SyncRun.h"
+#include "support/TempDir.h"
 #include "util/Nz.h"
 
 namespace morvane::cli {
@@ -26,6 +31,15 @@ public:
     std::string add, del;
     int loginState = 1;
     std::vector<std::string> calls;
+    // Exchanges with the server: members whose calls the server refuses or never answers,
+    // and whether the login from the settings asks the server.
+    std::set<std::string, std::less<>> refused, unanswered;
+    bool loginAsks = false;
+    int loginStateAfterRefusal = 1;
+    ExchangeCounts exchanges;
+    // The stamps each call of a member shows, in turn; the last repeats.
+    std::map<std::string, std::vector<SeenStamps>, std::less<>> stamps;
+    SeenStamps pendingStamps;
 
     void Live(const std::string& middle, const std::string& upload = {}) {
         members.insert("Compare" + middle);
@@ -38,6 +52,24 @@ public:
         for (const Value& a : args) line += " " + a.ToText();
         calls.push_back(line);
         if (!Has(m)) return Value();
+        if (m.rfind("Show", 0) != 0 && m.rfind("Get", 0) != 0 &&
+            m != "CustmerBackupedTableSyncFlag")
+            ++exchanges.tried;
+        if (unanswered.count(m)) {
+            ++exchanges.unanswered;
+            ++exchanges.failed;
+            return Value(0);
+        }
+        if (refused.count(m)) {
+            ++exchanges.failed;
+            loginState = loginStateAfterRefusal;
+            // A refused move may still answer 1: its exchange decides.
+            return Value(m.rfind("Compare", 0) == 0 ? 0 : 1);
+        }
+        if (auto st = stamps.find(m); st != stamps.end() && !st->second.empty()) {
+            pendingStamps = st->second.front();
+            if (st->second.size() > 1) st->second.erase(st->second.begin());
+        }
         if (m == "CustmerBackupedTableSyncFlag") {
             auto it = flags.find({NzLong(args[0]), NzLong(args[1])});
             return Value(it == flags.end() ? 0 : it->second);
@@ -51,7 +83,20 @@ public:
         if (it->second.size() > 1) it->second.erase(it->second.begin());
         return Value(r);
     }
-    int LoginFromSettings() override { return loginState; }
+    int LoginFromSettings() override {
+        if (loginAsks) {
+            ++exchanges.tried;
+            if (unanswered.count("login")) {
+                ++exchanges.unanswered;
+                ++exchanges.failed;
+                return 0;
+            }
+        }
+        return loginState;
+    }
+    int LoginState() const override { return loginState; }
+    ExchangeCounts Exchanges() const override { return exchanges; }
+    SeenStamps TakeComparedStamps() override { return std::exchange(pendingStamps, {}); }
     bool RosterUploadIDs(const std::string&, std::string& a, std::string& d,
                          std::string& u) override {
         a = add;
@@ -89,13 +134,14 @@ struct Outcome {
 };
 
 Outcome RunWith(ScriptedComponent& c, Prefer prefer = Prefer::Ask, bool dryRun = false,
-                bool verbose = false) {
+                bool verbose = false, const std::filesystem::path& journal = {}) {
     std::ostringstream out, err;
     SyncOptions options;
     options.localDb = "/data/Customer.dat";
     options.prefer = prefer;
     options.dryRun = dryRun;
     options.verbose = verbose;
+    options.journal = journal;
     SyncRun run(c, options, out, err);
     Outcome o{run.Run(), out.str()};
     PrintSummary(o.summary, out);
@@ -495,6 +541,229 @@ TEST(SyncSummary, ExitCodeIsZeroOnlyWhenEverythingAgreedOrMoved) {
     EXPECT_EQ(ExitCode(s), 3);
     s.conflicts = 1;
     EXPECT_EQ(ExitCode(s), 1);
+}
+
+bool Says(const Outcome& o, const std::string& text) {
+    return o.out.find(text) != std::string::npos;
+}
+
+TEST(SyncRun, FailedExchangesAreFailuresNeverAgreement) {
+    struct Case {
+        const char* name;
+        void (*script)(ScriptedComponent&);
+        int failures;
+        const char* says;
+        const char* neverCalled;  // "" when every call may happen
+    };
+    const Case cases[] = {
+        {"roster page refused",
+         [](ScriptedComponent& c) {
+             c.members.insert({"LockCoustomer", "UnlockCoustomer"});
+             c.Live("CustomerMemoList");
+             c.refused.insert("CompareCustomerList");
+         },
+         1, "roster: the server's roster could not be read", "LockCoustomer"},
+        {"the saved login refused",
+         [](ScriptedComponent& c) {
+             c.refused.insert("CompareCustomerList");
+             c.loginStateAfterRefusal = 0;
+         },
+         1, "roster: the server refused the login (state 0)", "CustmerBackupedTableSyncFlag"},
+        {"every data page refused",
+         [](ScriptedComponent& c) {
+             c.members.insert({"LockCoustomer", "UnlockCoustomer"});
+             c.Live("CustomerMemoList");
+             c.refused.insert("CompareCustomerMemoList");
+         },
+         2, "customer 2 memos: the comparison failed", "SyncUploadCustomerMemoList"},
+        {"an upload refused though the member answered 1",
+         [](ScriptedComponent& c) {
+             c.local = {1};
+             c.members.insert({"LockCoustomer", "UnlockCoustomer"});
+             c.Live("CustomerMemoList");
+             c.results["CompareCustomerMemoList"] = {2};
+             c.refused.insert("SyncUploadCustomerMemoList");
+         },
+         1, "SyncUploadCustomerMemoList failed", ""},
+        {"a master page refused",
+         [](ScriptedComponent& c) {
+             c.local = {};
+             c.members.insert({"LockMasterData", "UnlockMasterData"});
+             c.Live("MasterYakushoku");
+             c.refused.insert("CompareMasterYakushoku");
+         },
+         1, ": the comparison failed", "SyncDownloadMasterYakushoku"},
+        {"the backup target check refused",
+         [](ScriptedComponent& c) {
+             c.members.insert("CheckInetEnabledFlags");
+             c.refused.insert("CheckInetEnabledFlags");
+         },
+         1, "backup targets: the check failed", "ShowSelectCustEnabledDlg"},
+    };
+    for (const Case& k : cases) {
+        SCOPED_TRACE(k.name);
+        ScriptedComponent c;
+        k.script(c);
+        const Outcome o = RunWith(c);
+        EXPECT_EQ(o.summary.failures, k.failures) << o.out;
+        EXPECT_EQ(ExitCode(o.summary), 1);
+        EXPECT_TRUE(Says(o, k.says)) << o.out;
+        EXPECT_FALSE(Says(o, "failures:    0")) << o.out;
+        if (*k.neverCalled) {
+            EXPECT_FALSE(c.Called(k.neverCalled)) << o.out;
+        }
+    }
+}
+
+TEST(SyncRun, TheLoginSaysWhetherTheServerWasReached) {
+    ScriptedComponent saved;
+    const Outcome s = RunWith(saved);
+    EXPECT_TRUE(Says(s, "login: the saved login, not yet confirmed by the server")) << s.out;
+    EXPECT_TRUE(Says(s, "server:      answered")) << "the roster came back";
+
+    ScriptedComponent asked;
+    asked.loginAsks = true;
+    EXPECT_TRUE(Says(RunWith(asked), "login: logged in (the server answered)"));
+
+    ScriptedComponent silent;
+    silent.loginAsks = true;
+    silent.unanswered.insert("login");
+    silent.loginState = 0;
+    const Outcome n = RunWith(silent);
+    EXPECT_TRUE(Says(n, "login: the server did not answer")) << n.out;
+    EXPECT_TRUE(Says(n, "server:      unreachable")) << n.out;
+    EXPECT_TRUE(silent.calls.empty());
+    EXPECT_EQ(ExitCode(n.summary), 1);
+}
+
+TEST(SyncRun, AServerThatStopsAnsweringEndsTheRunAfterAFewRequests) {
+    ScriptedComponent c;
+    c.local = {1, 2, 3, 4, 5, 6};
+    c.members.insert({"LockCoustomer", "UnlockCoustomer", "LockMasterData", "UnlockMasterData"});
+    c.Live("CustomerMemoList");
+    c.Live("MasterYakushoku");
+    c.unanswered.insert({"LockCoustomer", "UnlockCoustomer", "CompareCustomerMemoList",
+                         "LockMasterData", "CompareMasterYakushoku"});
+    const Outcome o = RunWith(c);
+    EXPECT_TRUE(o.summary.unreachable);
+    EXPECT_TRUE(Says(o, "3 requests in a row went unanswered; the run stops here")) << o.out;
+    EXPECT_FALSE(c.Called("LockCoustomer 3")) << o.out;
+    EXPECT_FALSE(c.Called("LockMasterData"));
+    EXPECT_TRUE(Says(o, "server:      unreachable"));
+    EXPECT_EQ(ExitCode(o.summary), 1);
+
+    // Nothing answered from the first request on: the roster says so and the run stops.
+    ScriptedComponent none;
+    none.unanswered.insert("CompareCustomerList");
+    const Outcome n = RunWith(none);
+    EXPECT_TRUE(n.summary.unreachable);
+    EXPECT_TRUE(Says(n, "roster: the server did not answer")) << n.out;
+    EXPECT_FALSE(none.Called("CustmerBackupedTableSyncFlag"));
+}
+
+TEST(SyncJournal, ASideWhoseStampChangedSinceTheLastAgreementHasMoved) {
+    const SeenStamps was{11, 22};
+    const SeenStamps serverMoved{12, 22}, localMoved{11, 23}, bothMoved{12, 23};
+    struct Row {
+        int decision;
+        std::optional<SeenStamps> agreed;
+        SeenStamps seen;
+        int expected;
+    };
+    const Row rows[] = {
+        {2, was, serverMoved, 3},  // the blind minute: an upload would overwrite the server
+        {1, was, localMoved, 3},   // and the other way round
+        {0, was, serverMoved, 1},  {0, was, localMoved, 2},           {0, was, bothMoved, 3},
+        {0, was, was, 0},          {2, was, localMoved, 2},           {1, was, serverMoved, 1},
+        {3, was, was, 3},          {2, std::nullopt, serverMoved, 2},  // no agreement known: the
+                                                                       // stamps alone decide
+        {2, was, SeenStamps{}, 2},  // the comparison looked at no stamp
+    };
+    for (const Row& r : rows)
+        EXPECT_EQ(WithJournal(r.decision, r.agreed, r.seen), r.expected)
+            << r.decision << " seen " << r.seen.server << "/" << r.seen.local;
+}
+
+TEST(SyncJournal, KeepsItsEntriesAcrossRunsAndSkipsTornLines) {
+    test::TempDir dir;
+    const auto path = dir.Path() / "config" / "journal";
+    {
+        SyncJournal j(path);
+        j.Agreed(1, "memos", {0xabc, 0xdef});
+        j.Agreed(0, "post master", {1, 2});
+        j.Agreed(2, "memos", {3, 4});
+        j.Forget(2, "memos");
+        ASSERT_TRUE(j.Save());
+    }
+    {
+        std::ofstream torn(path, std::ios::app);
+        torn << "7\tmemos\tzz";
+    }
+    SyncJournal again(path);
+    EXPECT_EQ(again.Find(1, "memos"), (SeenStamps{0xabc, 0xdef}));
+    EXPECT_EQ(again.Find(0, "post master"), (SeenStamps{1, 2}));
+    EXPECT_FALSE(again.Find(2, "memos"));
+    EXPECT_FALSE(again.Find(7, "memos"));
+    for (const auto& entry : std::filesystem::directory_iterator(path.parent_path()))
+        EXPECT_EQ(entry.path(), path) << "no temporary file is left";
+}
+
+TEST(SyncRun, AServerThatMovedWithinAMinuteOfTheLastAgreementIsAskedAbout) {
+    test::TempDir dir;
+    const auto journal = dir.Path() / "journal";
+    const auto office = [] {
+        auto c = std::make_unique<ScriptedComponent>();
+        c->local = {1};
+        c->members.insert({"LockCoustomer", "UnlockCoustomer"});
+        c->Live("CustomerMemoList");
+        return c;
+    };
+    // The first run agrees on the server's stamp 5.
+    auto first = office();
+    first->stamps["CompareCustomerMemoList"] = {{5, 9}};
+    RunWith(*first, Prefer::Ask, false, false, journal);
+    ASSERT_TRUE(std::filesystem::exists(journal));
+
+    // Another office uploaded a few seconds later (stamp 6) and this one edited (10): the
+    // stamps alone call it local newer.
+    const auto second = [&](Prefer prefer, int dialog, bool dryRun) {
+        auto c = office();
+        c->results["CompareCustomerMemoList"] = {2, 0};  // then agreement after a move
+        c->results["ShowCompareMsg"] = {dialog};
+        c->stamps["CompareCustomerMemoList"] = {{6, 10}};
+        Outcome o = RunWith(*c, prefer, dryRun, false, journal);
+        return std::pair{std::move(c), o};
+    };
+    {
+        auto [c, o] = second(Prefer::Ask, 0, false);
+        EXPECT_TRUE(c->Called("ShowCompareMsg")) << o.out;
+        EXPECT_FALSE(c->Called("SyncUploadCustomerMemoList")) << "the other office's edit stays";
+        EXPECT_TRUE(Says(o, "customer 1 memos: the server changed since the last agreement"))
+            << o.out;
+        EXPECT_EQ(o.summary.conflicts, 1);
+    }
+    const auto bytes = [&] {
+        std::ifstream in(journal);
+        return std::string(std::istreambuf_iterator<char>(in), {});
+    };
+    const std::string agreed = bytes();
+    {
+        auto [c, o] = second(Prefer::Local, 0, true);
+        EXPECT_TRUE(Says(o, "customer 1 memos: would upload")) << "--prefer local decides";
+        EXPECT_EQ(bytes(), agreed) << "a dry run writes no journal";
+    }
+    {
+        auto [c, o] = second(Prefer::Server, 0, false);
+        EXPECT_TRUE(c->Called("SyncDownloadCustomerMemoList"));
+        EXPECT_FALSE(c->Called("SyncUploadCustomerMemoList"));
+        EXPECT_NE(bytes(), agreed);
+    }
+    // The download above settled on the stamps its second comparison saw.
+    auto third = office();
+    third->stamps["CompareCustomerMemoList"] = {{6, 10}};
+    const Outcome o = RunWith(*third, Prefer::Ask, false, false, journal);
+    EXPECT_FALSE(third->Called("ShowCompareMsg")) << o.out;
+    EXPECT_EQ(o.summary.downloads + o.summary.uploads, 0) << o.out;
 }
 
 }  // namespace

@@ -6,8 +6,8 @@
 
 namespace morvane::test {
 
-void OfficeServerTest::StartServer(std::int32_t maxCustomer) {
-    clock_ = std::make_shared<server::ManualClock>();
+void OfficeServerTest::StartServer(std::int32_t maxCustomer, std::chrono::seconds clockOffset) {
+    clock_ = std::make_shared<server::ManualClock>(std::chrono::system_clock::now() + clockOffset);
     server::ServerOptions options;
     options.dataDir = temp_.Path() / "server";
     options.clock = clock_;

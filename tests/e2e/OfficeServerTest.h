@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -21,8 +22,9 @@ protected:
     static constexpr const char* kContract = "K-200";
 
     // Users "u1" and "u2" with the passwords "secret-1" and "secret-2"; time stands still
-    // until the test moves `clock_`.
-    void StartServer(std::int32_t maxCustomer = 50);
+    // until the test moves `clock_`, which starts `clockOffset` off the system's.
+    void StartServer(std::int32_t maxCustomer = 50,
+                     std::chrono::seconds clockOffset = std::chrono::seconds(0));
     void TearDown() override;
     // The process as one office of the host sees it: a fresh login state, the office's
     // settings under the work folder, the server's name, contract and certificate.

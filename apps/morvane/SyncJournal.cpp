@@ -1,0 +1,96 @@
+#include "SyncJournal.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <sstream>
+#include <utility>
+
+namespace morvane::cli {
+
+SyncJournal::SyncJournal(std::filesystem::path path) : path_(std::move(path)) {
+    if (path_.empty()) return;
+    std::ifstream in(path_);
+    std::string line;
+    while (std::getline(in, line)) {
+        std::istringstream fields(line);
+        std::int32_t custId = 0;
+        std::string kind;
+        SeenStamps seen;
+        // Lines: customer, tab, kind, tab, server fold, tab, local fold; a torn line is skipped.
+        if (!(fields >> custId) || fields.get() != '\t' || !std::getline(fields, kind, '\t') ||
+            !(fields >> std::hex >> seen.server >> seen.local))
+            continue;
+        entries_[{custId, kind}] = seen;
+    }
+}
+
+std::optional<SeenStamps> SyncJournal::Find(std::int32_t custId, const std::string& kind) const {
+    const auto it = entries_.find({custId, kind});
+    if (it == entries_.end()) return std::nullopt;
+    return it->second;
+}
+
+void SyncJournal::Agreed(std::int32_t custId, const std::string& kind, SeenStamps seen) {
+    if (seen.server == 0 && seen.local == 0) return Forget(custId, kind);
+    SeenStamps& entry = entries_[{custId, kind}];
+    changed_ = changed_ || !(entry == seen);
+    entry = seen;
+}
+
+void SyncJournal::Forget(std::int32_t custId, const std::string& kind) {
+    changed_ = entries_.erase({custId, kind}) > 0 || changed_;
+}
+
+bool SyncJournal::Save() const {
+    if (path_.empty() || !changed_) return true;
+    std::ostringstream text;
+    for (const auto& [key, seen] : entries_)
+        text << key.first << '\t' << key.second << '\t' << std::hex << seen.server << '\t'
+             << seen.local << std::dec << '\n';
+    const std::string body = text.str();
+    std::error_code ec;
+    std::filesystem::create_directories(path_.parent_path(), ec);
+    std::string tmp = path_.string() + ".XXXXXX";
+    // The descriptor closes on every way out; the temporary name goes unless renamed.
+    struct TempFile {
+        std::string name;
+        int fd;
+        ~TempFile() {
+            if (fd >= 0) ::close(fd);
+            if (!name.empty()) ::unlink(name.c_str());
+        }
+    } file{{}, ::mkstemp(tmp.data())};
+    if (file.fd < 0) return false;
+    file.name = tmp;
+    for (std::size_t done = 0; done < body.size();) {
+        const ssize_t n = ::write(file.fd, body.data() + done, body.size() - done);
+        if (n <= 0) return false;
+        done += static_cast<std::size_t>(n);
+    }
+    if (::fsync(file.fd) != 0) return false;
+    if (::close(std::exchange(file.fd, -1)) != 0 || ::rename(tmp.c_str(), path_.c_str()) != 0) return false;
+    file.name.clear();
+    return true;
+}
+
+int WithJournal(int decision, const std::optional<SeenStamps>& agreed, SeenStamps seen) {
+    if (!agreed || (seen.server == 0 && seen.local == 0)) return decision;
+    const bool serverMoved = agreed->server != seen.server;
+    const bool localMoved = agreed->local != seen.local;
+    switch (decision) {
+        case 0:
+            if (serverMoved && localMoved) return 3;
+            if (serverMoved) return 1;
+            return localMoved ? 2 : 0;
+        case 1:
+            return localMoved ? 3 : 1;
+        case 2:
+            return serverMoved ? 3 : 2;
+        default:
+            return decision;
+    }
+}
+
+}  // namespace morvane::cli

@@ -1,0 +1,45 @@
+// The stamps each customer's kind showed when the two sides last agreed, kept by the host so
+// that a server which moved within a minute of that agreement is still seen to have moved.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace morvane::cli {
+
+// The server's and the local side's stamps as a comparison saw them, folded; 0 when the
+// comparison looked at no stamp.
+struct SeenStamps {
+    std::uint64_t server = 0;
+    std::uint64_t local = 0;
+    bool operator==(const SeenStamps&) const = default;
+};
+
+class SyncJournal {
+public:
+    // An empty path keeps nothing; a missing or unreadable file starts empty.
+    explicit SyncJournal(std::filesystem::path path);
+
+    std::optional<SeenStamps> Find(std::int32_t custId, const std::string& kind) const;
+    void Agreed(std::int32_t custId, const std::string& kind, SeenStamps seen);
+    void Forget(std::int32_t custId, const std::string& kind);
+    // Written whole under another name, synced, then renamed over the old file. False when
+    // it could not be written; the old journal then stays.
+    bool Save() const;
+
+private:
+    std::filesystem::path path_;
+    std::map<std::pair<std::int32_t, std::string>, SeenStamps> entries_;
+    bool changed_ = false;
+};
+
+// How the journal's word folds into a comparison's decision (0 agree, 1 server newer,
+// 2 local newer, 3 both moved): a side whose stamp changed since the last agreement has
+// moved, even when the comparison's margin hides it.
+int WithJournal(int decision, const std::optional<SeenStamps>& agreed, SeenStamps seen);
+
+}  // namespace morvane::cli

@@ -1,0 +1,182 @@
+// Whole runs of the host's synchronisation against the reference server: a dry run that
+// leaves every byte where it was, offices whose clocks disagree with the server's, and an
+// edit made within a minute of the other office's download.
+#include <gtest/gtest.h>
+
+#include "HostOfficesTest.h"
+
+namespace morvane::test {
+namespace {
+
+using namespace std::chrono_literals;
+using cli::Prefer;
+using cli::SyncSummary;
+
+SampleDataOptions Generated(std::int32_t customers) {
+    SampleDataOptions data;
+    data.customers = customers;
+    data.neverSynced = true;
+    data.tradeGrid = true;
+    data.dataFiles = true;
+    return data;
+}
+
+SampleDataOptions FreshHost() {
+    SampleDataOptions data = Generated(0);
+    data.hostSampleCustomer = true;
+    return data;
+}
+
+int Moves(const SyncSummary& s) { return s.downloads + s.uploads; }
+
+#define EXPECT_CLEAN(summary)               \
+    do {                                    \
+        const SyncSummary& s_ = (summary);  \
+        EXPECT_TRUE(s_.loggedIn) << out_;   \
+        EXPECT_EQ(s_.failures, 0) << out_;  \
+        EXPECT_EQ(s_.conflicts, 0) << out_; \
+    } while (0)
+
+class HostSyncTest : public HostOfficesTest {
+protected:
+    void SetUp() override {
+        HostOfficesTest::SetUp();
+        StartServer();
+    }
+    // Office a's two customers taken up to the server.
+    void ServerHoldsOfficeA() {
+        MakeOffice("a", Generated(2));
+        ASSERT_TRUE(Login("a"));
+        const SyncSummary up = Sync("a");
+        EXPECT_CLEAN(up);
+        ASSERT_GT(up.uploads, 0) << out_;
+    }
+    // A dry run of the office against the server, which must leave every byte of the
+    // office and of the server as it was while finding something to do.
+    void DryRunChangesNothing(const std::string& office) {
+        ASSERT_TRUE(Login(office));
+        UseOffice(office);
+        const std::vector<std::filesystem::path> watched{Folder(office), temp_.Path() / "server"};
+        const auto before = Fingerprint(watched);
+        const SyncSummary dry = Sync(office, Prefer::Server, true);
+        EXPECT_EQ(dry.failures, 0) << out_;
+        EXPECT_GT(dry.planned + dry.tablesDiffering, 0) << "the run found nothing to do\n" << out_;
+        const auto after = Fingerprint(watched);
+        for (const auto& [path, print] : before) {
+            const auto it = after.find(path);
+            if (it == after.end())
+                ADD_FAILURE() << path << " went";
+            else
+                EXPECT_TRUE(it->second == print) << path << " changed\n" << out_;
+        }
+        for (const auto& [path, print] : after)
+            EXPECT_TRUE(before.count(path)) << path << " appeared";
+    }
+};
+
+TEST_F(HostSyncTest, ADryRunWritesNothingLocallyOrOnTheServer) {
+    ServerHoldsOfficeA();
+    // Different data in every kind: more rows everywhere, other masters.
+    SampleDataOptions other = Generated(2);
+    other.rowsPerTable = 3;
+    other.masterRows = 4;
+    MakeOffice("b", other);
+    DryRunChangesNothing("b");
+    // The same content as the server's under other stamps: agreement would be stamped.
+    MakeOffice("c", Generated(2));
+    DryRunChangesNothing("c");
+}
+
+TEST_F(HostSyncTest, AnEditWithinAMinuteOfTheOtherOfficesDownloadIsNeverOverwritten) {
+    MakeOffice("a", Generated(1));
+    ASSERT_TRUE(Login("a"));
+    EXPECT_CLEAN(Sync("a"));
+    Advance(2min);
+    MakeOffice("b", FreshHost());
+    ASSERT_TRUE(Login("b"));
+    EXPECT_CLEAN(Sync("b"));  // b takes customer 1
+    ASSERT_EQ(Memos("b", 1), Memos("a", 1));
+
+    // A few seconds later a sends an edit; then b edits the same memos.
+    Advance(5s);
+    EditMemos("a", 1, "edited by a");
+    const SyncSummary up = Sync("a");
+    EXPECT_CLEAN(up);
+    ASSERT_NE(out_.find("customer 1 memos: uploaded"), std::string::npos) << out_;
+    Advance(2min);
+    EditMemos("b", 1, "edited by b");
+
+    // The stamps alone see only b's edit: without the journal b would send it over a's.
+    Sync("b", Prefer::Skip, true, Folder("b") / "no-journal");
+    EXPECT_NE(out_.find("customer 1 memos: would upload"), std::string::npos) << out_;
+
+    const SyncSummary skipped = Sync("b", Prefer::Skip);
+    EXPECT_NE(out_.find("customer 1 memos: the server changed since the last agreement"),
+              std::string::npos)
+        << out_;
+    EXPECT_EQ(skipped.conflicts, 1) << out_;
+    EXPECT_EQ(out_.find("memos: uploaded"), std::string::npos) << out_;
+
+    const SyncSummary taken = Sync("b", Prefer::Server);
+    EXPECT_EQ(taken.failures, 0) << out_;
+    EXPECT_NE(out_.find("customer 1 memos: downloaded"), std::string::npos) << out_;
+    EXPECT_EQ(Memos("b", 1), Memos("a", 1)) << "a's edit reached b";
+    EXPECT_NE(Memos("b", 1).find("edited by a"), std::string::npos);
+    Advance(2min);
+    EXPECT_EQ(Moves(Sync("b")), 0) << out_;
+}
+
+// The server's clock off the offices' by the parameter, in seconds.
+class ClockSkewTest : public HostOfficesTest, public ::testing::WithParamInterface<long> {
+protected:
+    void SetUp() override {
+        HostOfficesTest::SetUp();
+        StartServer(50, std::chrono::seconds(GetParam()));
+    }
+};
+
+TEST_P(ClockSkewTest, ASecondSyncMovesNothingAndAnEditOnEitherSideIsFound) {
+    MakeOffice("a", Generated(1));
+    ASSERT_TRUE(Login("a"));
+    EXPECT_CLEAN(Sync("a"));
+    Advance(2min);
+    EXPECT_EQ(Moves(Sync("a")), 0) << out_;
+
+    MakeOffice("b", FreshHost());
+    ASSERT_TRUE(Login("b"));
+    EXPECT_CLEAN(Sync("b"));
+    Advance(2min);
+    EXPECT_EQ(Moves(Sync("b")), 0) << out_;
+    EXPECT_EQ(Moves(Sync("a")), 0) << out_;
+
+    struct Edit {
+        const char* by;
+        const char* other;
+    };
+    for (const Edit e : {Edit{"a", "b"}, Edit{"b", "a"}}) {
+        SCOPED_TRACE(std::string("edited by ") + e.by);
+        Advance(2min);
+        EditMemos(e.by, 1, std::string("edited by ") + e.by);
+        Advance(2min);
+        EXPECT_CLEAN(Sync(e.by));
+        EXPECT_NE(out_.find("customer 1 memos: uploaded"), std::string::npos) << out_;
+        Advance(2min);
+        EXPECT_CLEAN(Sync(e.other));
+        EXPECT_NE(out_.find("customer 1 memos: downloaded"), std::string::npos) << out_;
+        EXPECT_EQ(Memos(e.other, 1), Memos(e.by, 1));
+        Advance(2min);
+        EXPECT_EQ(Moves(Sync(e.by)), 0) << out_;
+        EXPECT_EQ(Moves(Sync(e.other)), 0) << out_;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(ServerClockOff, ClockSkewTest,
+                         ::testing::Values(-86400L, -3600L, -61L, -1L, 1L, 61L, 3600L, 86400L),
+                         [](const auto& info) {
+                             const long s = info.param;
+                             return std::string(s < 0 ? "minus" : "plus") +
+                                    std::to_string(s < 0 ? -s : s) + "s";
+                         });
+
+}  // namespace
+}  // namespace morvane::test
