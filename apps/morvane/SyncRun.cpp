@@ -180,8 +180,7 @@ SyncSummary SyncRun::Run() {
     summary_.customers = static_cast<int>(ids.size());
     for (std::size_t i = 0; i < ids.size() && !Stopped(); ++i) {
         if (const std::string stop = TransportStopReason(); !stop.empty()) {
-            out_ << "stopped: " << stop << "
-";  // the rest would fail the same way
+            out_ << "stopped: " << stop << '\n';  // the rest would fail the same way
             ++summary_.failures;
             summary_.stopped = true;
             break;
