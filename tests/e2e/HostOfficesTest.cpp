@@ -64,6 +64,12 @@ cli::SyncSummary HostOfficesTest::Sync(const std::string& name, cli::Prefer pref
     return summary;
 }
 
+void HostOfficesTest::ExpectClean(const cli::SyncSummary& summary) const {
+    EXPECT_TRUE(summary.loggedIn) << out_;
+    EXPECT_EQ(summary.failures, 0) << out_;
+    EXPECT_EQ(summary.conflicts, 0) << out_;
+}
+
 void HostOfficesTest::Advance(std::chrono::seconds by) {
     clock_->Advance(by);
     localClock_->Advance(by);

@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "OfficeServerTest.h"
 #include "SyncRun.h"
@@ -30,6 +31,8 @@ protected:
     // A run of the office as a new process of the host runs it; its output in `out_`.
     cli::SyncSummary Sync(const std::string& name, cli::Prefer prefer = cli::Prefer::Skip,
                           bool dryRun = false, const std::filesystem::path& journal = {});
+    // Logged in, and nothing failed or was left unresolved.
+    void ExpectClean(const cli::SyncSummary& summary) const;
     // The server's clock and the offices' move on together.
     void Advance(std::chrono::seconds by);
     // Sets the text of a customer's live memos, stamped now by the office's clock.

@@ -29,14 +29,6 @@ SampleDataOptions FreshHost() {
 
 int Moves(const SyncSummary& s) { return s.downloads + s.uploads; }
 
-#define EXPECT_CLEAN(summary)               \
-    do {                                    \
-        const SyncSummary& s_ = (summary);  \
-        EXPECT_TRUE(s_.loggedIn) << out_;   \
-        EXPECT_EQ(s_.failures, 0) << out_;  \
-        EXPECT_EQ(s_.conflicts, 0) << out_; \
-    } while (0)
-
 class HostSyncTest : public HostOfficesTest {
 protected:
     void SetUp() override {
@@ -48,7 +40,7 @@ protected:
         MakeOffice("a", Generated(2));
         ASSERT_TRUE(Login("a"));
         const SyncSummary up = Sync("a");
-        EXPECT_CLEAN(up);
+        ExpectClean(up);
         ASSERT_GT(up.uploads, 0) << out_;
     }
     // A dry run of the office against the server, which must leave every byte of the
@@ -90,18 +82,18 @@ TEST_F(HostSyncTest, ADryRunWritesNothingLocallyOrOnTheServer) {
 TEST_F(HostSyncTest, AnEditWithinAMinuteOfTheOtherOfficesDownloadIsNeverOverwritten) {
     MakeOffice("a", Generated(1));
     ASSERT_TRUE(Login("a"));
-    EXPECT_CLEAN(Sync("a"));
+    ExpectClean(Sync("a"));
     Advance(2min);
     MakeOffice("b", FreshHost());
     ASSERT_TRUE(Login("b"));
-    EXPECT_CLEAN(Sync("b"));  // b takes customer 1
+    ExpectClean(Sync("b"));  // b takes customer 1
     ASSERT_EQ(Memos("b", 1), Memos("a", 1));
 
     // A few seconds later a sends an edit; then b edits the same memos.
     Advance(5s);
     EditMemos("a", 1, "edited by a");
     const SyncSummary up = Sync("a");
-    EXPECT_CLEAN(up);
+    ExpectClean(up);
     ASSERT_NE(out_.find("customer 1 memos: uploaded"), std::string::npos) << out_;
     Advance(2min);
     EditMemos("b", 1, "edited by b");
@@ -138,13 +130,13 @@ protected:
 TEST_P(ClockSkewTest, ASecondSyncMovesNothingAndAnEditOnEitherSideIsFound) {
     MakeOffice("a", Generated(1));
     ASSERT_TRUE(Login("a"));
-    EXPECT_CLEAN(Sync("a"));
+    ExpectClean(Sync("a"));
     Advance(2min);
     EXPECT_EQ(Moves(Sync("a")), 0) << out_;
 
     MakeOffice("b", FreshHost());
     ASSERT_TRUE(Login("b"));
-    EXPECT_CLEAN(Sync("b"));
+    ExpectClean(Sync("b"));
     Advance(2min);
     EXPECT_EQ(Moves(Sync("b")), 0) << out_;
     EXPECT_EQ(Moves(Sync("a")), 0) << out_;
@@ -158,10 +150,10 @@ TEST_P(ClockSkewTest, ASecondSyncMovesNothingAndAnEditOnEitherSideIsFound) {
         Advance(2min);
         EditMemos(e.by, 1, std::string("edited by ") + e.by);
         Advance(2min);
-        EXPECT_CLEAN(Sync(e.by));
+        ExpectClean(Sync(e.by));
         EXPECT_NE(out_.find("customer 1 memos: uploaded"), std::string::npos) << out_;
         Advance(2min);
-        EXPECT_CLEAN(Sync(e.other));
+        ExpectClean(Sync(e.other));
         EXPECT_NE(out_.find("customer 1 memos: downloaded"), std::string::npos) << out_;
         EXPECT_EQ(Memos(e.other, 1), Memos(e.by, 1));
         Advance(2min);
