@@ -94,4 +94,28 @@ std::vector<std::string> ObjectComponent::DataFiles(const std::string& localDb,
     return names;
 }
 
+std::vector<FormOwner> ObjectComponent::FormOwners(const std::string& prefDb,
+                                                   const std::string& table, std::int32_t custId) {
+    std::vector<FormOwner> owners;
+    const auto number = [](const Value& v) {
+        return v.IsDouble() ? v.AsDouble() : static_cast<double>(NzLong(v));
+    };
+    try {
+        dao::Workspace ws("", "");
+        dao::Database& db = ws.OpenDatabase(prefDb);
+        auto rs = db.OpenRecordset(
+            "SELECT DataFileID, DataFileID_KY FROM [" + table +
+            "] WHERE disabled = 0 AND CustomerID = " + std::to_string(custId) + " ORDER BY id");
+        for (; !rs->Eof(); rs->MoveNext()) {
+            if (const double kessan = number((*rs)["DataFileID"]); kessan != 0)
+                owners.push_back({kessan, true});
+            else if (const double kyoka = number((*rs)["DataFileID_KY"]); kyoka != 0)
+                owners.push_back({kyoka, false});
+        }
+    } catch (const std::exception&) {
+        owners.clear();
+    }
+    return owners;
+}
+
 }  // namespace morvane::cli

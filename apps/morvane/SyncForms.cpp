@@ -1,0 +1,71 @@
+// The prefecture forms of one customer in `morvane sync`: their members take prefcustom.dat
+// beside the customer database and the data file a form belongs to.
+#include <filesystem>
+#include <ostream>
+
+#include "SyncRun.h"
+#include "store/LocalDatabases.h"
+#include "util/Nz.h"
+
+namespace morvane::cli {
+
+void SyncRun::Form(const SyncKind& kind, std::int32_t id, const std::vector<int>& flags,
+                   bool locked) {
+    const std::string prefDb = (dataDir_ / kPrefCustomDatabaseName).string();
+    const std::string label = "customer " + std::to_string(id) + " " + kind.name;
+    if (!kind.compare.empty()) {
+        // The delegation form's queries look at no data file, so the host names none.
+        const std::vector<Value> args{Value(prefDb), Value(id), Value(0.0), Value(true)};
+        const int decision = NzLong(c_.Call(kind.compare, args));
+        if (decision != 0 && !options_.dryRun && !locked) {
+            tally_[kind.name].differ[decision]++;
+            return;
+        }
+        Decide(kind, decision, args, label);
+        return;
+    }
+    // Sent up only, so the snapshot decides. The machine table is never stamped as agreed,
+    // so once sent its flag says "both moved" for good: the main table's flag rules, and the
+    // machine table's only while it says local newer alone.
+    int decision = flags.empty() ? 0 : flags[0];
+    if (decision == 0 && flags.size() > 1 && flags[1] == 2) decision = 2;
+    if (decision == 0) return;
+    if (!options_.dryRun && !locked) {
+        tally_[kind.name].differ[decision]++;
+        return;
+    }
+    if (decision == 3) {
+        if (options_.prefer == Prefer::Local) {
+            decision = 2;
+        } else {
+            ++summary_.conflicts;
+            out_ << label << ": both sides moved; left as it is (only --prefer local sends it)\n";
+            return;
+        }
+    }
+    if (decision == 1) {
+        summary_.unsupported.push_back(
+            {label, "the server's copy is newer, but a machinery list can only be sent up"});
+        out_ << label << ": the server's copy is newer; it cannot be downloaded\n";
+        return;
+    }
+    for (const FormOwner& owner : c_.FormOwners(prefDb, kind.formTable, id)) {
+        const std::string what = label + " of " + (owner.kessan ? "settlement" : "permit") +
+                                 " file " + DoubleText(owner.dataId);
+        if (options_.dryRun) {
+            ++summary_.planned;
+            out_ << what << ": would upload\n";
+            continue;
+        }
+        if (CallOk(kind.upload,
+                   {Value(prefDb), Value(id), Value(owner.dataId), Value(owner.kessan)})) {
+            ++summary_.uploads;
+            out_ << what << ": uploaded\n";
+        } else {
+            ++summary_.failures;
+            out_ << what << ": " << kind.upload << " failed\n";
+        }
+    }
+}
+
+}  // namespace morvane::cli
