@@ -265,8 +265,8 @@ std::int32_t cP99Inin::SyncUpload(const std::string& LocalDB, std::int32_t CustI
                                   bool bKessan) {
     try {
         if (!ReadLocalDB(LocalDB, CustID, DataID, bKessan)) return 0;
-        const std::string start = UpperCustomerBody(CustID);
-        std::string body = start;
+        // The login is read anew for every post: the token changes with every reply.
+        std::string body = UpperCustomerBody(CustID);
         AppendField(body, "IninMainItemID", mainId_);
         AppendField(body, "vno", main_.vno);
         AppendField(body, "MakeDate", main_.MakeDate);
@@ -281,7 +281,7 @@ std::int32_t cP99Inin::SyncUpload(const std::string& LocalDB, std::int32_t CustI
 
         bool first = true;
         for (const cP99IninSub& sub : subs_) {
-            body = start;
+            body = UpperCustomerBody(CustID);
             AppendField(body, "IninSubItemID", std::to_string(sub.id));
             if (first) body += record::kDisabledAll;
             first = false;
@@ -294,7 +294,9 @@ std::int32_t cP99Inin::SyncUpload(const std::string& LocalDB, std::int32_t CustI
         }
         // The read fails without a sub row, so this post is never reached; kept for a read
         // that someday lets an empty form through.
-        if (subs_.empty()) reply = SendRequest(page::kSetIninSub, start + record::kDisabledAll);
+        if (subs_.empty())
+            reply =
+                SendRequest(page::kSetIninSub, UpperCustomerBody(CustID) + record::kDisabledAll);
         if (GetLoginState() != 1 || reply.empty()) return 0;
         SetInetCheckDate(LocalDB, kSubTable, kLiveStamp);
         return 1;

@@ -81,11 +81,14 @@ std::int32_t cP99KikaiIchiran::SyncUpload(const std::string& LocalDB, std::int32
     try {
         const std::int32_t type = bKessan ? 1 : 2;
         if (!ReadLocalDB(LocalDB, CustID, DataID, type)) return 0;
-        std::string start = UpperCustomerBody(CustID);
-        AppendField(start, "DataFileID", DoubleText(DataID));
-        AppendField(start, "DataFileType", std::to_string(type));
-
-        std::string body = start;
+        // The login is read anew for every post: the token changes with every reply.
+        const auto start = [&] {
+            std::string body = UpperCustomerBody(CustID);
+            AppendField(body, "DataFileID", DoubleText(DataID));
+            AppendField(body, "DataFileType", std::to_string(type));
+            return body;
+        };
+        std::string body = start();
         AppendField(body, "KikaiIchiranMainItemID", mainId_);
         AppendFields(body, kKikaiIchiranMainFields, main_);
         std::string reply = SendRequest(page::kSetKikaiIchiranMain, body);
@@ -95,7 +98,7 @@ std::int32_t cP99KikaiIchiran::SyncUpload(const std::string& LocalDB, std::int32
 
         bool first = true;
         for (const cP99KikaiIchiranSub& sub : subs_) {
-            body = start;
+            body = start();
             AppendField(body, "KikaiIchiranSubItemID", sub.id);
             if (first) body += record::kDisabledAll;
             first = false;
@@ -105,7 +108,7 @@ std::int32_t cP99KikaiIchiran::SyncUpload(const std::string& LocalDB, std::int32
         }
         // A list without machines still empties the server's.
         if (subs_.empty())
-            reply = SendRequest(page::kSetKikaiIchiranSub, start + record::kDisabledAll);
+            reply = SendRequest(page::kSetKikaiIchiranSub, start() + record::kDisabledAll);
         // The machine rows are not stamped: only the main table is.
         return GetLoginState() == 1 && !reply.empty() ? 1 : 0;
     } catch (...) {

@@ -225,9 +225,10 @@ TEST_F(KikaiIchiranTest, TheDataFileSelectsTheListAndItsColumn) {
             makers.push_back(ValueOf(sub.body, "Maker"));
         }
         EXPECT_EQ(makers, c.makers);
-        if (c.makers == std::vector<std::string>{""})
+        if (c.makers == std::vector<std::string>{""}) {
             EXPECT_EQ(subs[0].body,
                       "ID=user1&token=T2&" + std::string(c.bodyStart) + "DISABLEDALL=DISABLEDALL&");
+        }
     }
 }
 
