@@ -25,13 +25,10 @@ class PrefectureFormsTest : public OfficeServerTest {
 protected:
     void SetUp() override { StartServer(); }
 
-    // The office's prefcustom.dat, logged in as the user.
-    std::string UseOffice(const std::string& name, const char* user, const char* password) {
+    // The office's prefcustom.dat.
+    std::string UseOffice(const std::string& name) {
         OfficeServerTest::UseOffice(name);
-        const std::string db =
-            CreateLocalDatabases(temp_.Path() / name / "db", {}).prefcustom.string();
-        EXPECT_TRUE(DoLogin(user, password, kContract));
-        return db;
+        return CreateLocalDatabases(temp_.Path() / name / "db", {}).prefcustom.string();
     }
 
     void CreateCustomer() {
@@ -68,7 +65,7 @@ constexpr const char* kItemColumns =
     "WHERE disabled = 0 ORDER BY id";
 
 TEST_F(PrefectureFormsTest, TheDelegationFormTravelsFromOneOfficeToTheOther) {
-    const std::string dbA = UseOffice("a", "u1", "secret-1");
+    const std::string dbA = UseOffice("a");
     Sql(dbA,
         "INSERT INTO t99_ININ_MAIN (id, CustomerID, disabled, vno, MakeDate, SubShokuin, "
         "SelectDetail, SelectSubShokuin, PrintDate, PrintSubShokuin, RecordUpdate) VALUES "
@@ -79,6 +76,7 @@ TEST_F(PrefectureFormsTest, TheDelegationFormTravelsFromOneOfficeToTheOther) {
         "(2, 4, 1, 2, 'freed', '', '', '', '', '2024-05-01 10:00:00'), "
         "(3, 4, 0, 3, '変更届', 'd0', 'd1', 'd2', 'd3', '2024-05-01 10:00:00');");
     ctrlMorvane a;
+    ASSERT_TRUE(DoLogin("u1", "secret-1", kContract));
     CreateCustomer();
     EXPECT_EQ(a.CompareP99Inin(dbA, kCustomer, 0, true), 2) << "the server has no form yet";
     ASSERT_EQ(a.SyncUploadP99Inin(dbA, kCustomer, 0, true), 1);
@@ -86,7 +84,7 @@ TEST_F(PrefectureFormsTest, TheDelegationFormTravelsFromOneOfficeToTheOther) {
     NoBoxes();
 
     // Office B holds an older form that was last agreed before A's went up.
-    const std::string dbB = UseOffice("b", "u2", "secret-2");
+    const std::string dbB = UseOffice("b");
     Sql(dbB,
         "INSERT INTO t99_ININ_MAIN (id, CustomerID, disabled, SubShokuin, SelectDetail, "
         "MakeDate, RecordUpdate, InetCheckDate) VALUES (7, 9, 0, 'old', 5, "
@@ -97,6 +95,7 @@ TEST_F(PrefectureFormsTest, TheDelegationFormTravelsFromOneOfficeToTheOther) {
         "'2024-01-01 00:00:00'), (4, 9, 0, 'old 4', '2024-01-01 00:00:00', "
         "'2024-01-01 00:00:00');");
     ctrlMorvane b;
+    ASSERT_TRUE(DoLogin("u2", "secret-2", kContract));
     EXPECT_EQ(b.CompareP99Inin(dbB, kCustomer, 0, true), 1);
     ASSERT_EQ(b.SyncDownloadP99Inin(dbB, kCustomer, 0, true), 1);
     EXPECT_EQ(b.CompareP99Inin(dbB, kCustomer, 0, true), 0);
@@ -112,7 +111,7 @@ TEST_F(PrefectureFormsTest, TheDelegationFormTravelsFromOneOfficeToTheOther) {
 }
 
 TEST_F(PrefectureFormsTest, MachineryListsAreKeptPerDataFileAndAnEmptiedListEmptiesTheServers) {
-    const std::string db = UseOffice("a", "u1", "secret-1");
+    const std::string db = UseOffice("a");
     Sql(db,
         "INSERT INTO t99_KIKAIICHIRAN_MAIN (id, CustomerID, disabled, DataFileID, DataFileID_KY, "
         "CorpName0) VALUES (1, 4, 0, 5, NULL, 'K5'), (2, 4, 0, NULL, 5, 'Y5'), "
@@ -121,6 +120,7 @@ TEST_F(PrefectureFormsTest, MachineryListsAreKeptPerDataFileAndAnEmptiedListEmpt
         "vno, Maker) VALUES (1, 4, 0, 5, NULL, '2', 'M&2'), (2, 4, 0, 5, NULL, '1', 'M1'), "
         "(3, 4, 0, NULL, 5, '1', 'Y1'), (4, 4, 0, 2.5, NULL, '1', 'half');");
     ctrlMorvane a;
+    ASSERT_TRUE(DoLogin("u1", "secret-1", kContract));
     CreateCustomer();
     ASSERT_EQ(a.SyncUploadP99KikaiIchiran(db, kCustomer, 5, true), 1);
     ASSERT_EQ(a.SyncUploadP99KikaiIchiran(db, kCustomer, 5, false), 1);
