@@ -107,10 +107,10 @@ std::vector<FormOwner> ObjectComponent::FormOwners(const std::string& prefDb,
             "SELECT DataFileID, DataFileID_KY FROM [" + table +
             "] WHERE disabled = 0 AND CustomerID = " + std::to_string(custId) + " ORDER BY id");
         for (; !rs->Eof(); rs->MoveNext()) {
-            if (const double kessan = number((*rs)["DataFileID"]); kessan != 0)
-                owners.push_back({kessan, true});
-            else if (const double kyoka = number((*rs)["DataFileID_KY"]); kyoka != 0)
-                owners.push_back({kyoka, false});
+            const double kessan = number((*rs)["DataFileID"]);
+            const double kyoka = number((*rs)["DataFileID_KY"]);
+            owners.push_back(kessan != 0 || kyoka == 0 ? FormOwner{kessan, true}
+                                                       : FormOwner{kyoka, false});
         }
     } catch (const std::exception&) {
         owners.clear();

@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "SyncRun.h"
+#include "store/BackupTableIndex.h"
 #include "store/LocalDatabases.h"
 #include "util/Nz.h"
 
@@ -13,10 +14,25 @@ void SyncRun::Form(const SyncKind& kind, std::int32_t id, const std::vector<int>
                    bool locked) {
     const std::string prefDb = (dataDir_ / kPrefCustomDatabaseName).string();
     const std::string label = "customer " + std::to_string(id) + " " + kind.name;
+    const auto owners = [&](std::size_t table) {
+        return table < kind.tables.size()
+                   ? c_.FormOwners(prefDb, BackupTables()[kind.tables[table]].name, id)
+                   : std::vector<FormOwner>{};
+    };
     if (!kind.compare.empty()) {
-        // The delegation form's queries look at no data file, so the host names none.
-        const std::vector<Value> args{Value(prefDb), Value(id), Value(0.0), Value(true)};
+        const std::vector<FormOwner> main = owners(0);
+        const bool holds = !main.empty() || !owners(1).empty();
+        // The host opens the form from the record its main row names, if any.
+        const FormOwner owner = main.empty() ? FormOwner{} : main.front();
+        const std::vector<Value> args{Value(prefDb), Value(id), Value(owner.dataId),
+                                      Value(owner.kessan)};
         const int decision = NzLong(c_.Call(kind.compare, args));
+        // Every live row counts as the one form, and a download leaves its rows to no one:
+        // a customer holding no rows of it, for whom the server holds no form either, has
+        // none, whatever the stamps of the others' say.
+        if ((decision == 2 || decision == 3) && !holds &&
+            NzString(c_.Call("InetDateServer", {})).empty())
+            return;
         if (decision != 0 && !options_.dryRun && !locked) {
             tally_[kind.name].differ[decision]++;
             return;
@@ -49,7 +65,8 @@ void SyncRun::Form(const SyncKind& kind, std::int32_t id, const std::vector<int>
         out_ << label << ": the server's copy is newer; it cannot be downloaded\n";
         return;
     }
-    for (const FormOwner& owner : c_.FormOwners(prefDb, kind.formTable, id)) {
+    for (const FormOwner& owner : owners(0)) {
+        if (owner.dataId == 0) continue;  // a list of no data file is no one's to send
         const std::string what = label + " of " + (owner.kessan ? "settlement" : "permit") +
                                  " file " + DoubleText(owner.dataId);
         if (options_.dryRun) {

@@ -24,10 +24,9 @@ SyncKind Customer(std::string name, std::vector<int> tables, std::string_view mi
 }
 
 SyncKind Form(std::string name, std::vector<int> tables, std::string_view middle,
-              std::string upload = {}, std::string formTable = {}) {
+              std::string upload = {}) {
     SyncKind k = Customer(std::move(name), std::move(tables), middle, std::move(upload));
     k.scope = KindScope::CustomerForm;
-    k.formTable = std::move(formTable);
     return k;
 }
 
@@ -57,7 +56,7 @@ std::vector<SyncKind> Build() {
         Customer("linkage info", {}, "CustomerRendoInfo"),
         Form("delegation records", {31, 32}, "P99Inin"),
         // Only an upload exists for the machinery list; its direction comes from the stamps.
-        Form("machinery list", {38, 39}, "", "SyncUploadP99KikaiIchiran", "t99_KIKAIICHIRAN_MAIN"),
+        Form("machinery list", {38, 39}, "", "SyncUploadP99KikaiIchiran"),
         File("settlement files", "CustomerKessanFile", "tCustomerKessanHistory",
              "settlement records"),
         File("permit files", "CustomerKyokaFile", "tCustomerKyokaHistory", "permit records"),

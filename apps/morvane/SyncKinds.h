@@ -13,7 +13,8 @@ enum class KindScope {
     Customer,      // members take (LocalDB, CustID), under the customer's lock
     Master,        // members take (Master.dat path), under the master lock
     CustomerFile,  // members take (CustID, LocalFile, Owner): needs the host's walk of files
-    CustomerForm,  // members take (prefcustom.dat path, CustID, DataID, bKessan), under the lock
+    CustomerForm,  // members take (prefcustom.dat path, CustID, DataID, bKessan), under the
+                   // lock; its first table's rows name the data files its forms belong to
     StampsOnly,    // tables compared by stamp alone: the component has no worker for them
 };
 
@@ -26,7 +27,6 @@ struct SyncKind {
     std::string upload;
     std::string fileTable;  // CustomerFile: the records whose DataFile names the files
     std::string records;    // CustomerFile: the kind of those records
-    std::string formTable;  // CustomerForm: rows naming the data files the forms belong to
 };
 
 // Every kind, in the order the host works them off.

@@ -45,8 +45,9 @@ public:
     // The DataFile names of a customer's live records in `table`, in row order, blanks left out.
     virtual std::vector<std::string> DataFiles(const std::string& localDb, const std::string& table,
                                                std::int32_t custId) = 0;
-    // The data files named by the customer's live rows of a prefecture form's `table`, in row
-    // order: DataFileID for a settlement record, else DataFileID_KY for a permit record.
+    // The data file of each of the customer's live rows of a prefecture form's `table`, in
+    // row order: DataFileID for a settlement record, else DataFileID_KY for a permit record,
+    // else none (a data file number of 0).
     virtual std::vector<FormOwner> FormOwners(const std::string& prefDb, const std::string& table,
                                               std::int32_t custId) = 0;
 };

@@ -493,16 +493,28 @@ TEST(SyncRun, FilesOfRecordsJustSentGoUpEvenWhenTheComparisonSeesNoDifference) {
     EXPECT_FALSE(run(1)) << "the records came down";
 }
 
-TEST(SyncRun, DelegationRecordsMoveInThePrefectureDatabaseBesideTheCustomerDatabase) {
+TEST(SyncRun, DelegationRecordsMoveForCustomersHoldingTheFormOnEitherSide) {
     ScriptedComponent c;
+    c.local = {1, 2, 3, 4};
     c.Live("P99Inin");
     c.members.insert({"LockCoustomer", "UnlockCoustomer"});
-    c.results["CompareP99Inin"] = {1, 2};
-    Outcome o = RunWith(c);
+    c.members.insert("InetDateServer");
+    c.texts["InetDateServer"] = "";  // the server holds no form for a customer that moved
+    // 1 holds the main row, of a permit record's file; 2 sub rows only; 3 nothing, and
+    // neither does the server, though the stamps say "both moved"; 4 nothing locally, but
+    // the server's form is newer.
+    c.forms[{"t99_ININ_MAIN", 1}] = {{7, false}};
+    c.forms[{"t99_ININ_SUB", 2}] = {{0, true}};
+    c.results["CompareP99Inin"] = {1, 2, 3, 1};
+    Outcome o = RunWith(c, Prefer::Local);
     EXPECT_LT(c.Position("LockCoustomer 1"), c.Position("CompareP99Inin"));
-    EXPECT_TRUE(c.Called("SyncDownloadP99Inin /data/prefcustom.dat 1 0 True"));
+    EXPECT_TRUE(c.Called("SyncDownloadP99Inin /data/prefcustom.dat 1 7 False"));
     EXPECT_TRUE(c.Called("SyncUploadP99Inin /data/prefcustom.dat 2 0 True"));
-    EXPECT_EQ(o.summary.downloads, 1);
+    EXPECT_TRUE(c.Called("CompareP99Inin /data/prefcustom.dat 3 0 True"));
+    EXPECT_FALSE(c.Called("SyncUploadP99Inin /data/prefcustom.dat 3"));
+    EXPECT_TRUE(c.Called("SyncDownloadP99Inin /data/prefcustom.dat 4 0 True"));
+    EXPECT_EQ(o.summary.conflicts, 0);
+    EXPECT_EQ(o.summary.downloads, 2);
     EXPECT_EQ(o.summary.uploads, 1);
     EXPECT_FALSE(Reported(o.summary, "delegation records"));
 }
@@ -532,7 +544,7 @@ TEST(SyncRun, MachineryListsGoUpPerDataFileWhenTheStampsSaySoAndAreNeverFetched)
         c.members.insert({"LockCoustomer", "UnlockCoustomer", "SyncUploadP99KikaiIchiran"});
         c.flags[{1, 38}] = k.mainFlag;
         c.flags[{1, 39}] = k.machineFlag;
-        c.forms[{"t99_KIKAIICHIRAN_MAIN", 1}] = {{5, true}, {2.5, false}};
+        c.forms[{"t99_KIKAIICHIRAN_MAIN", 1}] = {{5, true}, {0, true}, {2.5, false}};
         Outcome o = RunWith(c, k.prefer, k.dryRun);
         EXPECT_EQ(o.summary.uploads, k.uploads) << o.out;
         EXPECT_EQ(o.summary.planned, k.planned);
