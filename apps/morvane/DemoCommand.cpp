@@ -1,5 +1,6 @@
 #include "DemoCommand.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <exception>
@@ -10,6 +11,7 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "ChildProcess.h"
@@ -109,26 +111,54 @@ SyncSummary SyncOffice(const fs::path& db, bool dryRun, std::ostream& out) {
     return summary;
 }
 
-// The live customers of an office as the host shows them: number, code, names, address
-// and telephone, one text per customer.
-std::vector<std::string> CustomerRows(const fs::path& db) {
-    static const char* const kColumns[] = {"id",       "Code",     "CorpName0", "CorpKanaS",
-                                           "ZipCode0", "ZipCode1", "Addr0",     "Tel0",
-                                           "TEL1",     "TEL2"};
+// The live rows of a table in id order, the columns of each joined into one text.
+std::vector<std::string> LiveRows(const fs::path& db, const std::string& table,
+                                  const std::vector<const char*>& columns) {
     std::vector<std::string> rows;
     try {
         dao::Workspace ws("", "");
-        auto rs = ws.OpenDatabase(db.string())
-                      .OpenRecordset("SELECT * FROM tCustomer WHERE disabled = 0 ORDER BY id");
+        auto rs =
+            ws.OpenDatabase(db.string())
+                .OpenRecordset("SELECT * FROM [" + table + "] WHERE disabled = 0 ORDER BY id");
         for (; !rs->Eof(); rs->MoveNext()) {
             std::string row;
-            for (const char* column : kColumns) row += NzString((*rs)[column]) + "\t";
+            for (const char* column : columns) row += NzString((*rs)[column]) + "\t";
             rows.push_back(std::move(row));
         }
     } catch (const std::exception& e) {
         rows = {std::string("(unreadable: ") + e.what() + ")"};
     }
     return rows;
+}
+
+// The live customers of an office as the host shows them: number, code, names, address
+// and telephone, one text per customer.
+std::vector<std::string> CustomerRows(const fs::path& db) {
+    return LiveRows(db, "tCustomer",
+                    {"id", "Code", "CorpName0", "CorpKanaS", "ZipCode0", "ZipCode1", "Addr0",
+                     "Tel0", "TEL1", "TEL2"});
+}
+
+// The office's delegation form as the host prints it: the main record's fields, then each
+// item's title and details. Positions and owners are the office's own and are left out.
+std::vector<std::string> DelegationForm(const fs::path& prefDb) {
+    std::vector<std::string> rows = LiveRows(
+        prefDb, "t99_ININ_MAIN",
+        {"SubShokuin", "SelectDetail", "SelectSubShokuin", "PrintDate", "PrintSubShokuin"});
+    for (std::string& item :
+         LiveRows(prefDb, "t99_ININ_SUB",
+                  {"IninTitle", "IninDetail0", "IninDetail1", "IninDetail2", "IninDetail3"}))
+        rows.push_back(std::move(item));
+    return rows;
+}
+
+// How many of the office's live machinery lists are stamped as agreed with the server, of
+// how many: a list sent up is stamped, and the server's lists cannot be fetched to compare.
+std::pair<std::size_t, std::size_t> MachineryListsAgreed(const fs::path& prefDb) {
+    const auto stamps = LiveRows(prefDb, "t99_KIKAIICHIRAN_MAIN", {"InetCheckDate"});
+    const auto agreed =
+        std::count_if(stamps.begin(), stamps.end(), [](const std::string& s) { return s != "\t"; });
+    return {static_cast<std::size_t>(agreed), stamps.size()};
 }
 
 // Every data file under an office's databases, by its path there, with its bytes.
@@ -245,15 +275,31 @@ int RunDemo(const DemoOptions& options, std::ostream& out) {
                       : "different (" + std::to_string(filesA.size()) + " and " +
                             std::to_string(filesB.size()) + " file(s))")
         << ".\n";
+    const fs::path prefA = dbA.parent_path() / kPrefCustomDatabaseName;
+    const fs::path prefB = dbB.parent_path() / kPrefCustomDatabaseName;
+    const auto formA = DelegationForm(prefA), formB = DelegationForm(prefB);
+    const bool sameForm = !formA.empty() && formA == formB;
+    out << "Delegation form of the two offices (main record and items): "
+        << (sameForm ? "the same " + std::to_string(formA.size()) + " row(s)"
+                     : "different (" + std::to_string(formA.size()) + " and " +
+                           std::to_string(formB.size()) + " row(s))")
+        << ".\n";
+    const auto [kikaiAgreed, kikaiLists] = MachineryListsAgreed(prefA);
+    const bool kikaiSent = kikaiLists > 0 && kikaiAgreed == kikaiLists;
+    out << "Machinery lists (sent up only): office A's " << kikaiAgreed << " of " << kikaiLists
+        << " list(s) stamped as agreed with the server.\n";
     out << "What differs with no worker yet is listed under \"not yet supported\" above.\n";
     // Once customers can be added to the server, office B must end with office A's roster.
     const bool rosterCanMove = DispatchTable::Instance().Find("SyncUploadAddCustomer") != nullptr;
     const bool filesCanMove =
         DispatchTable::Instance().Find("SyncUploadCustomerKessanFile") != nullptr;
+    const bool formsCanMove =
+        DispatchTable::Instance().Find("SyncDownloadP99Inin") != nullptr &&
+        DispatchTable::Instance().Find("SyncUploadP99KikaiIchiran") != nullptr;
     const bool ok = loginA == 1 && loginB == 1 && Clean(upA) && Clean(downB) && Clean(endA) &&
                     Clean(endB) &&
                     (!rosterCanMove || (sameRoster && agrees(endA) && agrees(endB))) &&
-                    (!filesCanMove || sameFiles);
+                    (!filesCanMove || sameFiles) && (!formsCanMove || (sameForm && kikaiSent));
     out << (ok ? "The demo ran to a clean end.\n" : "The demo did not reach its end.\n");
     return ok ? 0 : 1;
 }

@@ -110,4 +110,28 @@ std::vector<std::string> ObjectComponent::DataFiles(const std::string& localDb,
     return names;
 }
 
+std::vector<FormOwner> ObjectComponent::FormOwners(const std::string& prefDb,
+                                                   const std::string& table, std::int32_t custId) {
+    std::vector<FormOwner> owners;
+    const auto number = [](const Value& v) {
+        return v.IsDouble() ? v.AsDouble() : static_cast<double>(NzLong(v));
+    };
+    try {
+        dao::Workspace ws("", "");
+        dao::Database& db = ws.OpenDatabase(prefDb);
+        auto rs = db.OpenRecordset(
+            "SELECT DataFileID, DataFileID_KY FROM [" + table +
+            "] WHERE disabled = 0 AND CustomerID = " + std::to_string(custId) + " ORDER BY id");
+        for (; !rs->Eof(); rs->MoveNext()) {
+            const double kessan = number((*rs)["DataFileID"]);
+            const double kyoka = number((*rs)["DataFileID_KY"]);
+            owners.push_back(kessan != 0 || kyoka == 0 ? FormOwner{kessan, true}
+                                                       : FormOwner{kyoka, false});
+        }
+    } catch (const std::exception&) {
+        owners.clear();
+    }
+    return owners;
+}
+
 }  // namespace morvane::cli

@@ -20,6 +20,8 @@ public:
     std::vector<std::int32_t> LocalCustomerIDs(const std::string& localDb) override;
     std::vector<std::string> DataFiles(const std::string& localDb, const std::string& table,
                                        std::int32_t custId) override;
+    std::vector<FormOwner> FormOwners(const std::string& prefDb, const std::string& table,
+                                      std::int32_t custId) override;
 
 private:
     ctrlMorvane obj_;

@@ -23,6 +23,13 @@ SyncKind Customer(std::string name, std::vector<int> tables, std::string_view mi
     return k;
 }
 
+SyncKind Form(std::string name, std::vector<int> tables, std::string_view middle,
+              std::string upload = {}) {
+    SyncKind k = Customer(std::move(name), std::move(tables), middle, std::move(upload));
+    k.scope = KindScope::CustomerForm;
+    return k;
+}
+
 SyncKind Master(std::string name, std::string_view suffix) {
     return Kind(std::move(name), KindScope::Master, "Master" + std::string(suffix));
 }
@@ -47,9 +54,9 @@ std::vector<SyncKind> Build() {
         Customer("bidding agencies", {8}, "CustomerNyusatsuKikanList"),
         Customer("other records", {9}, "CustomerOtherList"),
         Customer("linkage info", {}, "CustomerRendoInfo"),
-        Customer("delegation records", {31, 32}, "P99Inin"),
+        Form("delegation records", {31, 32}, "P99Inin"),
         // Only an upload exists for the machinery list; its direction comes from the stamps.
-        Customer("machinery list", {38, 39}, "", "SyncUploadP99KikaiIchiran"),
+        Form("machinery list", {38, 39}, "", "SyncUploadP99KikaiIchiran"),
         File("settlement files", "CustomerKessanFile", "tCustomerKessanHistory",
              "settlement records"),
         File("permit files", "CustomerKyokaFile", "tCustomerKyokaHistory", "permit records"),

@@ -13,6 +13,8 @@ enum class KindScope {
     Customer,      // members take (LocalDB, CustID), under the customer's lock
     Master,        // members take (Master.dat path), under the master lock
     CustomerFile,  // members take (CustID, LocalFile, Owner): needs the host's walk of files
+    CustomerForm,  // members take (prefcustom.dat path, CustID, DataID, bKessan), under the
+                   // lock; its first table's rows name the data files its forms belong to
     StampsOnly,    // tables compared by stamp alone: the component has no worker for them
 };
 

@@ -89,6 +89,7 @@ SyncRun::SyncRun(Component& component, SyncOptions options, std::ostream& out, s
 
 bool SyncRun::Live(const SyncKind& kind) const {
     if (kind.scope == KindScope::StampsOnly) return false;
+    if (kind.scope == KindScope::CustomerForm && kind.compare.empty()) return c_.Has(kind.upload);
     return !kind.compare.empty() && c_.Has(kind.compare) && c_.Has(kind.download) &&
            c_.Has(kind.upload);
 }
@@ -431,7 +432,7 @@ void SyncRun::Customer(std::int32_t id) {
     const int movedBefore = summary_.downloads + summary_.uploads;
     bool anyLive = false;
     for (const SyncKind& k : SyncKinds())
-        if ((k.scope == KindScope::Customer || k.scope == KindScope::CustomerFile) && Live(k))
+        if (k.scope != KindScope::Master && k.scope != KindScope::StampsOnly && Live(k))
             anyLive = true;
     bool locked = false;
     if (anyLive && !options_.dryRun) {
@@ -494,6 +495,10 @@ void SyncRun::Customer(std::int32_t id) {
         }
         if (kind.scope == KindScope::CustomerFile) {
             if (options_.dryRun || locked) Files(kind, id, sentUp.count(kind.records) > 0);
+            continue;
+        }
+        if (kind.scope == KindScope::CustomerForm) {
+            Form(kind, id, flags[k], locked);
             continue;
         }
         const int decision = Compare(kind, id, args);

@@ -20,6 +20,14 @@ namespace morvane::cli {
 enum class Prefer { Ask, Server, Local, Skip };
 std::optional<Prefer> ParsePrefer(std::string_view text);
 
+// The data file a prefecture form belongs to: a settlement record's (kessan) or a permit
+// record's.
+struct FormOwner {
+    double dataId = 0;
+    bool kessan = true;
+    friend bool operator==(const FormOwner&, const FormOwner&) = default;
+};
+
 // What the run needs of the component; the command line's own one calls the public object
 // by member name, tests give a scripted one.
 // The process's exchanges with the server so far: tried, never answered, and failed
@@ -50,6 +58,11 @@ public:
     // The DataFile names of a customer's live records in `table`, in row order, blanks left out.
     virtual std::vector<std::string> DataFiles(const std::string& localDb, const std::string& table,
                                                std::int32_t custId) = 0;
+    // The data file of each of the customer's live rows of a prefecture form's `table`, in
+    // row order: DataFileID for a settlement record, else DataFileID_KY for a permit record,
+    // else none (a data file number of 0).
+    virtual std::vector<FormOwner> FormOwners(const std::string& prefDb, const std::string& table,
+                                              std::int32_t custId) = 0;
 };
 
 struct SyncOptions {
@@ -115,6 +128,8 @@ private:
     void Customer(std::int32_t id);
     // The data files of one kind named by the customer's records, each compared and moved.
     void Files(const SyncKind& kind, std::int32_t id, bool recordsSentUp);
+    // One prefecture form kind of a customer; `flags` are the snapshot's for its tables.
+    void Form(const SyncKind& kind, std::int32_t id, const std::vector<int>& flags, bool locked);
     void Masters();
     // Moves one live kind the way its decision (or the user) says.
     // What was done (or planned): 1 a download, 2 an upload, 0 nothing.

@@ -22,6 +22,7 @@ DispatchTable Build() {
     RegisterDatedMembers(table);
     RegisterListMembers(table);
     RegisterMasterMembers(table);
+    RegisterPrefCustMembers(table);
     return table;
 }
 

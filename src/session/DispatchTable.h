@@ -210,5 +210,6 @@ void RegisterFileMembers(DispatchTable& table);
 void RegisterDatedMembers(DispatchTable& table);
 void RegisterListMembers(DispatchTable& table);
 void RegisterMasterMembers(DispatchTable& table);
+void RegisterPrefCustMembers(DispatchTable& table);
 
 }  // namespace morvane

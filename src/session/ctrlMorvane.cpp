@@ -13,6 +13,7 @@
 #include "masters/cMastSakuseisha.h"
 #include "masters/cMastUserStaff.h"
 #include "masters/cMastYakushoku.h"
+#include "prefcust/cP99Inin.h"
 #include "record/cCustKihon.h"
 #include "roster/cCustList.h"
 #include "store/cCustListSync.h"

@@ -26,6 +26,8 @@ class cMastNyusatsuShorui;
 class cMastSakuseisha;
 class cMastUserStaff;
 class cMastYakushoku;
+class cP99Inin;
+class cP99KikaiIchiran;
 
 class ctrlMorvane {
 public:
@@ -209,6 +211,16 @@ public:
     std::int32_t SyncDownloadMasterYakushoku(const std::string& LocalDB);
     std::int32_t SyncUploadMasterYakushoku(const std::string& LocalDB);
 
+    // ---- Prefecture forms, in prefcustom.dat: the form of a customer's data file
+    std::int32_t CompareP99Inin(const std::string& LocalDB, std::int32_t CustID, double DataID,
+                                bool bKessan);
+    std::int32_t SyncDownloadP99Inin(const std::string& LocalDB, std::int32_t CustID, double DataID,
+                                     bool bKessan);
+    std::int32_t SyncUploadP99Inin(const std::string& LocalDB, std::int32_t CustID, double DataID,
+                                   bool bKessan);
+    std::int32_t SyncUploadP99KikaiIchiran(const std::string& LocalDB, std::int32_t CustID,
+                                           double DataID, bool bKessan);
+
 private:
     // Worker slots, one per kind, added with the members that fill them.
     std::unique_ptr<cCustList> custList_;
@@ -235,6 +247,10 @@ private:
     std::unique_ptr<cMastSakuseisha> mastSakuseisha_;
     std::unique_ptr<cMastUserStaff> mastUserStaff_;
     std::unique_ptr<cMastYakushoku> mastYakushoku_;
+
+    // The delegation form, kept by a comparison for the download that may follow. The
+    // machinery list, sent up only, never needs a slot.
+    std::unique_ptr<cP99Inin> p99Inin_;
 };
 
 }  // namespace morvane

@@ -21,6 +21,12 @@ namespace fs = std::filesystem;
 // The host keeps one row per trade of the permit law, numbered 1 to 31.
 constexpr std::int32_t kTradeGridRows = 31;
 
+// The prefecture forms that carry content of their own.
+constexpr int kIndexIninMain = 31;
+constexpr int kIndexIninSub = 32;
+constexpr int kIndexKikaiIchiranMain = 38;
+constexpr int kIndexKikaiIchiranSub = 39;
+
 // Numbers 1..n and, per number, 1..rows, as a common table expression.
 std::string Sequences(std::int32_t n, std::int32_t rows) {
     return "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " +
@@ -74,6 +80,52 @@ std::string OwnedRows(const std::string& table, int salt, const SampleDataOption
            " FROM n, r;\n";
 }
 
+// The delegation form and the machinery lists, whose rows carry content: edited on
+// 2024/05/01 and never sent up. The delegation form counts every live row whoever owns it,
+// so the office has one, kept under customer 1. A machinery list belongs to a data file of a
+// settlement record (odd rows) or of a permit record (even rows), with two machines each.
+std::string FormRows(int index, const SampleDataOptions& o) {
+    const std::string edited = "'2024-05-01 10:00:00'";
+    switch (index) {
+        case kIndexIninMain:
+            return "INSERT INTO [t99_ININ_MAIN] (CustomerID, disabled, vno, MakeDate, SubShokuin, "
+                   "SelectDetail, SelectSubShokuin, PrintDate, PrintSubShokuin, RecordUpdate) "
+                   "VALUES (1, 0, 1, '2024-03-01 00:00:00', '補助者 一郎', 1, 2, 1, 0, " +
+                   edited + ");\n";
+        case kIndexIninSub:
+            return Sequences(1, o.rowsPerTable) +
+                   "INSERT INTO [t99_ININ_SUB] (CustomerID, disabled, vno, IninTitle, IninDetail0, "
+                   "IninDetail1, IninDetail2, IninDetail3, RecordUpdate) SELECT 1, 0, j, "
+                   "'委任事項' || j, '詳細' || j || '-0', '詳細' || j || '-1', '', '詳細' || j || "
+                   "'-3', " +
+                   edited + " FROM n, r;\n";
+        case kIndexKikaiIchiranMain:
+            return Sequences(o.customers, o.rowsPerTable) +
+                   "INSERT INTO [t99_KIKAIICHIRAN_MAIN] (CustomerID, disabled, DataFileID, "
+                   "DataFileID_KY, vno, CorpName0, ApfName0, ISO9001_Ninsho, SubmitDate, "
+                   "RecordUpdate) SELECT i, CASE WHEN (i + j * 3 + 38) % 11 = 0 THEN 1 ELSE 0 END, "
+                   "CASE WHEN j % 2 = 1 THEN i * 100 + j END, CASE WHEN j % 2 = 0 THEN i * 100 + j "
+                   "END, '1', 'モルヴェイン建設' || i || '株式会社', '代表 ' || i, "
+                   "CAST(j % 2 AS TEXT), '2024/06/30', " +
+                   edited + " FROM n, r;\n";
+        case kIndexKikaiIchiranSub: {
+            const std::string list = "((j + 1) / 2)";
+            return Sequences(o.customers, o.rowsPerTable * 2) +
+                   "INSERT INTO [t99_KIKAIICHIRAN_SUB] (CustomerID, disabled, DataFileID, "
+                   "DataFileID_KY, vno, No, MachineType, Maker, Model, SerialNum, GetDate, "
+                   "RecordUpdate) SELECT i, CASE WHEN (i + j + 39) % 13 = 0 THEN 1 ELSE 0 END, "
+                   "CASE WHEN " +
+                   list + " % 2 = 1 THEN i * 100 + " + list + " END, CASE WHEN " + list +
+                   " % 2 = 0 THEN i * 100 + " + list +
+                   " END, CAST(2 - j % 2 AS TEXT), CAST(2 - j % 2 AS TEXT), 'バックホウ', "
+                   "'メーカー' || i, 'M-' || j, printf('SN%05d', i * 100 + j), '2020/04/01', " +
+                   edited + " FROM n, r;\n";
+        }
+        default:
+            return {};
+    }
+}
+
 std::string ChildRows(bool prefcustom, const SampleDataOptions& o) {
     std::string sql;
     if (o.customers <= 0 || o.rowsPerTable <= 0) return sql;
@@ -93,6 +145,8 @@ std::string ChildRows(bool prefcustom, const SampleDataOptions& o) {
                    "'+' || (i * 37 + j) || ' days') END, " +
                    Stamp("i * 31 + j", index, 9, 0) + ", " +
                    CheckStamp(o, "i * 31 + j", index, 6, 2) + " FROM n, r;\n";
+        } else if (!FormRows(index, o).empty()) {
+            sql += FormRows(index, o);
         } else if (index == kIndexKyokaHistory) {
             sql += OwnedRows(t.name, index, o, ", Ver511HideFlag",
                              ", CASE WHEN (i + j) % 13 = 0 THEN 1 ELSE 0 END");

@@ -112,6 +112,13 @@ public:
         return it == files.end() ? std::vector<std::string>{} : it->second;
     }
 
+    std::map<std::pair<std::string, int>, std::vector<FormOwner>> forms;  // (table, customer)
+    std::vector<FormOwner> FormOwners(const std::string&, const std::string& table,
+                                      std::int32_t custId) override {
+        auto it = forms.find({table, custId});
+        return it == forms.end() ? std::vector<FormOwner>{} : it->second;
+    }
+
     bool Called(const std::string& prefix) const {
         return std::any_of(calls.begin(), calls.end(),
                            [&](const std::string& c) { return c.rfind(prefix, 0) == 0; });
@@ -530,6 +537,71 @@ TEST(SyncRun, FilesOfRecordsJustSentGoUpEvenWhenTheComparisonSeesNoDifference) {
     EXPECT_TRUE(run(2)) << "the records went up";
     EXPECT_FALSE(run(0)) << "the records agreed";
     EXPECT_FALSE(run(1)) << "the records came down";
+}
+
+TEST(SyncRun, DelegationRecordsMoveForCustomersHoldingTheFormOnEitherSide) {
+    ScriptedComponent c;
+    c.local = {1, 2, 3, 4};
+    c.Live("P99Inin");
+    c.members.insert({"LockCoustomer", "UnlockCoustomer"});
+    c.members.insert("InetDateServer");
+    c.texts["InetDateServer"] = "";  // the server holds no form for a customer that moved
+    // 1 holds the main row, of a permit record's file; 2 sub rows only; 3 nothing, and
+    // neither does the server, though the stamps say "both moved"; 4 nothing locally, but
+    // the server's form is newer.
+    c.forms[{"t99_ININ_MAIN", 1}] = {{7, false}};
+    c.forms[{"t99_ININ_SUB", 2}] = {{0, true}};
+    c.results["CompareP99Inin"] = {1, 2, 3, 1};
+    Outcome o = RunWith(c, Prefer::Local);
+    EXPECT_LT(c.Position("LockCoustomer 1"), c.Position("CompareP99Inin"));
+    EXPECT_TRUE(c.Called("SyncDownloadP99Inin /data/prefcustom.dat 1 7 False"));
+    EXPECT_TRUE(c.Called("SyncUploadP99Inin /data/prefcustom.dat 2 0 True"));
+    EXPECT_TRUE(c.Called("CompareP99Inin /data/prefcustom.dat 3 0 True"));
+    EXPECT_FALSE(c.Called("SyncUploadP99Inin /data/prefcustom.dat 3"));
+    EXPECT_TRUE(c.Called("SyncDownloadP99Inin /data/prefcustom.dat 4 0 True"));
+    EXPECT_EQ(o.summary.conflicts, 0);
+    EXPECT_EQ(o.summary.downloads, 2);
+    EXPECT_EQ(o.summary.uploads, 1);
+    EXPECT_FALSE(Reported(o.summary, "delegation records"));
+}
+
+TEST(SyncRun, MachineryListsGoUpPerDataFileWhenTheStampsSaySoAndAreNeverFetched) {
+    struct Case {
+        const char* name;
+        int mainFlag, machineFlag;
+        Prefer prefer;
+        bool dryRun;
+        int uploads, planned, conflicts;
+        bool reported;  // the server's newer copy is told, not fetched
+    };
+    const std::vector<Case> cases = {
+        {"local newer", 2, 0, Prefer::Ask, false, 2, 0, 0, false},
+        {"only the machines changed", 0, 2, Prefer::Ask, false, 2, 0, 0, false},
+        {"machines never stamped as agreed", 0, 3, Prefer::Ask, false, 0, 0, 0, false},
+        {"server newer", 1, 0, Prefer::Ask, false, 0, 0, 0, true},
+        {"both moved, local preferred", 3, 0, Prefer::Local, false, 2, 0, 0, false},
+        {"both moved, skipped", 3, 0, Prefer::Skip, false, 0, 0, 1, false},
+        {"dry run", 2, 0, Prefer::Ask, true, 0, 2, 0, false},
+    };
+    for (const Case& k : cases) {
+        SCOPED_TRACE(k.name);
+        ScriptedComponent c;
+        c.local = {1};
+        c.members.insert({"LockCoustomer", "UnlockCoustomer", "SyncUploadP99KikaiIchiran"});
+        c.flags[{1, 38}] = k.mainFlag;
+        c.flags[{1, 39}] = k.machineFlag;
+        c.forms[{"t99_KIKAIICHIRAN_MAIN", 1}] = {{5, true}, {0, true}, {2.5, false}};
+        Outcome o = RunWith(c, k.prefer, k.dryRun);
+        EXPECT_EQ(o.summary.uploads, k.uploads) << o.out;
+        EXPECT_EQ(o.summary.planned, k.planned);
+        EXPECT_EQ(o.summary.conflicts, k.conflicts);
+        EXPECT_EQ(Reported(o.summary, "customer 1 machinery list"), k.reported);
+        EXPECT_EQ(c.Called("SyncUploadP99KikaiIchiran /data/prefcustom.dat 1 5 True"),
+                  k.uploads > 0);
+        EXPECT_EQ(c.Called("SyncUploadP99KikaiIchiran /data/prefcustom.dat 1 2.5 False"),
+                  k.uploads > 0);
+        EXPECT_FALSE(Reported(o.summary, "machinery list")) << "the kind has its worker";
+    }
 }
 
 TEST(SyncSummary, ExitCodeIsZeroOnlyWhenEverythingAgreedOrMoved) {

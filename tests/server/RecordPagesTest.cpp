@@ -79,21 +79,33 @@ TEST_F(ServerTest, RosterStampsRepeatWhatEachKindsPageReports) {
     clock_->Advance(5s);
     Call(u, "prefcust/99/setIninSub.php",
          "CustomerID=5&IninSubItemID=1&DISABLEDALL=DISABLEDALL&vno=1&IninTitle=t&");
+    clock_->Advance(5s);
+    Call(u, "prefcust/99/setKikaiIchiranMain.php",
+         "CustomerID=5&DataFileID=3&DataFileType=1&KikaiIchiranMainItemID=1&CorpName0=c&");
+    clock_->Advance(5s);
+    Call(u, "prefcust/99/setKikaiIchiranSub.php",
+         "CustomerID=5&DataFileID=3&DataFileType=1&DISABLEDALL=DISABLEDALL&");
 
     Reply roster = Call(u, "customer/getCompList.php", "");
     auto item = roster.Payload("compList").child("compItem");
     EXPECT_STREQ(item.child("Code").text().get(), "NEW") << "the roster follows the record";
     const auto stampOf = [&](const std::string& path) {
-        Reply r = Call(u, path, "CustomerID=5&");
+        const bool dataFile = path.find("Kikai") != std::string::npos;
+        Reply r =
+            Call(u, path, dataFile ? "CustomerID=5&DataFileID=3&DataFileType=1&" : "CustomerID=5&");
         auto c = r.Payload("Customer");
         std::string last;
         for (auto node : c.select_nodes(".//RecordUpdate")) last = node.node().text().get();
         return last;
     };
-    const std::map<int, std::string> pages{
-        {0, "customer/getCompKihon.php"},    {2, "customer/getCompGyoshu.php"},
-        {4, "customer/getKessanData.php"},   {6, "customer/getCompShokuin.php"},
-        {31, "prefcust/99/getIninMain.php"}, {32, "prefcust/99/getIninSub.php"}};
+    const std::map<int, std::string> pages{{0, "customer/getCompKihon.php"},
+                                           {2, "customer/getCompGyoshu.php"},
+                                           {4, "customer/getKessanData.php"},
+                                           {6, "customer/getCompShokuin.php"},
+                                           {31, "prefcust/99/getIninMain.php"},
+                                           {32, "prefcust/99/getIninSub.php"},
+                                           {38, "prefcust/99/getKikaiIchiranMain.php"},
+                                           {39, "prefcust/99/getKikaiIchiranSub.php"}};
     for (const auto& [index, path] : pages)
         EXPECT_EQ(item.child(("RecordUpdate" + std::to_string(index)).c_str()).text().get(),
                   stampOf(path))
@@ -102,6 +114,9 @@ TEST_F(ServerTest, RosterStampsRepeatWhatEachKindsPageReports) {
     EXPECT_EQ(stampOf("customer/getCompShokuin.php"), "") << "never written";
     EXPECT_EQ(stampOf("prefcust/99/getIninMain.php"), stampOf("prefcust/99/getIninSub.php"))
         << "the form's stamp is the later of main and sub";
+    EXPECT_NE(stampOf("prefcust/99/getKikaiIchiranMain.php"),
+              stampOf("prefcust/99/getKikaiIchiranSub.php"))
+        << "a machinery list's main and machines keep stamps of their own";
     EXPECT_STREQ(item.child("RecordUpdate12").text().get(), "") << "no server data";
 }
 

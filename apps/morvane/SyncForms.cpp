@@ -1,0 +1,93 @@
+// The prefecture forms of one customer in `morvane sync`: their members take prefcustom.dat
+// beside the customer database and the data file a form belongs to.
+#include <filesystem>
+#include <ostream>
+
+#include "SyncRun.h"
+#include "store/BackupTableIndex.h"
+#include "store/LocalDatabases.h"
+#include "util/Nz.h"
+
+namespace morvane::cli {
+
+void SyncRun::Form(const SyncKind& kind, std::int32_t id, const std::vector<int>& flags,
+                   bool locked) {
+    const std::string prefDb = (dataDir_ / kPrefCustomDatabaseName).string();
+    const std::string label = "customer " + std::to_string(id) + " " + kind.name;
+    const auto owners = [&](std::size_t table) {
+        return table < kind.tables.size()
+                   ? c_.FormOwners(prefDb, BackupTables()[kind.tables[table]].name, id)
+                   : std::vector<FormOwner>{};
+    };
+    if (!kind.compare.empty()) {
+        const std::vector<FormOwner> main = owners(0);
+        const bool holds = !main.empty() || !owners(1).empty();
+        // The host opens the form from the record its main row names, if any.
+        const FormOwner owner = main.empty() ? FormOwner{} : main.front();
+        const std::vector<Value> args{Value(prefDb), Value(id), Value(owner.dataId),
+                                      Value(owner.kessan)};
+        const int decision = Compare(kind, id, args);
+        if (decision < 0) {
+            ++summary_.failures;
+            out_ << label << ": the comparison failed\n";
+            return;
+        }
+        // Every live row counts as the one form, and a download leaves its rows to no one:
+        // a customer holding no rows of it, for whom the server holds no form either, has
+        // none, whatever the stamps of the others' say.
+        if ((decision == 2 || decision == 3) && !holds &&
+            NzString(c_.Call("InetDateServer", {})).empty())
+            return;
+        if (decision != 0 && !options_.dryRun && !locked) {
+            tally_[kind.name].differ[decision]++;
+            return;
+        }
+        Decide(kind, decision, args, label);
+        return;
+    }
+    // Sent up only, so the snapshot decides. The machine table is never stamped as agreed,
+    // so once sent its flag says "both moved" for good: the main table's flag rules, and the
+    // machine table's only while it says local newer alone.
+    int decision = flags.empty() ? 0 : flags[0];
+    if (decision == 0 && flags.size() > 1 && flags[1] == 2) decision = 2;
+    if (decision == 0) return;
+    if (!options_.dryRun && !locked) {
+        tally_[kind.name].differ[decision]++;
+        return;
+    }
+    if (decision == 3) {
+        if (options_.prefer == Prefer::Local) {
+            decision = 2;
+        } else {
+            ++summary_.conflicts;
+            out_ << label << ": both sides moved; left as it is (only --prefer local sends it)\n";
+            return;
+        }
+    }
+    if (decision == 1) {
+        summary_.unsupported.push_back(
+            {label, "the server's copy is newer, but a machinery list can only be sent up"});
+        out_ << label << ": the server's copy is newer; it cannot be downloaded\n";
+        return;
+    }
+    for (const FormOwner& owner : owners(0)) {
+        if (owner.dataId == 0) continue;  // a list of no data file is no one's to send
+        const std::string what = label + " of " + (owner.kessan ? "settlement" : "permit") +
+                                 " file " + DoubleText(owner.dataId);
+        if (options_.dryRun) {
+            ++summary_.planned;
+            out_ << what << ": would upload\n";
+            continue;
+        }
+        if (CallOk(kind.upload,
+                   {Value(prefDb), Value(id), Value(owner.dataId), Value(owner.kessan)})) {
+            ++summary_.uploads;
+            out_ << what << ": uploaded\n";
+        } else {
+            ++summary_.failures;
+            out_ << what << ": " << kind.upload << " failed\n";
+        }
+    }
+}
+
+}  // namespace morvane::cli

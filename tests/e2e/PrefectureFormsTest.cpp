@@ -1,0 +1,144 @@
+// The prefecture forms between two offices through the reference server: the delegation form
+// goes up from one office and down into the other; machinery lists go up, each kept by the
+// server under its own data file.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "OfficeServerTest.h"
+#include "session/ctrlMorvane.h"
+#include "session/mdlLogin.h"
+#include "store/LocalDatabases.h"
+#include "store/StoreTestUtil.h"
+#include "transport/RequestBody.h"
+#include "transport/mdlServerConst.h"
+#include "transport/mdlServerReply.h"
+#include "util/Value.h"
+
+namespace morvane::test {
+namespace {
+
+constexpr std::int32_t kCustomer = 4;
+
+class PrefectureFormsTest : public OfficeServerTest {
+protected:
+    void SetUp() override { StartServer(); }
+
+    // The office's prefcustom.dat.
+    std::string UseOffice(const std::string& name) {
+        OfficeServerTest::UseOffice(name);
+        return CreateLocalDatabases(temp_.Path() / name / "db", {}).prefcustom.string();
+    }
+
+    void CreateCustomer() {
+        std::string create = LowerCustomerBody(kCustomer);
+        AppendField(create, "Code", "C4");
+        ASSERT_NE(SendRequest(page::kCreateCompKihon, create), "");
+    }
+
+    // The server's machine makers of one data file's list, in its order.
+    static std::vector<std::string> ServerMachines(double dataId, bool kessan) {
+        std::string body = UpperCustomerBody(kCustomer);
+        AppendField(body, "DataFileID", DoubleText(dataId));
+        AppendField(body, "DataFileType", kessan ? "1" : "2");
+        const std::string reply = SendRequest(page::kGetKikaiIchiranSub, body);
+        std::vector<std::string> makers;
+        for (size_t at = reply.find("<Maker>"); at != std::string::npos;
+             at = reply.find("<Maker>", at + 1)) {
+            const size_t from = at + 7;
+            makers.push_back(reply.substr(from, reply.find("</Maker>", from) - from));
+        }
+        return makers;
+    }
+
+    void NoBoxes() {
+        for (const auto& box : kit_->Boxes()) ADD_FAILURE() << box.title << ": " << box.text;
+    }
+};
+
+constexpr const char* kFormColumns =
+    "SELECT SubShokuin, SelectDetail, SelectSubShokuin, PrintDate, PrintSubShokuin FROM "
+    "t99_ININ_MAIN WHERE disabled = 0";
+constexpr const char* kItemColumns =
+    "SELECT IninTitle, IninDetail0, IninDetail1, IninDetail2, IninDetail3 FROM t99_ININ_SUB "
+    "WHERE disabled = 0 ORDER BY id";
+
+TEST_F(PrefectureFormsTest, TheDelegationFormTravelsFromOneOfficeToTheOther) {
+    const std::string dbA = UseOffice("a");
+    Sql(dbA,
+        "INSERT INTO t99_ININ_MAIN (id, CustomerID, disabled, vno, MakeDate, SubShokuin, "
+        "SelectDetail, SelectSubShokuin, PrintDate, PrintSubShokuin, RecordUpdate) VALUES "
+        "(1, 4, 0, 1, '2024-03-01 00:00:00', '補助者&<一郎>', 1, 2, 1, 0, '2024-05-01 10:00:00');"
+        "INSERT INTO t99_ININ_SUB (id, CustomerID, disabled, vno, IninTitle, IninDetail0, "
+        "IninDetail1, IninDetail2, IninDetail3, RecordUpdate) VALUES "
+        "(1, 4, 0, 1, '許可申請', 'a=b', '', 'x&y', '最後', '2024-05-01 10:00:00'), "
+        "(2, 4, 1, 2, 'freed', '', '', '', '', '2024-05-01 10:00:00'), "
+        "(3, 4, 0, 3, '変更届', 'd0', 'd1', 'd2', 'd3', '2024-05-01 10:00:00');");
+    ctrlMorvane a;
+    ASSERT_TRUE(DoLogin("u1", "secret-1", kContract));
+    CreateCustomer();
+    EXPECT_EQ(a.CompareP99Inin(dbA, kCustomer, 0, true), 2) << "the server has no form yet";
+    ASSERT_EQ(a.SyncUploadP99Inin(dbA, kCustomer, 0, true), 1);
+    EXPECT_EQ(a.CompareP99Inin(dbA, kCustomer, 0, true), 0);
+    NoBoxes();
+
+    // Office B holds an older form that was last agreed before A's went up.
+    const std::string dbB = UseOffice("b");
+    Sql(dbB,
+        "INSERT INTO t99_ININ_MAIN (id, CustomerID, disabled, SubShokuin, SelectDetail, "
+        "MakeDate, RecordUpdate, InetCheckDate) VALUES (7, 9, 0, 'old', 5, "
+        "'2020-01-01 00:00:00', '2024-01-01 00:00:00', '2024-01-01 00:00:00');"
+        "INSERT INTO t99_ININ_SUB (id, CustomerID, disabled, IninTitle, RecordUpdate, "
+        "InetCheckDate) VALUES (1, 9, 0, 'old 1', '2024-01-01 00:00:00', '2024-01-01 00:00:00'), "
+        "(2, 8, 1, 'old 2', NULL, NULL), (3, 9, 0, 'old 3', '2024-01-01 00:00:00', "
+        "'2024-01-01 00:00:00'), (4, 9, 0, 'old 4', '2024-01-01 00:00:00', "
+        "'2024-01-01 00:00:00');");
+    ctrlMorvane b;
+    ASSERT_TRUE(DoLogin("u2", "secret-2", kContract));
+    EXPECT_EQ(b.CompareP99Inin(dbB, kCustomer, 0, true), 1);
+    ASSERT_EQ(b.SyncDownloadP99Inin(dbB, kCustomer, 0, true), 1);
+    EXPECT_EQ(b.CompareP99Inin(dbB, kCustomer, 0, true), 0);
+    NoBoxes();
+
+    EXPECT_EQ(Rows(dbB, kFormColumns), Rows(dbA, kFormColumns));
+    EXPECT_EQ(Rows(dbB, std::string(kItemColumns)), Rows(dbA, std::string(kItemColumns)));
+    EXPECT_EQ(Rows(dbA, std::string(kItemColumns)).size(), 2u);
+    EXPECT_EQ(Rows(dbB, "SELECT id, CustomerID, MakeDate FROM t99_ININ_MAIN"),
+              std::vector<std::string>{"7|0|<null>"})
+        << "B's row is rewritten, owned by no customer, with no make date";
+    EXPECT_EQ(One(dbB, "SELECT COUNT(*) FROM t99_ININ_SUB WHERE CustomerID <> 0"), "0");
+}
+
+TEST_F(PrefectureFormsTest, MachineryListsAreKeptPerDataFileAndAnEmptiedListEmptiesTheServers) {
+    const std::string db = UseOffice("a");
+    Sql(db,
+        "INSERT INTO t99_KIKAIICHIRAN_MAIN (id, CustomerID, disabled, DataFileID, DataFileID_KY, "
+        "CorpName0) VALUES (1, 4, 0, 5, NULL, 'K5'), (2, 4, 0, NULL, 5, 'Y5'), "
+        "(3, 4, 0, 2.5, NULL, 'K2.5');"
+        "INSERT INTO t99_KIKAIICHIRAN_SUB (id, CustomerID, disabled, DataFileID, DataFileID_KY, "
+        "vno, Maker) VALUES (1, 4, 0, 5, NULL, '2', 'M&2'), (2, 4, 0, 5, NULL, '1', 'M1'), "
+        "(3, 4, 0, NULL, 5, '1', 'Y1'), (4, 4, 0, 2.5, NULL, '1', 'half');");
+    ctrlMorvane a;
+    ASSERT_TRUE(DoLogin("u1", "secret-1", kContract));
+    CreateCustomer();
+    ASSERT_EQ(a.SyncUploadP99KikaiIchiran(db, kCustomer, 5, true), 1);
+    ASSERT_EQ(a.SyncUploadP99KikaiIchiran(db, kCustomer, 5, false), 1);
+    ASSERT_EQ(a.SyncUploadP99KikaiIchiran(db, kCustomer, 2.5, true), 1);
+    EXPECT_EQ(ServerMachines(5, true), (std::vector<std::string>{"M1", "M&amp;2"}));
+    EXPECT_EQ(ServerMachines(5, false), std::vector<std::string>{"Y1"});
+    EXPECT_EQ(ServerMachines(2.5, true), std::vector<std::string>{"half"});
+
+    // A machine taken off the list, then the last one: the server follows each time.
+    Sql(db, "UPDATE t99_KIKAIICHIRAN_SUB SET disabled = 1 WHERE id = 2;");
+    ASSERT_EQ(a.SyncUploadP99KikaiIchiran(db, kCustomer, 5, true), 1);
+    EXPECT_EQ(ServerMachines(5, true), std::vector<std::string>{"M&amp;2"});
+    Sql(db, "UPDATE t99_KIKAIICHIRAN_SUB SET disabled = 1 WHERE id = 4;");
+    ASSERT_EQ(a.SyncUploadP99KikaiIchiran(db, kCustomer, 2.5, true), 1);
+    EXPECT_TRUE(ServerMachines(2.5, true).empty());
+    EXPECT_EQ(ServerMachines(5, false), std::vector<std::string>{"Y1"}) << "other lists stay";
+    NoBoxes();
+}
+
+}  // namespace
+}  // namespace morvane::test
