@@ -288,8 +288,8 @@ int RunDemo(const DemoOptions& options, std::ostream& out) {
     const bool filesCanMove =
         DispatchTable::Instance().Find("SyncUploadCustomerKessanFile") != nullptr;
     const bool ok = loginA == 1 && loginB == 1 && Clean(upA) && Clean(downB) && Clean(endA) &&
-                    Clean(endB) &&
-                    sameTables && (!rosterCanMove || (agrees(endA) && agrees(endB))) &&
+                    Clean(endB) && sameTables &&
+                    (!rosterCanMove || (agrees(endA) && agrees(endB))) &&
                     (!filesCanMove || sameFiles);
     out << (ok ? "The demo ran to a clean end.\n" : "The demo did not reach its end.\n");
     return ok ? 0 : 1;

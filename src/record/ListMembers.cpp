@@ -1,5 +1,5 @@
-// The members of the customer record's lists (staff, offices, memos, bidding lists): each compared and fetched
-// through the customer record's own slot, since its worker holds them.
+// The members of the customer record's lists (staff, offices, memos, bidding lists): each compared
+// and fetched through the customer record's own slot, since its worker holds them.
 #include <functional>
 
 #include "record/cCustKihon.h"
@@ -31,14 +31,14 @@ constexpr ListKind kEigyosho{page::kGetEigyosho, &cCustKihon::ReadXMLEigyosho,
 constexpr ListKind kMemo{page::kGetMemo, &cCustKihon::ReadXMLMemo, &cCustKihon::CompareLocalDBMemo,
                          &cCustKihon::SyncDownloadMemo, &cCustKihon::SyncUploadMemo};
 
-constexpr ListKind kNyusatsuKikan{
-    page::kGetNyusatsuKikan, &cCustKihon::ReadXMLNyusatuKikan,
-    &cCustKihon::CompareLocalDBNyusatsuKikan, &cCustKihon::SyncDownloadNyusatsuKikan,
-    &cCustKihon::SyncUploadNyusatsuKikan};
-constexpr ListKind kNyusatsuSanka{
-    page::kGetNyusatsuSanka, &cCustKihon::ReadXMLNyusatuSanka,
-    &cCustKihon::CompareLocalDBNyusatsuSanka, &cCustKihon::SyncDownloadNyusatsuSanka,
-    &cCustKihon::SyncUploadNyusatsuSanka};
+constexpr ListKind kNyusatsuKikan{page::kGetNyusatsuKikan, &cCustKihon::ReadXMLNyusatuKikan,
+                                  &cCustKihon::CompareLocalDBNyusatsuKikan,
+                                  &cCustKihon::SyncDownloadNyusatsuKikan,
+                                  &cCustKihon::SyncUploadNyusatsuKikan};
+constexpr ListKind kNyusatsuSanka{page::kGetNyusatsuSanka, &cCustKihon::ReadXMLNyusatuSanka,
+                                  &cCustKihon::CompareLocalDBNyusatsuSanka,
+                                  &cCustKihon::SyncDownloadNyusatsuSanka,
+                                  &cCustKihon::SyncUploadNyusatsuSanka};
 
 facade::Request ListRequest(const ListKind& kind, std::int32_t custId) {
     return {kind.getPage, UpperCustomerBody(custId), facade::Routine::Progress};

@@ -81,8 +81,7 @@ std::int32_t cCustKihon::SyncDownloadNyusatsuKikan(const std::string& LocalDB,
                                                    std::int32_t CustID) {
     return nyusatsuKikan_.SyncDownload(LocalDB, CustID);
 }
-std::int32_t cCustKihon::SyncUploadNyusatsuKikan(const std::string& LocalDB,
-                                                 std::int32_t CustID) {
+std::int32_t cCustKihon::SyncUploadNyusatsuKikan(const std::string& LocalDB, std::int32_t CustID) {
     ClearData();
     try {
         LoadKanriNendo(LocalDB, CustID);
@@ -112,8 +111,7 @@ std::int32_t cCustKihon::SyncDownloadNyusatsuSanka(const std::string& LocalDB,
                                                    std::int32_t CustID) {
     return nyusatsuSanka_.SyncDownload(LocalDB, CustID);
 }
-std::int32_t cCustKihon::SyncUploadNyusatsuSanka(const std::string& LocalDB,
-                                                 std::int32_t CustID) {
+std::int32_t cCustKihon::SyncUploadNyusatsuSanka(const std::string& LocalDB, std::int32_t CustID) {
     return nyusatsuSanka_.SyncUpload(LocalDB, CustID);
 }
 

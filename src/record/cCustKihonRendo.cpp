@@ -83,8 +83,7 @@ bool cCustKihon::ReadXMLRendoInfo(const platform::XmlDocument& doc) {
     return record && staff && offices;
 }
 
-std::int32_t cCustKihon::CompareLocalDBRendoInfo(const std::string& LocalDB,
-                                                 std::int32_t CustID) {
+std::int32_t cCustKihon::CompareLocalDBRendoInfo(const std::string& LocalDB, std::int32_t CustID) {
     try {
         // Each comparison stamps its own table when only the stamps differ.
         const RendoResults results{

@@ -117,14 +117,17 @@ TEST_F(CustomerListsTest, EveryListTravelsFromOneOfficeToTheOther) {
     EXPECT_NE(sentA[2].find("&Reserved3=r<3>&"), std::string::npos);
     EXPECT_NE(sentA[4].find("&History=初回&面談&"), std::string::npos);
     // The blank grid row stays home; the filled ones travel with their positions closed up.
-    EXPECT_EQ(sentA[6], "&KikanName=大阪府&Kubun=A&B&Nendo1=R6&Nendo2=&Nendo3=&Nendo4=&Nendo5=&"
-                        "Nendo6=&Nendo7=&Nendo8=&Nendo9=&Nendo10=&LocalIndex=1&");
+    EXPECT_EQ(sentA[6],
+              "&KikanName=大阪府&Kubun=A&B&Nendo1=R6&Nendo2=&Nendo3=&Nendo4=&Nendo5=&"
+              "Nendo6=&Nendo7=&Nendo8=&Nendo9=&Nendo10=&LocalIndex=1&");
     EXPECT_NE(sentA[7].find("&Nendo10=R7&LocalIndex=2&"), std::string::npos);
-    EXPECT_EQ(sentA[8], "&KikanCode=K-02&Effective=0&Reservation=3&Other=&DataFile=&"
-                        "CheckSync=0&Other1=<b>&vno=1&");
+    EXPECT_EQ(sentA[8],
+              "&KikanCode=K-02&Effective=0&Reservation=3&Other=&DataFile=&"
+              "CheckSync=0&Other1=<b>&vno=1&");
     // The office that took the grid has it whole.
-    EXPECT_EQ(One(dbB, "SELECT COUNT(*) FROM tCustomerNyusatsuKanri WHERE CustomerID = 2 AND "
-                       "disabled = 0"),
+    EXPECT_EQ(One(dbB,
+                  "SELECT COUNT(*) FROM tCustomerNyusatsuKanri WHERE CustomerID = 2 AND "
+                  "disabled = 0"),
               "100");
 }
 

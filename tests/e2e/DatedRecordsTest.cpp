@@ -26,9 +26,9 @@ const OfficeServerTest::CustomerKind kKessan{
 const OfficeServerTest::CustomerKind kKyoka{
     "permit records", &ctrlMorvane::CompareCustomerKyokaList,
     &ctrlMorvane::SyncDownloadCustomerKyokaList, &ctrlMorvane::SyncUploadCustomerKyokaList};
-const OfficeServerTest::CustomerKind kOther{
-    "other records", &ctrlMorvane::CompareCustomerOtherList,
-    &ctrlMorvane::SyncDownloadCustomerOtherList, &ctrlMorvane::SyncUploadCustomerOtherList};
+const OfficeServerTest::CustomerKind kOther{"other records", &ctrlMorvane::CompareCustomerOtherList,
+                                            &ctrlMorvane::SyncDownloadCustomerOtherList,
+                                            &ctrlMorvane::SyncUploadCustomerOtherList};
 
 class DatedRecordsTest : public OfficeServerTest {
 protected:

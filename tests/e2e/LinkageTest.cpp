@@ -20,9 +20,9 @@
 namespace morvane::test {
 namespace {
 
-const OfficeServerTest::CustomerKind kRendo{
-    "linkage info", &ctrlMorvane::CompareCustomerRendoInfo,
-    &ctrlMorvane::SyncDownloadCustomerRendoInfo, &ctrlMorvane::SyncUploadCustomerRendoInfo};
+const OfficeServerTest::CustomerKind kRendo{"linkage info", &ctrlMorvane::CompareCustomerRendoInfo,
+                                            &ctrlMorvane::SyncDownloadCustomerRendoInfo,
+                                            &ctrlMorvane::SyncUploadCustomerRendoInfo};
 
 // The four kinds' tables, in flag order.
 const char* const kTables[] = {"tCustomer", "tCustomerGyoshu", "tCustomerMeibo",
@@ -54,8 +54,8 @@ protected:
         std::vector<bool> out;
         for (const char* table : kTables) {
             const std::string owner = std::string(table) == "tCustomer" ? "id" : "CustomerID";
-            out.push_back(One(db, "SELECT COUNT(*) FROM " + std::string(table) + " WHERE " +
-                                      owner + " = 2 AND RecordUpdate <> '" + kOld + "'") != "0");
+            out.push_back(One(db, "SELECT COUNT(*) FROM " + std::string(table) + " WHERE " + owner +
+                                      " = 2 AND RecordUpdate <> '" + kOld + "'") != "0");
         }
         return out;
     }
@@ -108,10 +108,12 @@ TEST_F(LinkageTest, TheFourKindsTravelAsOneAndADownloadWritesOnlyWhatDiffers) {
     EXPECT_EQ(b2.CompareCustomerRendoInfo(dbB, 2), 1);
     EXPECT_EQ(b2.SyncDownloadCustomerRendoInfo(dbB, 2), 1);
     EXPECT_EQ(Written(dbB), (std::vector<bool>{false, false, false, true}));
-    EXPECT_EQ(One(dbB, "SELECT COUNT(*) FROM tCustomerEigyosyo WHERE CustomerID = 2 AND "
-                       "disabled = 0 AND Name = '新支店'"),
-              One(dbA, "SELECT COUNT(*) FROM tCustomerEigyosyo WHERE CustomerID = 2 AND "
-                       "disabled = 0"));
+    EXPECT_EQ(One(dbB,
+                  "SELECT COUNT(*) FROM tCustomerEigyosyo WHERE CustomerID = 2 AND "
+                  "disabled = 0 AND Name = '新支店'"),
+              One(dbA,
+                  "SELECT COUNT(*) FROM tCustomerEigyosyo WHERE CustomerID = 2 AND "
+                  "disabled = 0"));
     EXPECT_EQ(b2.CompareCustomerRendoInfo(dbB, 2), 0);
     NoBoxes();
 }
@@ -137,7 +139,8 @@ TEST_F(LinkageTest, TheCodeTravelsAloneAndAnEmptyCodeNotAtAll) {
     ASSERT_EQ(a.SyncUploadCustomerKihonNormal(dbA, 2), 1);
     const std::string agreed = One(dbA, "SELECT InetCheckDate FROM tCustomer WHERE id = 2");
 
-    dao::RunScript(dbA, "UPDATE tCustomer SET Code = 'N&2', CorpName0 = 'stays home' WHERE id = 2;");
+    dao::RunScript(dbA,
+                   "UPDATE tCustomer SET Code = 'N&2', CorpName0 = 'stays home' WHERE id = 2;");
     EXPECT_EQ(a.SyncUploadCustomerCustCode(dbA, 2), 1);
     const std::string record = ServerPage(page::kGetCompKihon);
     EXPECT_NE(record.find("<Code>N&amp;2</Code>"), std::string::npos) << record;

@@ -3,12 +3,12 @@
 #include "session/ProcessState.h"
 #include "session/ctrlMorvane.h"
 #include "session/mdlLogin.h"
+#include "session/mdlRegConstMorvane.h"
+#include "session/mdlRegControlMorvane.h"
 #include "store/LocalDatabases.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"
 #include "transport/mdlServerReply.h"
-#include "session/mdlRegConstMorvane.h"
-#include "session/mdlRegControlMorvane.h"
 
 namespace morvane::test {
 
@@ -48,8 +48,7 @@ void OfficeServerTest::UseOffice(const std::string& name) {
     WriteMorvaneSetting(reg::kContractNo, kContract);
 }
 
-std::string OfficeServerTest::UseOfficeDb(const std::string& name,
-                                          const SampleDataOptions& data) {
+std::string OfficeServerTest::UseOfficeDb(const std::string& name, const SampleDataOptions& data) {
     UseOffice(name);
     return CreateLocalDatabases(temp_.Path() / name / "db", data).customer.string();
 }

@@ -83,14 +83,16 @@ TEST_F(NyusatsuListsTest, AnAgencyItemNeedsAllFourteenTags) {
 }
 
 TEST_F(NyusatsuListsTest, FirstDownloadMakesTheWholeGridAndLaterOnesKeepItWholeAndBlank) {
-    Sql(db_, "INSERT INTO tCustomerNyusatsuKanri (CustomerID, disabled, LocalIndex, KikanName) "
-             "VALUES (8, 1, 1, 'of 8');");
+    Sql(db_,
+        "INSERT INTO tCustomerNyusatsuKanri (CustomerID, disabled, LocalIndex, KikanName) "
+        "VALUES (8, 1, 1, 'of 8');");
     // Server positions with gaps: the rows take the items' own positions.
     DownloadAgencies({KikanItem(1, 5, "A"), KikanItem(2, 9, "B"), KikanItem(3, 12, "C")});
     EXPECT_EQ(Count("CustomerID = 7"), "100");
     EXPECT_EQ(Count("CustomerID = 7 AND disabled <> 0"), "0");
-    EXPECT_EQ(Rows(db_, "SELECT LocalIndex, KikanName, Nendo1 FROM tCustomerNyusatsuKanri "
-                        "WHERE CustomerID = 7 AND KikanName <> '' ORDER BY LocalIndex"),
+    EXPECT_EQ(Rows(db_,
+                   "SELECT LocalIndex, KikanName, Nendo1 FROM tCustomerNyusatsuKanri "
+                   "WHERE CustomerID = 7 AND KikanName <> '' ORDER BY LocalIndex"),
               (std::vector<std::string>{"1|A|R6", "2|B|R6", "3|C|R6"}));
     EXPECT_EQ(Count("CustomerID = 8 AND disabled = 1"), "1") << "another customer's rows stay";
 
@@ -99,8 +101,9 @@ TEST_F(NyusatsuListsTest, FirstDownloadMakesTheWholeGridAndLaterOnesKeepItWholeA
     EXPECT_EQ(Count("CustomerID = 7"), "100");
     EXPECT_EQ(Count("CustomerID = 7 AND disabled <> 0"), "0");
     EXPECT_EQ(Count("CustomerID = 7 AND (KikanName <> '' OR Kubun <> '' OR Nendo1 <> '')"), "1");
-    EXPECT_EQ(One(db_, "SELECT KikanName FROM tCustomerNyusatsuKanri WHERE CustomerID = 7 AND "
-                       "LocalIndex = 1"),
+    EXPECT_EQ(One(db_,
+                  "SELECT KikanName FROM tCustomerNyusatsuKanri WHERE CustomerID = 7 AND "
+                  "LocalIndex = 1"),
               "D");
 
     // A list with gaps was closed up locally, so it differs until the server is told.
@@ -125,11 +128,12 @@ TEST_F(NyusatsuListsTest, BlankRowsAreInvisibleToTheComparison) {
     std::string grid;
     for (int i = 1; i <= 100; ++i) {
         const bool filled = i == 2 || i == 50 || i == 99;
-        grid += "INSERT INTO tCustomerNyusatsuKanri (CustomerID, disabled, LocalIndex, "
-                "KikanName, Kubun, Nendo1, RecordUpdate, InetCheckDate) VALUES (7, 0, " +
-                std::to_string(i) + ", '" + (filled ? "A" + std::to_string(i) : "") + "', '" +
-                (filled ? "1" : "") + "', '" + (filled ? "R6" : "") +
-                "', '2024-05-01 08:00:00', '2024-05-01 08:00:00');";
+        grid +=
+            "INSERT INTO tCustomerNyusatsuKanri (CustomerID, disabled, LocalIndex, "
+            "KikanName, Kubun, Nendo1, RecordUpdate, InetCheckDate) VALUES (7, 0, " +
+            std::to_string(i) + ", '" + (filled ? "A" + std::to_string(i) : "") + "', '" +
+            (filled ? "1" : "") + "', '" + (filled ? "R6" : "") +
+            "', '2024-05-01 08:00:00', '2024-05-01 08:00:00');";
     }
     Sql(db_, grid);
     const std::vector<std::string> three{KikanItem(1, 2, "A2"), KikanItem(2, 50, "A50"),
@@ -179,8 +183,9 @@ TEST_F(NyusatsuListsTest, UploadNumbersTheFilledRowsAndEndsWithTheYear) {
 
     // No filled row: nothing at all is sent.
     server_->ClearRequests();
-    Sql(db_, "UPDATE tCustomerNyusatsuKanri SET KikanName = '', Kubun = '', Nendo1 = '', "
-             "Nendo10 = '';");
+    Sql(db_,
+        "UPDATE tCustomerNyusatsuKanri SET KikanName = '', Kubun = '', Nendo1 = '', "
+        "Nendo10 = '';");
     EXPECT_EQ(obj.SyncUploadCustomerNyusatsuKikanList(db_, 7), 0);
     EXPECT_TRUE(server_->Requests().empty());
 }
@@ -190,13 +195,14 @@ TEST_F(NyusatsuListsTest, EntriesTakeAnyFreeRowAndAnEmptyListFreesThemAll) {
         "INSERT INTO tCustomerNyusatsuHistory_V5 (id, CustomerID, disabled, vno, KikanCode) "
         "VALUES (1, 7, 0, 1, 'old'), (2, 8, 1, 1, 'freed by 8'), (3, 8, 0, 1, 'live of 8');");
     cCustKihon k;
-    ASSERT_TRUE(k.ReadXMLNyusatuSanka(Reply(
-        "NyusatsuSanka", {SankaItem(1, "K1"), SankaItem(2, "K2", {{"Effective", "x"}}),
-                          SankaItem(3, "K3", {{"Reservation", "4"}})})));
+    ASSERT_TRUE(k.ReadXMLNyusatuSanka(
+        Reply("NyusatsuSanka", {SankaItem(1, "K1"), SankaItem(2, "K2", {{"Effective", "x"}}),
+                                SankaItem(3, "K3", {{"Reservation", "4"}})})));
     ASSERT_EQ(k.SyncDownloadNyusatsuSanka(db_, 7), 1);
-    EXPECT_EQ(Rows(db_, "SELECT id, CustomerID, disabled, vno, KikanCode, Effective, "
-                        "Reservation, Other, DataFile, CheckSync, Other1 "
-                        "FROM tCustomerNyusatsuHistory_V5 ORDER BY id"),
+    EXPECT_EQ(Rows(db_,
+                   "SELECT id, CustomerID, disabled, vno, KikanCode, Effective, "
+                   "Reservation, Other, DataFile, CheckSync, Other1 "
+                   "FROM tCustomerNyusatsuHistory_V5 ORDER BY id"),
               (std::vector<std::string>{
                   "1|7|0|1|K1|1|0|o|f.pdf|1|p",
                   "2|7|0|2|K2|0|0|o|f.pdf|1|p",  // customer 8's free row; no number is 0
@@ -205,8 +211,9 @@ TEST_F(NyusatsuListsTest, EntriesTakeAnyFreeRowAndAnEmptyListFreesThemAll) {
 
     ASSERT_TRUE(k.ReadXMLNyusatuSanka(Reply("NyusatsuSanka", {})));
     ASSERT_EQ(k.SyncDownloadNyusatsuSanka(db_, 7), 1);
-    EXPECT_EQ(One(db_, "SELECT COUNT(*) FROM tCustomerNyusatsuHistory_V5 WHERE CustomerID = 7 "
-                       "AND disabled = 1"),
+    EXPECT_EQ(One(db_,
+                  "SELECT COUNT(*) FROM tCustomerNyusatsuHistory_V5 WHERE CustomerID = 7 "
+                  "AND disabled = 1"),
               "3");
 }
 
@@ -224,9 +231,10 @@ TEST_F(NyusatsuListsTest, EntriesCompareAgencyEffectAndReservationOnly) {
               "2024/05/20 10:00:00")));
     EXPECT_EQ(k.CompareLocalDBNyusatsuSanka(db_, 7), 0);
 
-    ASSERT_TRUE(k.ReadXMLNyusatuSanka(Reply(
-        "NyusatsuSanka", {SankaItem(9, "K1"), SankaItem(8, "K2", {{"Effective", "0"}, {"Reservation", "1"}})},
-        "2024/06/01 09:30:00")));
+    ASSERT_TRUE(k.ReadXMLNyusatuSanka(
+        Reply("NyusatsuSanka",
+              {SankaItem(9, "K1"), SankaItem(8, "K2", {{"Effective", "0"}, {"Reservation", "1"}})},
+              "2024/06/01 09:30:00")));
     clock_->Set(DateValue::FromCivil({2024, 6, 1, 10, 0, 0}));
     EXPECT_EQ(k.CompareLocalDBNyusatsuSanka(db_, 7), 1);
 }
