@@ -22,6 +22,14 @@ struct SampleDataOptions;
 namespace morvane::test {
 
 class OfficeServerTest : public ::testing::Test {
+public:
+    // The members of one kind of customer data, as the host calls them.
+    using CustomerMember = std::int32_t (ctrlMorvane::*)(const std::string&, std::int32_t);
+    struct CustomerKind {
+        const char* name;
+        CustomerMember compare, download, upload;
+    };
+
 protected:
     static constexpr const char* kContract = "K-200";
 
@@ -36,12 +44,6 @@ protected:
     std::string UseOfficeDb(const std::string& name, const SampleDataOptions& data);
     std::string UseOfficeDb(const std::string& name);
 
-    // The members of one kind of customer data, as the host calls them.
-    using CustomerMember = std::int32_t (ctrlMorvane::*)(const std::string&, std::int32_t);
-    struct CustomerKind {
-        const char* name;
-        CustomerMember compare, download, upload;
-    };
     // Logs the office's user in and creates the customer on the server under the code.
     void LogInAndCreate(const std::string& user, const std::string& password, std::int32_t custId,
                         const std::string& code);
