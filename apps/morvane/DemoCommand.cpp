@@ -144,19 +144,20 @@ const std::vector<ShownTable>& ShownTables() {
          {"id", "Code", "CorpName0", "CorpKanaS", "ZipCode0", "ZipCode1", "Addr0", "Tel0", "TEL1",
           "TEL2"},
          "SyncUploadAddCustomer"},
-        // The blank rows of the grid are the host's own and never travel.
+        // Lists in their order, without their positions, which a download numbers afresh;
+        // the blank rows of the grid are the host's own and never travel.
         {"Bidding agencies of the two offices (filled grid rows)",
          "SELECT * FROM tCustomerNyusatsuKanri WHERE disabled = 0 AND (KikanName <> '' OR "
          "Kubun <> '' OR Nendo1 <> '' OR Nendo2 <> '' OR Nendo3 <> '' OR Nendo4 <> '' OR "
          "Nendo5 <> '' OR Nendo6 <> '' OR Nendo7 <> '' OR Nendo8 <> '' OR Nendo9 <> '' OR "
          "Nendo10 <> '') ORDER BY CustomerID, LocalIndex",
-         {"CustomerID", "LocalIndex", "KikanName", "Kubun", "Nendo1", "Nendo2", "Nendo3", "Nendo4",
-          "Nendo5", "Nendo6", "Nendo7", "Nendo8", "Nendo9", "Nendo10"},
+         {"CustomerID", "KikanName", "Kubun", "Nendo1", "Nendo2", "Nendo3", "Nendo4", "Nendo5",
+          "Nendo6", "Nendo7", "Nendo8", "Nendo9", "Nendo10"},
          "SyncUploadCustomerNyusatsuKikanList"},
         {"Bidding entries of the two offices",
          "SELECT * FROM tCustomerNyusatsuHistory_V5 WHERE disabled = 0 ORDER BY CustomerID, vno",
-         {"CustomerID", "vno", "KikanCode", "Effective", "Reservation", "Other", "DataFile",
-          "CheckSync", "Other1"},
+         {"CustomerID", "KikanCode", "Effective", "Reservation", "Other", "DataFile", "CheckSync",
+          "Other1"},
          "SyncUploadCustomerNyusatsuSankaList"},
     };
     return tables;

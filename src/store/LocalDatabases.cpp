@@ -85,6 +85,10 @@ std::string ChildRows(bool prefcustom, const SampleDataOptions& o) {
                              ", j, CASE WHEN j = 1 THEN '国土交通省' || i ELSE '' END, "
                              "CASE WHEN j = 1 THEN '1' ELSE '' END, "
                              "CASE WHEN j = 1 THEN '2024' ELSE '' END");
+            // The host stamps every grid row it fills.
+            sql +=
+                "UPDATE tCustomerNyusatsuKanri SET RecordUpdate = datetime('2024-03-01', '+' "
+                "|| CustomerID || ' hours') WHERE RecordUpdate IS NULL AND KikanName <> '';\n";
         } else if (index == kIndexNyusatsuHistory) {
             sql += OwnedRows(t.name, index, o,
                              ", vno, KikanCode, Effective, Reservation, Other, CheckSync",

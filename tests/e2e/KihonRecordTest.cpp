@@ -19,6 +19,10 @@
 namespace morvane::test {
 namespace {
 
+const OfficeServerTest::CustomerKind kKihon{"customer record", &ctrlMorvane::CompareCustomerKihon,
+                                            &ctrlMorvane::SyncDownloadCustomerKihon,
+                                            &ctrlMorvane::SyncUploadCustomerKihonNormal};
+
 class KihonRecordTest : public OfficeServerTest {
 protected:
     void SetUp() override { StartServer(); }
@@ -52,9 +56,7 @@ TEST_F(KihonRecordTest, OneOfficeSendsTheRecordAndTheOtherTakesItAndAgrees) {
     AppendField(create, "CorpKanaS", "ｳﾒﾀﾞ");
     AppendField(create, "CorpKana0", "ｳﾒﾀﾞ");
     ASSERT_NE(SendRequest(page::kCreateCompKihon, create), "");
-    ASSERT_EQ(a.SyncUploadCustomerKihonNormal(dbA, 2), 1);
-    EXPECT_EQ(a.CompareCustomerKihon(dbA, 2), 0);
-    NoBoxes();
+    SendAll(a, dbA, 2, {kKihon});
 
     const std::string dbB = UseOfficeDb("b");
     ctrlMorvane b;
@@ -62,11 +64,8 @@ TEST_F(KihonRecordTest, OneOfficeSendsTheRecordAndTheOtherTakesItAndAgrees) {
     EXPECT_EQ(b.CompareCustomerList(dbB), 5);
     ASSERT_EQ(b.SyncDownloadCustomerList(dbB), 1);
     EXPECT_EQ(b.CompareCustomerKihonMain(dbB, 2), 1);
-    EXPECT_EQ(b.CompareCustomerKihon(dbB, 2), 1);
-    EXPECT_EQ(b.SyncDownloadCustomerKihon(dbB, 2), 1);
+    TakeAll(b, dbB, 2, {kKihon});
     EXPECT_EQ(b.CompareCustomerKihonMain(dbB, 2), 0);
-    EXPECT_EQ(b.CompareCustomerKihon(dbB, 2), 0);
-    NoBoxes();
 
     const std::string fieldsA = Fields(dbA, 2);
     EXPECT_EQ(Fields(dbB, 2), fieldsA);
