@@ -53,7 +53,8 @@ std::vector<SyncKind> Build() {
         Customer("bidding participation", {7}, "CustomerNyusatsuSankaList"),
         Customer("bidding agencies", {8}, "CustomerNyusatsuKikanList"),
         Customer("other records", {9}, "CustomerOtherList"),
-        Customer("linkage info", {}, "CustomerRendoInfo"),
+        // No row for the linkage calls: they move the customer record, trades, staff and
+        // offices again under one reply, which the rows above already move one by one.
         Form("delegation records", {31, 32}, "P99Inin"),
         // Only an upload exists for the machinery list; its direction comes from the stamps.
         Form("machinery list", {38, 39}, "", "SyncUploadP99KikaiIchiran"),

@@ -24,6 +24,9 @@ enum class RowStrategy {
     Own,   // the customer's own rows, freed ones included
     Pool,  // every free row of the table, whoever owned it
     Wipe,  // none: the whole table is deleted and the items inserted with ids 1 to n
+    // The customer's own rows in walk order, a fixed grid: a customer with none gets the grid
+    // first, and the rows the list leaves over come back live and blank.
+    Grid,
 };
 
 // Whose rows a list holds: one customer's, or the office's (no CustomerID anywhere, and no
@@ -46,10 +49,19 @@ struct ListDecl {
     // Added to the walk (not to the count) of the customer's live rows.
     std::string_view walkFilter;
     std::string_view walkOrder = " ORDER BY id";
+    // Added to every condition on the customer's live rows (stamps, count, walk, agree-stamp):
+    // rows outside it do not exist for the list.
+    std::string_view liveFilter;
     // Added to the statement that frees the customer's rows before a download.
     std::string_view releaseFilter;
     RowStrategy strategy = RowStrategy::Pool;
     VnoPolicy vno = VnoPolicy::Position;
+    // The column and body key the position goes under.
+    std::string_view positionName = "vno";
+    // The rows a Grid download makes for a customer who has none.
+    std::int32_t gridRows = 0;
+    // Items an upload passes over without giving them a position; none when null.
+    bool (*skipOnUpload)(const Item&) = nullptr;
     // The key the position goes before in a body; empty: the position comes last.
     std::string_view vnoBeforeKey;
     // A column written with the position plus one on download; empty: none.

@@ -8,6 +8,7 @@
 #include "record/ListSql.h"
 #include "session/ProcessState.h"
 #include "store/mdlMorvaneCommon.h"
+#include "util/Nz.h"
 
 namespace morvane::record {
 
@@ -29,7 +30,8 @@ void WipeListRows(const ListDecl<Item>& spec, const ListData<Item>& server,
         rs->AddNew();
         // The server's item ids are not kept.
         rs->Fields("ID").PutValue(Value(position));
-        if (spec.vno == VnoPolicy::Position) rs->Fields("vno").PutValue(Value(position));
+        if (spec.vno == VnoPolicy::Position)
+            rs->Fields(spec.positionName).PutValue(Value(position));
         for (const FieldRow<Item>& row : spec.fields) {
             if (row.column.empty()) continue;
             if (auto v = ToColumn(row.guard, row.writeFormat, row.slot.Get(item)))
@@ -43,6 +45,23 @@ void WipeListRows(const ListDecl<Item>& spec, const ListData<Item>& server,
     ws->CommitTrans();
 }
 
+// Gives a customer who has no rows at all the grid's blank rows, numbered from 1.
+template <class Item>
+void EnsureGridRows(const ListDecl<Item>& spec, dao::Database& db, std::int32_t custId) {
+    {
+        auto rs = db.OpenRecordset(AllRowsCountSql(spec.table, custId), dao::dbOpenDynaset,
+                                   dao::dbReadOnly);
+        if (!rs->Eof() && NzLong((*rs)["reccnt"]) > 0) return;
+    }
+    auto rs = db.OpenRecordset(RewriteSql(spec.table, spec.strategy, custId), dao::dbOpenDynaset);
+    for (std::int32_t i = 1; i <= spec.gridRows; ++i) {
+        rs->AddNew();
+        rs->Fields("CustomerID").PutValue(Value(custId));
+        rs->Fields(spec.positionName).PutValue(Value(i));
+        rs->Update();
+    }
+}
+
 // Writes the items as the customer's live rows, in one transaction. Raises on a failure,
 // which leaves the rows as they were.
 template <class Item>
@@ -53,7 +72,11 @@ void DownloadListRows(const ListDecl<Item>& spec, const ListData<Item>& server,
     dao::Database& db = ws->OpenDatabase(localDb);
     ws->BeginTrans();
     db.Execute(ReleaseSql(spec.table, spec.releaseFilter, custId));
-    auto rs = db.OpenRecordset(RewriteSql(spec.table, spec.strategy, custId), dao::dbOpenDynaset);
+    const bool grid = spec.strategy == RowStrategy::Grid;
+    if (grid) EnsureGridRows(spec, db, custId);
+    auto rs = db.OpenRecordset(RewriteSql(spec.table, spec.strategy, custId) +
+                                   (grid ? std::string(spec.walkOrder) : std::string()),
+                               dao::dbOpenDynaset);
     // Every row written carries one moment, so that it does not look changed afterwards.
     const Value now(State().Clock().Now());
     std::int32_t position = 0;
@@ -67,7 +90,8 @@ void DownloadListRows(const ListDecl<Item>& spec, const ListData<Item>& server,
             rs->AddNew();
         rs->Fields("CustomerID").PutValue(Value(custId));
         rs->Fields("Disabled").PutValue(Value(std::int32_t{0}));
-        if (spec.vno == VnoPolicy::Position) rs->Fields("vno").PutValue(Value(position));
+        if (spec.vno == VnoPolicy::Position)
+            rs->Fields(spec.positionName).PutValue(Value(position));
         if (!spec.nextNoColumn.empty()) rs->Fields(spec.nextNoColumn).PutValue(Value(position + 1));
         for (const FieldRow<Item>& row : spec.fields) {
             if (row.column.empty()) continue;
@@ -80,6 +104,8 @@ void DownloadListRows(const ListDecl<Item>& spec, const ListData<Item>& server,
         if (edit) rs->MoveNext();
     }
     rs->Close();
+    // A freed grid row only marks a row not rewritten: every row of the grid stays live.
+    if (grid) db.Execute(ReenableGridSql(spec, custId));
     ws->CommitTrans();
 }
 

@@ -1,5 +1,5 @@
-// The members of the customer record's lists (staff, offices, memos): each compared and fetched
-// through the customer record's own slot, since its worker holds them.
+// The members of the customer record's lists (staff, offices, memos, bidding lists): each compared
+// and fetched through the customer record's own slot, since its worker holds them.
 #include <functional>
 
 #include "record/cCustKihon.h"
@@ -30,6 +30,15 @@ constexpr ListKind kEigyosho{page::kGetEigyosho, &cCustKihon::ReadXMLEigyosho,
                              &cCustKihon::SyncUploadEigyosho};
 constexpr ListKind kMemo{page::kGetMemo, &cCustKihon::ReadXMLMemo, &cCustKihon::CompareLocalDBMemo,
                          &cCustKihon::SyncDownloadMemo, &cCustKihon::SyncUploadMemo};
+
+constexpr ListKind kNyusatsuKikan{page::kGetNyusatsuKikan, &cCustKihon::ReadXMLNyusatuKikan,
+                                  &cCustKihon::CompareLocalDBNyusatsuKikan,
+                                  &cCustKihon::SyncDownloadNyusatsuKikan,
+                                  &cCustKihon::SyncUploadNyusatsuKikan};
+constexpr ListKind kNyusatsuSanka{page::kGetNyusatsuSanka, &cCustKihon::ReadXMLNyusatuSanka,
+                                  &cCustKihon::CompareLocalDBNyusatsuSanka,
+                                  &cCustKihon::SyncDownloadNyusatsuSanka,
+                                  &cCustKihon::SyncUploadNyusatsuSanka};
 
 facade::Request ListRequest(const ListKind& kind, std::int32_t custId) {
     return {kind.getPage, UpperCustomerBody(custId), facade::Routine::Progress};
@@ -98,6 +107,32 @@ std::int32_t ctrlMorvane::SyncUploadCustomerMemoList(const std::string& LocalDB,
     return UploadList(kMemo, LocalDB, CustID);
 }
 
+std::int32_t ctrlMorvane::CompareCustomerNyusatsuKikanList(const std::string& LocalDB,
+                                                           std::int32_t CustID) {
+    return CompareList(custKihon_, kNyusatsuKikan, LocalDB, CustID);
+}
+std::int32_t ctrlMorvane::SyncDownloadCustomerNyusatsuKikanList(const std::string& LocalDB,
+                                                                std::int32_t CustID) {
+    return DownloadList(custKihon_, kNyusatsuKikan, LocalDB, CustID);
+}
+std::int32_t ctrlMorvane::SyncUploadCustomerNyusatsuKikanList(const std::string& LocalDB,
+                                                              std::int32_t CustID) {
+    return UploadList(kNyusatsuKikan, LocalDB, CustID);
+}
+
+std::int32_t ctrlMorvane::CompareCustomerNyusatsuSankaList(const std::string& LocalDB,
+                                                           std::int32_t CustID) {
+    return CompareList(custKihon_, kNyusatsuSanka, LocalDB, CustID);
+}
+std::int32_t ctrlMorvane::SyncDownloadCustomerNyusatsuSankaList(const std::string& LocalDB,
+                                                                std::int32_t CustID) {
+    return DownloadList(custKihon_, kNyusatsuSanka, LocalDB, CustID);
+}
+std::int32_t ctrlMorvane::SyncUploadCustomerNyusatsuSankaList(const std::string& LocalDB,
+                                                              std::int32_t CustID) {
+    return UploadList(kNyusatsuSanka, LocalDB, CustID);
+}
+
 void RegisterListMembers(DispatchTable& t) {
     t.Method("CompareCustomerSyokuinList", &ctrlMorvane::CompareCustomerSyokuinList,
              {"LocalDB", "CustID"});
@@ -117,6 +152,18 @@ void RegisterListMembers(DispatchTable& t) {
              {"LocalDB", "CustID"});
     t.Method("SyncUploadCustomerMemoList", &ctrlMorvane::SyncUploadCustomerMemoList,
              {"LocalDB", "CustID"});
+    t.Method("CompareCustomerNyusatsuKikanList", &ctrlMorvane::CompareCustomerNyusatsuKikanList,
+             {"LocalDB", "CustID"});
+    t.Method("SyncDownloadCustomerNyusatsuKikanList",
+             &ctrlMorvane::SyncDownloadCustomerNyusatsuKikanList, {"LocalDB", "CustID"});
+    t.Method("SyncUploadCustomerNyusatsuKikanList",
+             &ctrlMorvane::SyncUploadCustomerNyusatsuKikanList, {"LocalDB", "CustID"});
+    t.Method("CompareCustomerNyusatsuSankaList", &ctrlMorvane::CompareCustomerNyusatsuSankaList,
+             {"LocalDB", "CustID"});
+    t.Method("SyncDownloadCustomerNyusatsuSankaList",
+             &ctrlMorvane::SyncDownloadCustomerNyusatsuSankaList, {"LocalDB", "CustID"});
+    t.Method("SyncUploadCustomerNyusatsuSankaList",
+             &ctrlMorvane::SyncUploadCustomerNyusatsuSankaList, {"LocalDB", "CustID"});
 }
 
 }  // namespace morvane

@@ -11,6 +11,11 @@ std::string CountSql(std::string_view table, std::int32_t custId) {
            LiveCondition(custId);
 }
 
+std::string AllRowsCountSql(std::string_view table, std::int32_t custId) {
+    return "SELECT COUNT(*) as reccnt FROM " + std::string(table) +
+           " WHERE CustomerID = " + std::to_string(custId);
+}
+
 std::string WalkSql(std::string_view table, std::string_view walkFilter, std::string_view walkOrder,
                     std::int32_t custId) {
     return "SELECT * FROM " + std::string(table) +
@@ -27,6 +32,9 @@ std::string ReleaseSql(std::string_view table, std::string_view releaseFilter,
 
 std::string RewriteSql(std::string_view table, RowStrategy strategy, std::int32_t custId) {
     switch (strategy) {
+        case RowStrategy::Grid:
+            return "SELECT * FROM " + std::string(table) +
+                   " WHERE Customerid =" + std::to_string(custId);
         case RowStrategy::Own:
             return "SELECT * FROM " + std::string(table) +
                    " WHERE CustomerID =" + std::to_string(custId) + " ORDER BY id";

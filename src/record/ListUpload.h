@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "record/ListCompare.h"
@@ -30,19 +31,21 @@ std::string ListItemBody(const ListDecl<Item>& spec, const Item& item, std::int3
     if (position == 1) body += kDisabledAll;
     for (const FieldRow<Item>& row : spec.fields) {
         if (spec.vno == VnoPolicy::Position && !row.key.empty() && row.key == spec.vnoBeforeKey)
-            AppendField(body, "vno", std::to_string(position));
+            AppendField(body, spec.positionName, std::to_string(position));
         if (!row.key.empty()) AppendField(body, row.key, ToBody(row.conv, row.slot.Get(item)));
     }
     if (spec.vno == VnoPolicy::Position && spec.vnoBeforeKey.empty())
-        AppendField(body, "vno", std::to_string(position));
+        AppendField(body, spec.positionName, std::to_string(position));
     return body;
 }
 
-// Posts the loaded items; 1 when every post was answered while the login held, and the
-// customer's rows are then stamped as agreed. The server keeps what it got before a failure.
+// Posts the loaded items, then runs the closing step when there is one; 1 when every post was
+// answered while the login held, and the customer's rows are then stamped as agreed. The
+// server keeps what it got before a failure.
 template <class Item>
 std::int32_t UploadListItems(const ListDecl<Item>& spec, const ListData<Item>& local,
-                             const std::string& localDb, std::int32_t custId) {
+                             const std::string& localDb, std::int32_t custId,
+                             const std::function<bool()>& closing = {}) {
     std::string reply;
     if (local.items.empty()) {
         reply = SendRequestProgress(spec.emptyListPage, ListBodyStart(spec, custId) + kDisabledAll,
@@ -51,10 +54,12 @@ std::int32_t UploadListItems(const ListDecl<Item>& spec, const ListData<Item>& l
     }
     std::int32_t position = 0;
     for (const Item& item : local.items) {
+        if (spec.skipOnUpload && spec.skipOnUpload(item)) continue;
         reply = SendRequestProgress(spec.setPage, ListItemBody(spec, item, custId, ++position), "",
                                     nullptr);
         if (GetLoginState() != 1 || reply.empty()) return 0;
     }
+    if (closing && !closing()) return 0;
     const std::string cond = ListCondition(spec, custId);
     for (std::string_view table : AgreeTables(spec)) SetInetCheckDate(localDb, table, cond);
     return 1;

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,6 +38,8 @@ public:
     const std::vector<Item>& Items() const { return data_.items; }
     // Empties the object, as before a read.
     void Clear() { data_ = {}; }
+    // Puts one stamp on the list, as when one reply carries several lists under one stamp.
+    void Restamp(std::string recordUpdate) { data_.recordUpdate = std::move(recordUpdate); }
 
     // Clears the object, then reads the reply: false unless it is a whole list.
     bool ReadXML(std::string_view xml) {
@@ -70,11 +73,13 @@ public:
             return Trap(0);
         }
     }
-    // Reads the customer's rows and sends them; 0 and nothing sent when there are none.
-    std::int32_t SyncUpload(const std::string& LocalDB, std::int32_t CustID) {
+    // Reads the customer's rows and sends them, then runs the closing step, whose failure
+    // fails the upload; 0 and nothing sent when there are no rows.
+    std::int32_t SyncUpload(const std::string& LocalDB, std::int32_t CustID,
+                            const std::function<bool()>& closing = {}) {
         try {
             if (!ReadLocalDB(LocalDB, CustID)) return 0;
-            return UploadListItems(spec_, data_, LocalDB, CustID);
+            return UploadListItems(spec_, data_, LocalDB, CustID, closing);
         } catch (...) {
             return Trap(0);
         }

@@ -1,5 +1,5 @@
 // The customer record members: the main record's and the trades' comparisons, downloads and
-// uploads.
+// uploads, the linkage calls over both and the staff and offices, and the code-only upload.
 #include "record/cCustKihon.h"
 #include "session/DispatchTable.h"
 #include "session/FacadePatterns.h"
@@ -21,6 +21,10 @@ bool ReadGyosyu(cCustKihon& k, const std::string& reply) { return k.ReadXMLGyosy
 // The document the reply check parsed when there is one, else the text.
 bool ReadMain(cCustKihon& k, const JudgedReply& reply) {
     return reply.document ? k.ReadXMLMain(*reply.document) : k.ReadXMLMain(reply.text);
+}
+
+bool ReadRendoInfo(cCustKihon& k, const JudgedReply& reply) {
+    return reply.document ? k.ReadXMLRendoInfo(*reply.document) : k.ReadXMLRendoInfo(reply.text);
 }
 
 }  // namespace
@@ -81,6 +85,37 @@ std::int32_t ctrlMorvane::SyncUploadCustomerKihonGyosyu(const std::string& Local
         [&](cCustKihon& k) { return k.SyncUploadGyoshu(LocalDB, CustID); });
 }
 
+// Kept for the download when anything differs: the flags of the kinds to write live in it.
+std::int32_t ctrlMorvane::CompareCustomerRendoInfo(const std::string& LocalDB,
+                                                   std::int32_t CustID) {
+    return facade::CompareJudged<cCustKihon>(
+        custKihon_, KihonRequest(page::kGetCompDetails, CustID), ReadRendoInfo,
+        [&](cCustKihon& k) { return k.CompareLocalDBRendoInfo(LocalDB, CustID); },
+        facade::Keep::NonZero);
+}
+
+// Never fetches: without the comparison's flags there is nothing to say which kinds to write.
+std::int32_t ctrlMorvane::SyncDownloadCustomerRendoInfo(const std::string& LocalDB,
+                                                        std::int32_t CustID) {
+    return facade::KeptWorker<cCustKihon>(
+        custKihon_, KihonRequest(page::kGetCompDetails, CustID),
+        [](cCustKihon& k, const std::string& xml) { return k.ReadXMLRendoInfo(xml); },
+        [&](cCustKihon& k) { k.SyncDownloadRendoInfo(LocalDB, CustID); },
+        facade::FetchWhenEmpty::Never);
+}
+
+std::int32_t ctrlMorvane::SyncUploadCustomerRendoInfo(const std::string& LocalDB,
+                                                      std::int32_t CustID) {
+    return facade::Upload<cCustKihon>(
+        [&](cCustKihon& k) { return k.SyncUploadRendoInfo(LocalDB, CustID); });
+}
+
+std::int32_t ctrlMorvane::SyncUploadCustomerCustCode(const std::string& LocalDB,
+                                                     std::int32_t CustID) {
+    return facade::Upload<cCustKihon>(
+        [&](cCustKihon& k) { return k.SyncUploadCustCode(LocalDB, CustID); });
+}
+
 void RegisterRecordMembers(DispatchTable& t) {
     t.Method("CompareCustomerKihonMain", &ctrlMorvane::CompareCustomerKihonMain,
              {"LocalDB", "CustID"});
@@ -96,6 +131,14 @@ void RegisterRecordMembers(DispatchTable& t) {
     t.Method("SyncDownloadCustomerKihonGyosyu", &ctrlMorvane::SyncDownloadCustomerKihonGyosyu,
              {"LocalDB", "CustID"});
     t.Method("SyncUploadCustomerKihonGyosyu", &ctrlMorvane::SyncUploadCustomerKihonGyosyu,
+             {"LocalDB", "CustID"});
+    t.Method("CompareCustomerRendoInfo", &ctrlMorvane::CompareCustomerRendoInfo,
+             {"LocalDB", "CustID"});
+    t.Method("SyncDownloadCustomerRendoInfo", &ctrlMorvane::SyncDownloadCustomerRendoInfo,
+             {"LocalDB", "CustID"});
+    t.Method("SyncUploadCustomerRendoInfo", &ctrlMorvane::SyncUploadCustomerRendoInfo,
+             {"LocalDB", "CustID"});
+    t.Method("SyncUploadCustomerCustCode", &ctrlMorvane::SyncUploadCustomerCustCode,
              {"LocalDB", "CustID"});
 }
 

@@ -82,6 +82,10 @@ void cCustKihon::ClearData() {
     shokuin_.Clear();
     eigyosho_.Clear();
     memo_.Clear();
+    nyusatsuKikan_.Clear();
+    nyusatsuSanka_.Clear();
+    kanriNendoNyusatsu_.clear();
+    rendoDifferFlags_.fill(false);
 }
 
 // ---- Reading a reply -------------------------------------------------------------------
@@ -193,6 +197,8 @@ bool cCustKihon::ReadXMLSection(const platform::XmlDocument& doc, Section sectio
             return mainRecord && any(fieldFlags);
         case Section::Gyosyu:
             return customerIdSeen && all(gyoshuFlags);
+        case Section::RendoInfo:
+            return mainRecord && any(fieldFlags) && all(gyoshuFlags);
     }
     return false;
 }
@@ -336,6 +342,15 @@ bool cCustKihon::LoadLocalNormal(const std::string& LocalDB, std::int32_t CustID
     LoadLocalGyosyu(db, CustID);
     customerId_ = CustID;
     return true;
+}
+
+void cCustKihon::LoadKanriNendo(const std::string& LocalDB, std::int32_t CustID) {
+    auto ws = CreateMorvaneWorkspace();
+    auto rs = ws->OpenDatabase(LocalDB).OpenRecordset(RowSql(CustID), dao::dbOpenDynaset,
+                                                      dao::dbReadOnly);
+    if (Empty(*rs)) return;
+    rs->MoveFirst();
+    kanriNendoNyusatsu_ = NzString((*rs)["KanriNendoNyusatsu"]);
 }
 
 std::string cCustKihon::UploadBody(std::int32_t CustID) const {

@@ -3,6 +3,7 @@
 // their field tables.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -10,6 +11,8 @@
 #include "record/EigyoshoList.h"
 #include "record/KihonFields.h"
 #include "record/MemoList.h"
+#include "record/NyusatsuKikanList.h"
+#include "record/NyusatsuSankaList.h"
 #include "record/ShokuinList.h"
 
 namespace morvane {
@@ -20,6 +23,13 @@ class XmlDocument;
 namespace dao {
 class Database;
 }
+
+// The four kinds the linkage calls move as one: main record, trades, staff, offices.
+using RendoResults = std::array<std::int32_t, 4>;
+using RendoFlags = std::array<bool, 4>;
+// Flags the kinds whose result is not 0 and folds the results into one: 0 when none differ,
+// 2 when any says the local data is newer, else 1 (asking the user included).
+std::int32_t FoldRendoResults(const RendoResults& results, RendoFlags& flags);
 
 class cCustKihon {
 public:
@@ -90,13 +100,44 @@ public:
     std::int32_t SyncDownloadMemo(const std::string& LocalDB, std::int32_t CustID);
     std::int32_t SyncUploadMemo(const std::string& LocalDB, std::int32_t CustID);
 
+    const NyusatsuKikanList& NyusatsuKikan() const { return nyusatsuKikan_; }
+    std::int32_t NyusatsuKikanCount() const { return nyusatsuKikan_.Count(); }
+    // Only ever sent: the agency list's management year, from the main row.
+    const std::string& KanriNendoNyusatsu() const { return kanriNendoNyusatsu_; }
+    bool ReadXMLNyusatuKikan(std::string_view xml);
+    std::int32_t CompareLocalDBNyusatsuKikan(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncDownloadNyusatsuKikan(const std::string& LocalDB, std::int32_t CustID);
+    // Sends the filled rows, then the management year; stamps only when both were taken.
+    std::int32_t SyncUploadNyusatsuKikan(const std::string& LocalDB, std::int32_t CustID);
+
+    const NyusatsuSankaList& NyusatsuSanka() const { return nyusatsuSanka_; }
+    bool ReadXMLNyusatuSanka(std::string_view xml);
+    std::int32_t CompareLocalDBNyusatsuSanka(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncDownloadNyusatsuSanka(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncUploadNyusatsuSanka(const std::string& LocalDB, std::int32_t CustID);
+
+    // The linkage reply: main record, trades, staff and offices under the reply's last stamp.
+    const RendoFlags& RendoDifferFlags() const { return rendoDifferFlags_; }
+    bool ReadXMLRendoInfo(std::string_view xml);
+    bool ReadXMLRendoInfo(const platform::XmlDocument& doc);
+    // Compares the four kinds in order, flags those that differ and folds their results.
+    std::int32_t CompareLocalDBRendoInfo(const std::string& LocalDB, std::int32_t CustID);
+    // Writes the flagged kinds only; 1 with none flagged.
+    std::int32_t SyncDownloadRendoInfo(const std::string& LocalDB, std::int32_t CustID);
+    // Sends all four kinds in order, stopping at the first that fails.
+    std::int32_t SyncUploadRendoInfo(const std::string& LocalDB, std::int32_t CustID);
+    // Sends the customer's code alone; 0 and nothing sent when the code is empty.
+    std::int32_t SyncUploadCustCode(const std::string& LocalDB, std::int32_t CustID);
+
 private:
-    enum class Section { Main = 0, Normal = 1, Gyosyu = 2 };
+    enum class Section { Main = 0, Normal = 1, Gyosyu = 2, RendoInfo = 8 };
     void ClearData();
     bool ReadXMLSection(std::string_view xml, Section section);
     bool ReadXMLSection(const platform::XmlDocument& doc, Section section);
     bool LoadLocalNormal(const std::string& LocalDB, std::int32_t CustID);
     void LoadLocalGyosyu(dao::Database& db, std::int32_t CustID);
+    // The management year from the customer's main row; empty when there is no row.
+    void LoadKanriNendo(const std::string& LocalDB, std::int32_t CustID);
     std::int32_t CompareLocal(const std::string& LocalDB, std::int32_t CustID, bool mainOnly);
     std::int32_t Download(const std::string& LocalDB, std::int32_t CustID, bool mainOnly);
 
@@ -107,6 +148,10 @@ private:
     ShokuinList shokuin_;
     EigyoshoList eigyosho_;
     MemoList memo_;
+    NyusatsuKikanList nyusatsuKikan_;
+    NyusatsuSankaList nyusatsuSanka_;
+    std::string kanriNendoNyusatsu_;
+    RendoFlags rendoDifferFlags_{};
 };
 
 }  // namespace morvane

@@ -144,6 +144,24 @@ public:
     std::int32_t SyncDownloadCustomerMemoList(const std::string& LocalDB, std::int32_t CustID);
     std::int32_t SyncUploadCustomerMemoList(const std::string& LocalDB, std::int32_t CustID);
 
+    // ---- Bidding lists: agencies and participation
+    std::int32_t CompareCustomerNyusatsuKikanList(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncDownloadCustomerNyusatsuKikanList(const std::string& LocalDB,
+                                                       std::int32_t CustID);
+    std::int32_t SyncUploadCustomerNyusatsuKikanList(const std::string& LocalDB,
+                                                     std::int32_t CustID);
+    std::int32_t CompareCustomerNyusatsuSankaList(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncDownloadCustomerNyusatsuSankaList(const std::string& LocalDB,
+                                                       std::int32_t CustID);
+    std::int32_t SyncUploadCustomerNyusatsuSankaList(const std::string& LocalDB,
+                                                     std::int32_t CustID);
+
+    // ---- Linkage info (main record, trades, staff, offices as one) and the customer code
+    std::int32_t CompareCustomerRendoInfo(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncDownloadCustomerRendoInfo(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncUploadCustomerRendoInfo(const std::string& LocalDB, std::int32_t CustID);
+    std::int32_t SyncUploadCustomerCustCode(const std::string& LocalDB, std::int32_t CustID);
+
     // ---- Data files of settlement, permit and other records, named by their local path.
     // Compare: 0 the same, 1 take the server's copy, 2 send the local one.
     std::int32_t CompareCustomerKessanFile(std::int32_t CustID, const std::string& LocalFile);

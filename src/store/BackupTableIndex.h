@@ -14,6 +14,7 @@ inline constexpr int kBackupTableCount = 53;
 inline constexpr int kIndexCustomer = 0;
 inline constexpr int kIndexGyoshu = 2;
 inline constexpr int kIndexKyokaHistory = 5;
+inline constexpr int kIndexNyusatsuHistory = 7;
 inline constexpr int kIndexNyusatsuKanri = 8;
 inline constexpr int kIndexLastCustomerDb = 9;
 inline constexpr int kIndexT28KyokaShinseiHyoshi = 25;

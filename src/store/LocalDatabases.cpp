@@ -133,10 +133,20 @@ std::string ChildRows(bool prefcustom, const SampleDataOptions& o) {
         const BackupTable& t = BackupTables()[index];
         if (t.inPrefCustom != prefcustom) continue;
         if (index == kIndexNyusatsuKanri) {
-            // The second row of each customer is a blank grid row.
-            sql += OwnedRows(t.name, index, o, ", KikanName, Nendo1",
-                             ", CASE WHEN j = 1 THEN '国土交通省' || i ELSE '' END, "
+            // The grid's rows by position; the second row of each customer is blank.
+            sql += OwnedRows(t.name, index, o, ", LocalIndex, KikanName, Kubun, Nendo1",
+                             ", j, CASE WHEN j = 1 THEN '国土交通省' || i ELSE '' END, "
+                             "CASE WHEN j = 1 THEN '1' ELSE '' END, "
                              "CASE WHEN j = 1 THEN '2024' ELSE '' END");
+            // The host stamps every grid row it fills.
+            sql +=
+                "UPDATE tCustomerNyusatsuKanri SET RecordUpdate = datetime('2024-03-01', '+' "
+                "|| CustomerID || ' hours') WHERE RecordUpdate IS NULL AND KikanName <> '';\n";
+        } else if (index == kIndexNyusatsuHistory) {
+            sql += OwnedRows(t.name, index, o,
+                             ", vno, KikanCode, Effective, Reservation, Other, CheckSync",
+                             ", j, printf('K%03d', i * 10 + j), (i + j) % 2, j % 3, "
+                             "'入札' || j, 0");
         } else if (index == kIndexGyoshu && o.tradeGrid) {
             sql += Sequences(o.customers, kTradeGridRows) +
                    "INSERT INTO [tCustomerGyoshu] (CustomerID, disabled, GyoshuCode, EPmtCheck, "

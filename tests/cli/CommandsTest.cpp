@@ -177,7 +177,11 @@ TEST(Demo, RunsToACleanEndAndStopsItsServer) {
           "roster: added customer 3 to the server", "roster after reconciliation: result 0",
           "customer 2 customer record: uploaded", "roster: took the server's roster",
           "customer 2 customer record: downloaded", "office B agrees with the server",
-          "the same 3 customer(s)", "customer 2 file files/2/kessan-3.txt: uploaded",
+          "telephone): the same 3 row(s)", "customer 2 bidding agencies: uploaded",
+          "customer 2 bidding participation: downloaded",
+          "Bidding agencies of the two offices (filled grid rows): the same",
+          "Bidding entries of the two offices: the same",
+          "customer 2 file files/2/kessan-3.txt: uploaded",
           "customer 2 file files/2/kessan-3.txt: downloaded", "file(s), byte for byte",
           "The demo ran to a clean end."})
         EXPECT_NE(output.find(line), std::string::npos) << line << "\n" << output;

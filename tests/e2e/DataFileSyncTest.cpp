@@ -52,10 +52,6 @@ protected:
             SendRequest(page::kGetKessanFileHash, cCustDataFile::FileBody(custId, file))));
         return f;
     }
-    void NoBoxes() {
-        for (const auto& box : kit_->Boxes()) ADD_FAILURE() << box.title << ": " << box.text;
-    }
-
     ScopedEnv tmpDir_{"TMPDIR", (temp_.Path() / "tmp").string()};
 };
 

@@ -20,14 +20,19 @@
 namespace morvane::test {
 namespace {
 
+const OfficeServerTest::CustomerKind kKessan{
+    "settlement records", &ctrlMorvane::CompareCustomerKessanList,
+    &ctrlMorvane::SyncDownloadCustomerKessanList, &ctrlMorvane::SyncUploadCustomerKessanList};
+const OfficeServerTest::CustomerKind kKyoka{
+    "permit records", &ctrlMorvane::CompareCustomerKyokaList,
+    &ctrlMorvane::SyncDownloadCustomerKyokaList, &ctrlMorvane::SyncUploadCustomerKyokaList};
+const OfficeServerTest::CustomerKind kOther{"other records", &ctrlMorvane::CompareCustomerOtherList,
+                                            &ctrlMorvane::SyncDownloadCustomerOtherList,
+                                            &ctrlMorvane::SyncUploadCustomerOtherList};
+
 class DatedRecordsTest : public OfficeServerTest {
 protected:
     void SetUp() override { StartServer(); }
-
-    std::string UseOffice(const std::string& name) {
-        OfficeServerTest::UseOffice(name);
-        return CreateLocalDatabases(temp_.Path() / name / "db", {}).customer.string();
-    }
 
     // The fields of each live row as an upload would send them, without login, id and position.
     template <class Worker>
@@ -45,14 +50,10 @@ protected:
         }
         return out;
     }
-
-    void NoBoxes() {
-        for (const auto& box : kit_->Boxes()) ADD_FAILURE() << box.title << ": " << box.text;
-    }
 };
 
 TEST_F(DatedRecordsTest, SettlementRecordsTravelFromOneOfficeToTheOther) {
-    const std::string dbA = UseOffice("a");
+    const std::string dbA = UseOfficeDb("a");
     dao::RunScript(
         dbA,
         "INSERT INTO tCustomerKessanHistory (id, CustomerID, disabled, vno, RecDate, ExDate, "
@@ -67,21 +68,13 @@ TEST_F(DatedRecordsTest, SettlementRecordsTravelFromOneOfficeToTheOther) {
         "'2023-04-02 08:00:00', '2023-04-03 08:00:00', NULL, '2023-04-01 09:00:00', "
         "'2023-04-01 09:30:00', NULL, NULL, NULL, NULL, 0, 0, 0, 0, NULL, 0);");
     ctrlMorvane a;
-    ASSERT_TRUE(DoLogin("u1", "secret-1", kContract));
-    std::string create = LowerCustomerBody(2);
-    AppendField(create, "Code", "C2");
-    ASSERT_NE(SendRequest(page::kCreateCompKihon, create), "");
-    ASSERT_EQ(a.SyncUploadCustomerKessanList(dbA, 2), 1);
-    EXPECT_EQ(a.CompareCustomerKessanList(dbA, 2), 0);
-    NoBoxes();
+    LogInAndCreate("u1", "secret-1", 2, "C2");
+    SendAll(a, dbA, 2, {kKessan});
 
-    const std::string dbB = UseOffice("b");
+    const std::string dbB = UseOfficeDb("b");
     ctrlMorvane b;
     ASSERT_TRUE(DoLogin("u2", "secret-2", kContract));
-    EXPECT_EQ(b.CompareCustomerKessanList(dbB, 2), 1);
-    EXPECT_EQ(b.SyncDownloadCustomerKessanList(dbB, 2), 1);
-    EXPECT_EQ(b.CompareCustomerKessanList(dbB, 2), 0);
-    NoBoxes();
+    TakeAll(b, dbB, 2, {kKessan});
 
     const auto sentA = Sent<cCustKessan>(dbA, 2, "RecDate");
     ASSERT_EQ(sentA.size(), 2u);
@@ -92,7 +85,7 @@ TEST_F(DatedRecordsTest, SettlementRecordsTravelFromOneOfficeToTheOther) {
 }
 
 TEST_F(DatedRecordsTest, PermitAndOtherRecordsTravelAndHiddenRowsStayHome) {
-    const std::string dbA = UseOffice("a");
+    const std::string dbA = UseOfficeDb("a");
     dao::RunScript(
         dbA,
         "INSERT INTO tCustomerKyokaHistory (id, CustomerID, disabled, vno, Other, PApDate, "
@@ -104,25 +97,13 @@ TEST_F(DatedRecordsTest, PermitAndOtherRecordsTravelAndHiddenRowsStayHome) {
         "UpdateDate, Other) VALUES (1, 2, 0, '図面.pdf', '2024-04-01 10:00:00', "
         "'2024-04-02 11:30:15', 'a=b&c');");
     ctrlMorvane a;
-    ASSERT_TRUE(DoLogin("u1", "secret-1", kContract));
-    std::string create = LowerCustomerBody(2);
-    AppendField(create, "Code", "C2");
-    ASSERT_NE(SendRequest(page::kCreateCompKihon, create), "");
-    ASSERT_EQ(a.SyncUploadCustomerKyokaList(dbA, 2), 1);
-    ASSERT_EQ(a.SyncUploadCustomerOtherList(dbA, 2), 1);
-    EXPECT_EQ(a.CompareCustomerOtherList(dbA, 2), 0);
-    NoBoxes();
+    LogInAndCreate("u1", "secret-1", 2, "C2");
+    SendAll(a, dbA, 2, {kKyoka, kOther});
 
-    const std::string dbB = UseOffice("b");
+    const std::string dbB = UseOfficeDb("b");
     ctrlMorvane b;
     ASSERT_TRUE(DoLogin("u2", "secret-2", kContract));
-    EXPECT_EQ(b.CompareCustomerKyokaList(dbB, 2), 1);
-    EXPECT_EQ(b.SyncDownloadCustomerKyokaList(dbB, 2), 1);
-    EXPECT_EQ(b.CompareCustomerKyokaList(dbB, 2), 0);
-    EXPECT_EQ(b.CompareCustomerOtherList(dbB, 2), 1);
-    EXPECT_EQ(b.SyncDownloadCustomerOtherList(dbB, 2), 1);
-    EXPECT_EQ(b.CompareCustomerOtherList(dbB, 2), 0);
-    NoBoxes();
+    TakeAll(b, dbB, 2, {kKyoka, kOther});
 
     const auto kyokaA = Sent<cCustKyoka>(dbA, 2, "other");
     ASSERT_EQ(kyokaA.size(), 1u);  // the hidden row was never sent

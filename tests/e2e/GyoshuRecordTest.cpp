@@ -23,11 +23,6 @@ class GyoshuRecordTest : public OfficeServerTest {
 protected:
     void SetUp() override { StartServer(); }
 
-    std::string UseOffice(const std::string& name, const SampleDataOptions& data) {
-        OfficeServerTest::UseOffice(name);
-        return CreateLocalDatabases(temp_.Path() / name / "db", data).customer.string();
-    }
-
     // The header and the grid as the upload would send them, without the login part.
     static std::string Trades(const std::string& db, std::int32_t custId) {
         cCustKihon k;
@@ -35,14 +30,10 @@ protected:
         const std::string body = k.GyoshuUploadBody(custId);
         return body.substr(body.find("&CustomerID="));
     }
-
-    void NoBoxes() {
-        for (const auto& box : kit_->Boxes()) ADD_FAILURE() << box.title << ": " << box.text;
-    }
 };
 
 TEST_F(GyoshuRecordTest, OneOfficeSendsTheTradesAndTheOtherTakesThemAndAgrees) {
-    const std::string dbA = UseOffice("a", {.customers = 3});
+    const std::string dbA = UseOfficeDb("a", {.customers = 3});
     // Customer 2's own 31 trades, some checked and dated, in place of the sample rows.
     std::string grid =
         "DELETE FROM tCustomerGyoshu WHERE CustomerID = 2;"
@@ -74,7 +65,7 @@ TEST_F(GyoshuRecordTest, OneOfficeSendsTheTradesAndTheOtherTakesThemAndAgrees) {
     EXPECT_EQ(a.CompareCustomerKihonGyosyu(dbA, 2), 0);
     NoBoxes();
 
-    const std::string dbB = UseOffice("b", {});
+    const std::string dbB = UseOfficeDb("b");
     ctrlMorvane b;
     ASSERT_TRUE(DoLogin("u2", "secret-2", kContract));
     EXPECT_EQ(b.CompareCustomerList(dbB), 5);

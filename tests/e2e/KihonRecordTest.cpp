@@ -19,15 +19,13 @@
 namespace morvane::test {
 namespace {
 
+const OfficeServerTest::CustomerKind kKihon{"customer record", &ctrlMorvane::CompareCustomerKihon,
+                                            &ctrlMorvane::SyncDownloadCustomerKihon,
+                                            &ctrlMorvane::SyncUploadCustomerKihonNormal};
+
 class KihonRecordTest : public OfficeServerTest {
 protected:
     void SetUp() override { StartServer(); }
-
-    // One office: its own settings, databases and dialogs.
-    std::string UseOffice(const std::string& name, const SampleDataOptions& data) {
-        OfficeServerTest::UseOffice(name);
-        return CreateLocalDatabases(temp_.Path() / name / "db", data).customer.string();
-    }
 
     // Every field as the upload would send it, without the login part.
     static std::string Fields(const std::string& db, std::int32_t custId) {
@@ -36,14 +34,10 @@ protected:
         const std::string body = k.UploadBody(custId);
         return body.substr(body.find("&CustomerID="));
     }
-
-    void NoBoxes() {
-        for (const auto& box : kit_->Boxes()) ADD_FAILURE() << box.title << ": " << box.text;
-    }
 };
 
 TEST_F(KihonRecordTest, OneOfficeSendsTheRecordAndTheOtherTakesItAndAgrees) {
-    const std::string dbA = UseOffice("a", {.customers = 3});
+    const std::string dbA = UseOfficeDb("a", {.customers = 3});
     dao::RunScript(
         dbA,
         "UPDATE tCustomer SET Code = 'C&2', AcDate = '2019-03-31 00:00:00', Addr0 = '大阪府', "
@@ -62,21 +56,16 @@ TEST_F(KihonRecordTest, OneOfficeSendsTheRecordAndTheOtherTakesItAndAgrees) {
     AppendField(create, "CorpKanaS", "ｳﾒﾀﾞ");
     AppendField(create, "CorpKana0", "ｳﾒﾀﾞ");
     ASSERT_NE(SendRequest(page::kCreateCompKihon, create), "");
-    ASSERT_EQ(a.SyncUploadCustomerKihonNormal(dbA, 2), 1);
-    EXPECT_EQ(a.CompareCustomerKihon(dbA, 2), 0);
-    NoBoxes();
+    SendAll(a, dbA, 2, {kKihon});
 
-    const std::string dbB = UseOffice("b", {});
+    const std::string dbB = UseOfficeDb("b");
     ctrlMorvane b;
     ASSERT_TRUE(DoLogin("u2", "secret-2", kContract));
     EXPECT_EQ(b.CompareCustomerList(dbB), 5);
     ASSERT_EQ(b.SyncDownloadCustomerList(dbB), 1);
     EXPECT_EQ(b.CompareCustomerKihonMain(dbB, 2), 1);
-    EXPECT_EQ(b.CompareCustomerKihon(dbB, 2), 1);
-    EXPECT_EQ(b.SyncDownloadCustomerKihon(dbB, 2), 1);
+    TakeAll(b, dbB, 2, {kKihon});
     EXPECT_EQ(b.CompareCustomerKihonMain(dbB, 2), 0);
-    EXPECT_EQ(b.CompareCustomerKihon(dbB, 2), 0);
-    NoBoxes();
 
     const std::string fieldsA = Fields(dbA, 2);
     EXPECT_EQ(Fields(dbB, 2), fieldsA);

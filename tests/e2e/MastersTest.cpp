@@ -78,10 +78,6 @@ protected:
         data.masterRows = masterRows;
         return CreateLocalDatabases(temp_.Path() / name / "db", data).master.string();
     }
-
-    void NoBoxes() {
-        for (const auto& box : kit_->Boxes()) ADD_FAILURE() << box.title << ": " << box.text;
-    }
 };
 
 TEST_F(MastersTest, OneOfficeSendsItsMastersAndTheOtherTakesThemAndAgrees) {

@@ -1,8 +1,14 @@
 #include "OfficeServerTest.h"
 
 #include "session/ProcessState.h"
+#include "session/ctrlMorvane.h"
+#include "session/mdlLogin.h"
 #include "session/mdlRegConstMorvane.h"
 #include "session/mdlRegControlMorvane.h"
+#include "store/LocalDatabases.h"
+#include "transport/RequestBody.h"
+#include "transport/mdlServerConst.h"
+#include "transport/mdlServerReply.h"
 
 namespace morvane::test {
 
@@ -40,6 +46,48 @@ void OfficeServerTest::UseOffice(const std::string& name) {
     State().SetHttpOptions(http);
     WriteMorvaneSetting(reg::kServerName, server_->ServerName());
     WriteMorvaneSetting(reg::kContractNo, kContract);
+}
+
+std::string OfficeServerTest::UseOfficeDb(const std::string& name, const SampleDataOptions& data) {
+    UseOffice(name);
+    return CreateLocalDatabases(temp_.Path() / name / "db", data).customer.string();
+}
+
+std::string OfficeServerTest::UseOfficeDb(const std::string& name) {
+    return UseOfficeDb(name, SampleDataOptions{});
+}
+
+void OfficeServerTest::LogInAndCreate(const std::string& user, const std::string& password,
+                                      std::int32_t custId, const std::string& code) {
+    ASSERT_TRUE(DoLogin(user, password, kContract));
+    std::string create = LowerCustomerBody(custId);
+    AppendField(create, "Code", code);
+    ASSERT_NE(SendRequest(page::kCreateCompKihon, create), "");
+}
+
+void OfficeServerTest::SendAll(ctrlMorvane& office, const std::string& db, std::int32_t custId,
+                               const std::vector<CustomerKind>& kinds) {
+    for (const CustomerKind& kind : kinds) {
+        SCOPED_TRACE(kind.name);
+        EXPECT_EQ((office.*kind.upload)(db, custId), 1);
+        EXPECT_EQ((office.*kind.compare)(db, custId), 0);
+    }
+    NoBoxes();
+}
+
+void OfficeServerTest::TakeAll(ctrlMorvane& office, const std::string& db, std::int32_t custId,
+                               const std::vector<CustomerKind>& kinds) {
+    for (const CustomerKind& kind : kinds) {
+        SCOPED_TRACE(kind.name);
+        EXPECT_EQ((office.*kind.compare)(db, custId), 1);
+        EXPECT_EQ((office.*kind.download)(db, custId), 1);
+        EXPECT_EQ((office.*kind.compare)(db, custId), 0);
+    }
+    NoBoxes();
+}
+
+void OfficeServerTest::NoBoxes() {
+    for (const auto& box : kit_->Boxes()) ADD_FAILURE() << box.title << ": " << box.text;
 }
 
 }  // namespace morvane::test

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "server/MorvaneServer.h"
 #include "server/core/Clock.h"
@@ -15,9 +16,22 @@
 #include "support/ScriptedToolkit.h"
 #include "support/TempDir.h"
 
+namespace morvane {
+class ctrlMorvane;
+struct SampleDataOptions;
+}  // namespace morvane
+
 namespace morvane::test {
 
 class OfficeServerTest : public ::testing::Test {
+public:
+    // The members of one kind of customer data, as the host calls them.
+    using CustomerMember = std::int32_t (ctrlMorvane::*)(const std::string&, std::int32_t);
+    struct CustomerKind {
+        const char* name;
+        CustomerMember compare, download, upload;
+    };
+
 protected:
     static constexpr const char* kContract = "K-200";
 
@@ -29,6 +43,21 @@ protected:
     // The process as one office of the host sees it: a fresh login state, the office's
     // settings under the work folder, the server's name, contract and certificate.
     void UseOffice(const std::string& name);
+    // The same with the office's own local databases; gives the customer database's path.
+    std::string UseOfficeDb(const std::string& name, const SampleDataOptions& data);
+    std::string UseOfficeDb(const std::string& name);
+
+    // Logs the office's user in and creates the customer on the server under the code.
+    void LogInAndCreate(const std::string& user, const std::string& password, std::int32_t custId,
+                        const std::string& code);
+    // The office sends each kind, and then agrees with the server on it.
+    void SendAll(ctrlMorvane& office, const std::string& db, std::int32_t custId,
+                 const std::vector<CustomerKind>& kinds);
+    // The office finds each kind newer on the server, takes it, and then agrees.
+    void TakeAll(ctrlMorvane& office, const std::string& db, std::int32_t custId,
+                 const std::vector<CustomerKind>& kinds);
+    // Every message box shown so far fails the test.
+    void NoBoxes();
 
     TempDir temp_;
     // The trash of this test's own: what the component throws away never reaches the user's.

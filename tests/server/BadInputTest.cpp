@@ -67,6 +67,29 @@ TEST_F(ServerTest, AFailedWriteChangesNothing) {
         "1");
 }
 
+TEST_F(ServerTest, BadBiddingListBodiesAreRefusedAndChangeNothing) {
+    Login u = LogIn();
+    CreateCustomer(u, 1);
+    for (const auto& [stem, field] :
+         {std::pair<std::string, std::string>{"NyusatsuKikan", "KikanName"},
+          {"NyusatsuSanka", "KikanCode"}}) {
+        const std::string page = "customer/set" + stem + ".php";
+        const std::string id = stem + "ItemID=";
+        ASSERT_EQ(
+            Call(u, page, "CustomerID=1&" + id + "1&DISABLEDALL=DISABLEDALL&" + field + "=keep&")
+                .Flags(),
+            1);
+        for (const std::string& body :
+             {"CustomerID=1&" + field + "=no item&", "CustomerID=77&" + id + "2&" + field + "=x&",
+              "CustomerID=1&" + id + "3&DISABLEDALL=DISABLEDALL&" + field + "=a\x01&"})
+            EXPECT_EQ(Call(u, page, body).Flags(), -1) << body;
+        Reply after = Call(u, "customer/get" + stem + ".php", "CustomerID=1&");
+        auto list = after.Payload("Customer").child((stem + "List").c_str());
+        EXPECT_STREQ(list.child((stem + "Count").c_str()).text().get(), "1") << stem;
+        EXPECT_STREQ(list.child((stem + "Item").c_str()).child(field.c_str()).text().get(), "keep");
+    }
+}
+
 TEST_F(ServerTest, ConcurrentClientsOnOneCustomerKeepEveryItemAndOneLockHolder) {
     Login owner = LogIn();
     CreateCustomer(owner, 1);

@@ -85,6 +85,12 @@ TEST_F(ServerTest, RosterStampsRepeatWhatEachKindsPageReports) {
     clock_->Advance(5s);
     Call(u, "prefcust/99/setKikaiIchiranSub.php",
          "CustomerID=5&DataFileID=3&DataFileType=1&DISABLEDALL=DISABLEDALL&");
+    clock_->Advance(5s);
+    Call(u, "customer/setNyusatsuSanka.php",
+         "CustomerID=5&NyusatsuSankaItemID=1&DISABLEDALL=DISABLEDALL&KikanCode=K&vno=1&");
+    clock_->Advance(5s);
+    Call(u, "customer/setNyusatsuKikan.php",
+         "CustomerID=5&NyusatsuKikanItemID=1&DISABLEDALL=DISABLEDALL&KikanName=A&LocalIndex=1&");
 
     Reply roster = Call(u, "customer/getCompList.php", "");
     auto item = roster.Payload("compList").child("compItem");
@@ -98,19 +104,19 @@ TEST_F(ServerTest, RosterStampsRepeatWhatEachKindsPageReports) {
         for (auto node : c.select_nodes(".//RecordUpdate")) last = node.node().text().get();
         return last;
     };
-    const std::map<int, std::string> pages{{0, "customer/getCompKihon.php"},
-                                           {2, "customer/getCompGyoshu.php"},
-                                           {4, "customer/getKessanData.php"},
-                                           {6, "customer/getCompShokuin.php"},
-                                           {31, "prefcust/99/getIninMain.php"},
-                                           {32, "prefcust/99/getIninSub.php"},
-                                           {38, "prefcust/99/getKikaiIchiranMain.php"},
-                                           {39, "prefcust/99/getKikaiIchiranSub.php"}};
+    const std::map<int, std::string> pages{
+        {0, "customer/getCompKihon.php"},     {2, "customer/getCompGyoshu.php"},
+        {4, "customer/getKessanData.php"},    {6, "customer/getCompShokuin.php"},
+        {7, "customer/getNyusatsuSanka.php"}, {8, "customer/getNyusatsuKikan.php"},
+        {31, "prefcust/99/getIninMain.php"},  {32, "prefcust/99/getIninSub.php"},
+        {38, "prefcust/99/getKikaiIchiranMain.php"},
+        {39, "prefcust/99/getKikaiIchiranSub.php"}};
     for (const auto& [index, path] : pages)
         EXPECT_EQ(item.child(("RecordUpdate" + std::to_string(index)).c_str()).text().get(),
                   stampOf(path))
             << path;
     EXPECT_NE(stampOf("customer/getCompKihon.php"), stampOf("customer/getKessanData.php"));
+    EXPECT_NE(stampOf("customer/getNyusatsuSanka.php"), stampOf("customer/getNyusatsuKikan.php"));
     EXPECT_EQ(stampOf("customer/getCompShokuin.php"), "") << "never written";
     EXPECT_EQ(stampOf("prefcust/99/getIninMain.php"), stampOf("prefcust/99/getIninSub.php"))
         << "the form's stamp is the later of main and sub";
