@@ -1,4 +1,5 @@
-// The customer's basic record, each of its sections, and the lists it carries.
+// The customer's basic record, each of its sections, the lists it carries, and the linkage
+// reply that carries four of them at once.
 #include <cstdint>
 #include <iterator>
 #include <string_view>
@@ -10,9 +11,11 @@ namespace {
 
 // The first byte picks the section.
 constexpr bool (morvane::cCustKihon::*kReaders[])(std::string_view) = {
-    &morvane::cCustKihon::ReadXMLMain,    &morvane::cCustKihon::ReadXMLNormal,
-    &morvane::cCustKihon::ReadXMLGyosyu,  &morvane::cCustKihon::ReadXMLEigyosho,
-    &morvane::cCustKihon::ReadXMLShokuin, &morvane::cCustKihon::ReadXMLMemo,
+    &morvane::cCustKihon::ReadXMLMain,         &morvane::cCustKihon::ReadXMLNormal,
+    &morvane::cCustKihon::ReadXMLGyosyu,       &morvane::cCustKihon::ReadXMLEigyosho,
+    &morvane::cCustKihon::ReadXMLShokuin,      &morvane::cCustKihon::ReadXMLMemo,
+    &morvane::cCustKihon::ReadXMLNyusatuKikan, &morvane::cCustKihon::ReadXMLNyusatuSanka,
+    &morvane::cCustKihon::ReadXMLRendoInfo,
 };
 
 }  // namespace

@@ -1,11 +1,10 @@
 #include "SyncJournal.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <fstream>
 #include <sstream>
 #include <utility>
+
+#include "platform/AtomicFile.h"
 
 namespace morvane::cli {
 
@@ -49,30 +48,9 @@ bool SyncJournal::Save() const {
     for (const auto& [key, seen] : entries_)
         text << key.first << '\t' << key.second << '\t' << std::hex << seen.server << '\t'
              << seen.local << std::dec << '\n';
-    const std::string body = text.str();
     std::error_code ec;
     std::filesystem::create_directories(path_.parent_path(), ec);
-    std::string tmp = path_.string() + ".XXXXXX";
-    // The descriptor closes on every way out; the temporary name goes unless renamed.
-    struct TempFile {
-        std::string name;
-        int fd;
-        ~TempFile() {
-            if (fd >= 0) ::close(fd);
-            if (!name.empty()) ::unlink(name.c_str());
-        }
-    } file{{}, ::mkstemp(tmp.data())};
-    if (file.fd < 0) return false;
-    file.name = tmp;
-    for (std::size_t done = 0; done < body.size();) {
-        const ssize_t n = ::write(file.fd, body.data() + done, body.size() - done);
-        if (n <= 0) return false;
-        done += static_cast<std::size_t>(n);
-    }
-    if (::fsync(file.fd) != 0) return false;
-    if (::close(std::exchange(file.fd, -1)) != 0 || ::rename(tmp.c_str(), path_.c_str()) != 0) return false;
-    file.name.clear();
-    return true;
+    return platform::WriteFileAtomically(path_, text.str(), 0600) == 0;
 }
 
 int WithJournal(int decision, const std::optional<SeenStamps>& agreed, SeenStamps seen) {

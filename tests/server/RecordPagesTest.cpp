@@ -104,13 +104,16 @@ TEST_F(ServerTest, RosterStampsRepeatWhatEachKindsPageReports) {
         for (auto node : c.select_nodes(".//RecordUpdate")) last = node.node().text().get();
         return last;
     };
-    const std::map<int, std::string> pages{
-        {0, "customer/getCompKihon.php"},     {2, "customer/getCompGyoshu.php"},
-        {4, "customer/getKessanData.php"},    {6, "customer/getCompShokuin.php"},
-        {7, "customer/getNyusatsuSanka.php"}, {8, "customer/getNyusatsuKikan.php"},
-        {31, "prefcust/99/getIninMain.php"},  {32, "prefcust/99/getIninSub.php"},
-        {38, "prefcust/99/getKikaiIchiranMain.php"},
-        {39, "prefcust/99/getKikaiIchiranSub.php"}};
+    const std::map<int, std::string> pages{{0, "customer/getCompKihon.php"},
+                                           {2, "customer/getCompGyoshu.php"},
+                                           {4, "customer/getKessanData.php"},
+                                           {6, "customer/getCompShokuin.php"},
+                                           {7, "customer/getNyusatsuSanka.php"},
+                                           {8, "customer/getNyusatsuKikan.php"},
+                                           {31, "prefcust/99/getIninMain.php"},
+                                           {32, "prefcust/99/getIninSub.php"},
+                                           {38, "prefcust/99/getKikaiIchiranMain.php"},
+                                           {39, "prefcust/99/getKikaiIchiranSub.php"}};
     for (const auto& [index, path] : pages)
         EXPECT_EQ(item.child(("RecordUpdate" + std::to_string(index)).c_str()).text().get(),
                   stampOf(path))
