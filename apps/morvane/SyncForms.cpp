@@ -5,14 +5,13 @@
 
 #include "SyncRun.h"
 #include "store/BackupTableIndex.h"
-#include "store/LocalDatabases.h"
 #include "util/Nz.h"
 
 namespace morvane::cli {
 
 void SyncRun::Form(const SyncKind& kind, std::int32_t id, const std::vector<int>& flags,
                    bool locked) {
-    const std::string prefDb = (dataDir_ / kPrefCustomDatabaseName).string();
+    const std::string& prefDb = prefDb_;  // beside the customer database, a dry run's copy too
     const std::string label = "customer " + std::to_string(id) + " " + kind.name;
     const auto owners = [&](std::size_t table) {
         return table < kind.tables.size()

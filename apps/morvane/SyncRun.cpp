@@ -7,6 +7,7 @@
 #include <set>
 
 #include "store/BackupTableIndex.h"
+#include "store/LocalDatabases.h"
 #include "transport/TransportRun.h"
 #include "util/Nz.h"
 #include "util/Text.h"
@@ -85,6 +86,7 @@ SyncRun::SyncRun(Component& component, SyncOptions options, std::ostream& out, s
     const std::filesystem::path dbDir = std::filesystem::path(options_.localDb).parent_path();
     dataDir_ = options_.filesDir.empty() ? dbDir : options_.filesDir;
     masterDb_ = (dbDir / "Master.dat").string();
+    prefDb_ = (dbDir / kPrefCustomDatabaseName).string();
 }
 
 bool SyncRun::Live(const SyncKind& kind) const {

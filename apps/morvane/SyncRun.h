@@ -160,6 +160,7 @@ private:
     SyncSummary summary_;
     std::filesystem::path dataDir_;  // where relative DataFile names lie: the database's folder
     std::string masterDb_;
+    std::string prefDb_;                  // prefcustom.dat beside the customer database
     std::vector<std::string> rosterAdd_;  // local customers the server lacks
     SyncJournal journal_;
     int unansweredInARow_ = 0;

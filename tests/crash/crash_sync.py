@@ -251,6 +251,10 @@ def Judge(allowed, start: OfficeState, end: OfficeState, now: OfficeState, volat
     return problems
 
 
+# The host's record of the last agreements, beside its settings.
+JOURNAL = "morvane-sync-journal.tsv"
+
+
 class Scenario:
     """A start for office B, and when the client works on which kind while taking it down."""
 
@@ -282,11 +286,18 @@ class Scenario:
             previous = at
 
     def restore(self):
-        """The start's databases and files; the settings stay live, for the server turns the
-        login's token over on every request and a copy of them would be logged out."""
+        """The start's databases, files and sync journal; the settings stay live, for the
+        server turns the login's token over on every request and a copy of them would be
+        logged out. The journal goes back with the data it speaks of: one left from another
+        run would describe agreements these databases never had."""
         for part in ("data", "data-home"):
             shutil.rmtree(self.office / part, ignore_errors=True)
         shutil.copytree(self.start / "data", self.office / "data", symlinks=True)
+        journal = Path("config") / JOURNAL
+        if (self.start / journal).exists():
+            shutil.copy2(self.start / journal, self.office / journal)
+        else:
+            (self.office / journal).unlink(missing_ok=True)
 
     def sync(self, tmpdir: Path, prefer=None):
         args = ["sync", "--db", str(self.db)] + (["--prefer", prefer] if prefer else [])
