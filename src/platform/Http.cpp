@@ -164,7 +164,8 @@ HttpReply HttpClient::Perform(const std::string& url, const HttpHeaders& headers
     }
     curl_easy_setopt(c, CURLOPT_CONNECTTIMEOUT, options_.connectTimeoutSeconds);
     if (options_.deadline) {
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+        // Rounded up, so that a transfer cut off by curl is past the deadline, never just short.
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(
             *options_.deadline - std::chrono::steady_clock::now());
         if (left.count() <= 0) {
             reply.error = "the time limit was reached";
