@@ -1,0 +1,294 @@
+#!/usr/bin/env python3
+"""A whole office against `morvane-server` on 127.0.0.1: office A with N sample customers sends
+everything up, a fresh office B takes everything down, then each syncs again with nothing
+changed. For each run it prints the wall time, the requests the server answered, the CPU and
+peak memory of each side, and the ratios the team aims at; it fails loudly when a sync does not
+end with exit 0 or the two offices do not end equal row by row and file by file.
+
+    office_bench.py --bin build/bin --customers 1000      # the figures in the README
+    office_bench.py --bin build/bin --customers 10        # the smoke test CI runs
+"""
+
+import argparse
+import hashlib
+import os
+import re
+import shutil
+import signal
+import sqlite3
+import subprocess
+import sys
+import tempfile
+import time
+from pathlib import Path
+
+CONTRACT = "BENCH-0001"
+PASSWORDS = {"office-a": "bench-password-a", "office-b": "bench-password-b"}
+DATABASES = ("Customer.dat", "Master.dat", "prefcustom.dat")
+# Stamped by each office for itself: when it last agreed with the server.
+OWN_COLUMNS = {"InetCheckDate"}
+TICK = os.sysconf("SC_CLK_TCK")
+
+
+class Failure(Exception):
+    pass
+
+
+class Server:
+    """`morvane-server serve` as a child, with its CPU, peak memory and answered requests."""
+
+    def __init__(self, bin_dir: Path, work: Path, customers: int):
+        self.bin = bin_dir
+        self.data = work / "server-data"
+        self.data.mkdir(parents=True)
+        self.log_path = work / "server.log"
+        self.log = open(self.log_path, "ab")
+        self.tool(["add-account", "--contractor-name", "bench", "--contract-begin", "2026/04/01",
+                   "--contract-end", "2027/03/31", "--shared-count", "2",
+                   "--max-customer", str(max(customers, 10))])
+        for user, password in PASSWORDS.items():
+            self.tool(["add-user", "--user", user, "--user-name", user, "--password-stdin"],
+                      password + "\n")
+        port_file = work / "port"
+        self.proc = subprocess.Popen(
+            [str(bin_dir / "morvane-server"), "serve", "--data", str(self.data), "--address",
+             "127.0.0.1", "--port", "0", "--port-file", str(port_file)],
+            stdout=self.log, stderr=self.log)
+        deadline = time.monotonic() + 30
+        while not port_file.exists() or not port_file.read_text().strip():
+            if self.proc.poll() is not None or time.monotonic() > deadline:
+                raise Failure("morvane-server did not start; see " + str(self.log_path))
+            time.sleep(0.05)
+        self.name = "127.0.0.1:" + port_file.read_text().strip()
+        self.cert = self.data / "cert.pem"
+
+    def tool(self, args, stdin=""):
+        done = subprocess.run([str(self.bin / "morvane-server"), args[0], "--data",
+                               str(self.data), "--contract", CONTRACT] + args[1:],
+                              input=stdin.encode(), stdout=self.log, stderr=self.log)
+        if done.returncode != 0:
+            raise Failure("morvane-server " + args[0] + " failed")
+
+    def cpu(self) -> float:
+        fields = Path("/proc/%d/stat" % self.proc.pid).read_text().rsplit(")", 1)[1].split()
+        return (int(fields[11]) + int(fields[12])) / TICK
+
+    def reset_peak(self):
+        try:
+            Path("/proc/%d/clear_refs" % self.proc.pid).write_text("5")
+        except OSError:
+            pass
+
+    def peak_mib(self) -> float:
+        for line in Path("/proc/%d/status" % self.proc.pid).read_text().splitlines():
+            if line.startswith("VmHWM:"):
+                return int(line.split()[1]) / 1024
+        return 0.0
+
+    def requests(self) -> int:
+        self.log.flush()
+        with open(self.log_path, "rb") as f:
+            return sum(1 for line in f if b" POST /" in line)
+
+    def close(self):
+        self.proc.send_signal(signal.SIGTERM)
+        try:
+            self.proc.wait(timeout=10)
+        except subprocess.TimeoutExpired:
+            self.proc.kill()
+            self.proc.wait()
+        self.log.close()
+
+
+class Office:
+    def __init__(self, server: Server, root: Path, user: str):
+        self.server = server
+        self.root = root
+        self.user = user
+        (root / "config").mkdir(parents=True, exist_ok=True)
+
+    @property
+    def data(self) -> Path:
+        return self.root / "data"
+
+    @property
+    def db(self) -> Path:
+        return self.data / "Customer.dat"
+
+    def command(self, args):
+        return [str(self.server.bin / "morvane"), "--config", str(self.root / "config"),
+                "--ca-file", str(self.server.cert)] + args
+
+    def run(self, args, stdin="", ok=(0,)):
+        """The host run as a child; its output, exit code, wall time, CPU and peak memory."""
+        log = self.root / "last-run.log"
+        start = time.monotonic()
+        with open(log, "wb") as out:
+            proc = subprocess.Popen(self.command(args), stdin=subprocess.PIPE, stdout=out,
+                                    stderr=subprocess.STDOUT)
+            proc.stdin.write(stdin.encode())
+            proc.stdin.close()
+            _, status, usage = os.wait4(proc.pid, 0)
+        proc.returncode = os.waitstatus_to_exitcode(status)
+        wall = time.monotonic() - start
+        text = log.read_text(errors="replace")
+        if proc.returncode not in ok:
+            raise Failure("%s of %s ended with %d:\n%s" % (args[0], self.root.name,
+                                                            proc.returncode, text[-3000:]))
+        return text, wall, usage.ru_utime + usage.ru_stime, usage.ru_maxrss / 1024
+
+    def login(self):
+        self.run(["login", "--server", self.server.name, "--contract", CONTRACT, "--user",
+                  self.user, "--save-password"], PASSWORDS[self.user] + "\n")
+
+
+class Measure:
+    """One host run's figures beside what the server did meanwhile."""
+
+    def __init__(self, name, office: Office, args, ok=(0,)):
+        server = office.server
+        requests, cpu = server.requests(), server.cpu()
+        server.reset_peak()
+        self.name = name
+        self.output, self.wall, self.client_cpu, self.client_peak = office.run(args, ok=ok)
+        self.requests = server.requests() - requests
+        self.server_cpu = server.cpu() - cpu
+        self.server_peak = server.peak_mib()
+
+    def row(self):
+        per = max(self.requests, 1)
+        return ("%-24s %8.2f %8d %9.2f %9.2f %7.2f %9.0f %9.0f %8.3f" %
+                (self.name, self.wall, self.requests, self.client_cpu, self.server_cpu,
+                 self.client_cpu / self.server_cpu if self.server_cpu > 0 else float("nan"),
+                 self.client_peak, self.server_peak, self.wall * 1000 / per))
+
+
+HEADER = ("%-24s %8s %8s %9s %9s %7s %9s %9s %8s" %
+          ("run", "wall s", "requests", "client s", "server s", "cpu c/s", "client MB",
+           "server MB", "ms/req"))
+
+
+def Digest(path: Path) -> str:
+    h = hashlib.sha256()
+    with open(path, "rb") as f:
+        for chunk in iter(lambda: f.read(1 << 20), b""):
+            h.update(chunk)
+    return h.hexdigest()
+
+
+def OfficeContent(data: Path):
+    """Every table's rows less the office's own stamps, and every data file's digest."""
+    tables = {}
+    for name in DATABASES:
+        path = data / name
+        if not path.exists():
+            continue
+        db = sqlite3.connect("file:%s?mode=ro" % path, uri=True)
+        try:
+            for (table,) in db.execute("SELECT name FROM sqlite_master WHERE type='table' "
+                                       "AND name NOT LIKE 'sqlite_%'").fetchall():
+                columns = [r[1] for r in db.execute("PRAGMA table_info([%s])" % table)]
+                keep = ", ".join("[%s]" % c for c in columns if c not in OWN_COLUMNS)
+                rows = db.execute("SELECT %s FROM [%s]" % (keep, table)).fetchall()
+                tables[(name, table)] = sorted(rows, key=repr)
+        finally:
+            db.close()
+    files = {}
+    root = data / "files"
+    for path in sorted(root.rglob("*")) if root.exists() else []:
+        if path.is_file():
+            files[str(path.relative_to(data))] = Digest(path)
+    return tables, files
+
+
+def Differences(a: Path, b: Path):
+    tables_a, files_a = OfficeContent(a)
+    tables_b, files_b = OfficeContent(b)
+    found = []
+    for key in sorted(set(tables_a) | set(tables_b)):
+        rows_a, rows_b = tables_a.get(key, []), tables_b.get(key, [])
+        if rows_a != rows_b:
+            only_a = len(set(map(repr, rows_a)) - set(map(repr, rows_b)))
+            only_b = len(set(map(repr, rows_b)) - set(map(repr, rows_a)))
+            found.append("%s %s: %d row(s) only in A, %d only in B (A %d, B %d rows)" %
+                         (key[0], key[1], only_a, only_b, len(rows_a), len(rows_b)))
+    for name in sorted(set(files_a) | set(files_b)):
+        if files_a.get(name) != files_b.get(name):
+            found.append("file %s: %s" % (name, "differs" if name in files_a and name in files_b
+                                          else "only in " + ("A" if name in files_a else "B")))
+    return found
+
+
+def Summary(output: str) -> str:
+    return "; ".join(line.strip() for line in output.splitlines()
+                     if re.match(r"\s+(customers|tables|downloads|uploads|conflicts|failures):",
+                                 line))
+
+
+def main():
+    here = Path(__file__).resolve()
+    parser = argparse.ArgumentParser(description=__doc__,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--bin", type=Path, default=here.parents[1] / "build" / "bin")
+    parser.add_argument("--customers", type=int, default=100)
+    parser.add_argument("--work", type=Path, default=None,
+                        help="folder to work under (default: beside --bin)")
+    parser.add_argument("--keep", action="store_true", help="keep the work folder")
+    opts = parser.parse_args()
+
+    work = Path(tempfile.mkdtemp(prefix="office-bench-", dir=opts.work or opts.bin.parent))
+    server = None
+    problems = []
+    try:
+        server = Server(opts.bin, work, opts.customers)
+        a = Office(server, work / "office-a", "office-a")
+        b = Office(server, work / "office-b", "office-b")
+        a.run(["init-db", str(a.data), "--sample", str(opts.customers)])
+        b.run(["init-db", str(b.data)])
+        a.login()
+        b.login()
+        sync = ["sync", "--prefer", "skip", "--db"]
+        runs = [Measure("A: full upload", a, sync + [str(a.db)]),
+                Measure("B: full download", b, sync + [str(b.db)]),
+                Measure("A: no-change re-sync", a, sync + [str(a.db)]),
+                Measure("B: no-change re-sync", b, sync + [str(b.db)]),
+                Measure("roster comparison alone", b,
+                        ["call", "CompareCustomerList", str(b.db)])]
+        for run in runs[2:4]:
+            moved = re.search(r"(downloads|uploads):\s+[1-9]", run.output)
+            if moved:
+                problems.append(run.name + " moved data: " + Summary(run.output))
+        problems += ["A and B differ: " + d for d in Differences(a.data, b.data)]
+
+        print("office of %d customers, server %s" % (opts.customers, server.name))
+        print(HEADER)
+        for run in runs:
+            print(run.row())
+        for run in runs[:4]:
+            print("  %-22s %s" % (run.name + ":", Summary(run.output)))
+        roster = runs[4]
+        print("\nratios (goal)")
+        for run in runs[2:4]:
+            print("  %-22s requests %d, %.2f per customer; wall %.2f x the roster comparison "
+                  "alone (<= 2)" % (run.name, run.requests, run.requests / opts.customers,
+                                    run.wall / roster.wall))
+        for run in runs[:4]:
+            print("  %-22s client CPU / server CPU %.2f (<= 1)" %
+                  (run.name, run.client_cpu / run.server_cpu if run.server_cpu else float("nan")))
+    except Failure as e:
+        problems.append(str(e))
+    finally:
+        if server:
+            server.close()
+        if not opts.keep and not problems:
+            shutil.rmtree(work, ignore_errors=True)
+    if problems:
+        print("\nFAILED (work folder kept: %s)" % work, file=sys.stderr)
+        for p in problems:
+            print("  " + p, file=sys.stderr)
+        return 1
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
