@@ -25,8 +25,25 @@ from pathlib import Path
 CONTRACT = "BENCH-0001"
 PASSWORDS = {"office-a": "bench-password-a", "office-b": "bench-password-b"}
 DATABASES = ("Customer.dat", "Master.dat", "prefcustom.dat")
-# Stamped by each office for itself: when it last agreed with the server.
-OWN_COLUMNS = {"InetCheckDate"}
+# Columns each office keeps for itself: the numbers its database gave its rows, positions a
+# download numbers afresh, and when it last agreed with the server (a download stamps the rows
+# it writes with its own time).
+OWN_COLUMNS = {"id", "vno", "LocalIndex", "InetCheckDate", "InetSyncFlag", "RecordUpdate"}
+# A delegation form is written without its customer, its date or its data file by a download.
+FORM_OWN_COLUMNS = {"CustomerID", "MakeDate", "DataFileID", "DataFileID_KY", "DataFileIDStr",
+                    "DataFileIDStr_KY"}
+# Columns a download writes itself where the sample data leaves them empty: an office's
+# number runs one ahead of its position, a settlement record's dates and check take the
+# download's time and 1, and a staff member's digit strings default to zeros.
+DOWNLOAD_FILLS = {"tCustomerEigyosyo": {"No"},
+                  "tCustomerMeibo": {"SenninGyosyuN", "SenninGyosyu", "SenninSikakuCode"},
+                  "tCustomerKessanHistory": {"RecDate", "CheckOther", "OtherDate1", "OtherDate2",
+                                             "RegDate", "UpdateDate"}}
+# Tables that go both ways; the others of prefcustom.dat only go up (the machinery list) or are
+# compared by their stamps alone, so B never holds them.
+BOTH_WAYS_FORMS = {"t99_ININ_MAIN", "t99_ININ_SUB"}
+# The bidding grid's blank rows are each office's own.
+BLANK_GRID = ("KikanName", "Kubun") + tuple("Nendo%d" % i for i in range(1, 11))
 TICK = os.sysconf("SC_CLK_TCK")
 
 
@@ -119,9 +136,10 @@ class Office:
         return [str(self.server.bin / "morvane"), "--config", str(self.root / "config"),
                 "--ca-file", str(self.server.cert)] + args
 
-    def run(self, args, stdin="", ok=(0,)):
-        """The host run as a child; its output, exit code, wall time, CPU and peak memory."""
-        log = self.root / "last-run.log"
+    def run(self, args, stdin="", ok=(0,), log_name="last-run"):
+        """The host run as a child: its output, wall time, CPU and peak memory, and its exit
+        code when that is among `ok` (None: any)."""
+        log = self.root / (log_name + ".log")
         start = time.monotonic()
         with open(log, "wb") as out:
             proc = subprocess.Popen(self.command(args), stdin=subprocess.PIPE, stdout=out,
@@ -132,10 +150,10 @@ class Office:
         proc.returncode = os.waitstatus_to_exitcode(status)
         wall = time.monotonic() - start
         text = log.read_text(errors="replace")
-        if proc.returncode not in ok:
+        if ok is not None and proc.returncode not in ok:
             raise Failure("%s of %s ended with %d:\n%s" % (args[0], self.root.name,
                                                             proc.returncode, text[-3000:]))
-        return text, wall, usage.ru_utime + usage.ru_stime, usage.ru_maxrss / 1024
+        return text, proc.returncode, wall, usage.ru_utime + usage.ru_stime, usage.ru_maxrss / 1024
 
     def login(self):
         self.run(["login", "--server", self.server.name, "--contract", CONTRACT, "--user",
@@ -145,12 +163,13 @@ class Office:
 class Measure:
     """One host run's figures beside what the server did meanwhile."""
 
-    def __init__(self, name, office: Office, args, ok=(0,)):
+    def __init__(self, name, office: Office, args):
         server = office.server
         requests, cpu = server.requests(), server.cpu()
         server.reset_peak()
         self.name = name
-        self.output, self.wall, self.client_cpu, self.client_peak = office.run(args, ok=ok)
+        self.output, self.code, self.wall, self.client_cpu, self.client_peak = \
+            office.run(args, ok=None, log_name=re.sub(r"\W+", "-", name).strip("-"))
         self.requests = server.requests() - requests
         self.server_cpu = server.cpu() - cpu
         self.server_peak = server.peak_mib()
@@ -176,8 +195,15 @@ def Digest(path: Path) -> str:
     return h.hexdigest()
 
 
+def Plain(value):
+    """Null, the empty text and zero are one value: a download writes "" or 0 where the sample
+    data left Null."""
+    return "" if value is None or value == "" or value == 0 else str(value)
+
+
 def OfficeContent(data: Path):
-    """Every table's rows less the office's own stamps, and every data file's digest."""
+    """What the backup moves both ways: every such table's live rows less each office's own
+    columns, and every data file's digest."""
     tables = {}
     for name in DATABASES:
         path = data / name
@@ -187,10 +213,22 @@ def OfficeContent(data: Path):
         try:
             for (table,) in db.execute("SELECT name FROM sqlite_master WHERE type='table' "
                                        "AND name NOT LIKE 'sqlite_%'").fetchall():
+                if name == "prefcustom.dat" and table not in BOTH_WAYS_FORMS:
+                    continue
                 columns = [r[1] for r in db.execute("PRAGMA table_info([%s])" % table)]
-                keep = ", ".join("[%s]" % c for c in columns if c not in OWN_COLUMNS)
-                rows = db.execute("SELECT %s FROM [%s]" % (keep, table)).fetchall()
-                tables[(name, table)] = sorted(rows, key=repr)
+                own = OWN_COLUMNS | (FORM_OWN_COLUMNS if name == "prefcustom.dat" else set()) | \
+                    DOWNLOAD_FILLS.get(table, set())
+                keep = [c for c in columns if c not in own]
+                where = ["disabled = 0"] if "disabled" in columns else []
+                if "Ver511HideFlag" in columns:
+                    where.append("Ver511HideFlag = 0")  # hidden from synchronisation
+                if table == "tCustomerNyusatsuKanri":
+                    where.append("(" + " OR ".join("[%s] <> ''" % c for c in BLANK_GRID) + ")")
+                rows = db.execute("SELECT %s FROM [%s]%s" % (
+                    ", ".join("[%s]" % c for c in keep), table,
+                    " WHERE " + " AND ".join(where) if where else "")).fetchall()
+                tables[(name, table)] = sorted(
+                    "\t".join(c + "=" + Plain(v) for c, v in zip(keep, row)) for row in rows)
         finally:
             db.close()
     files = {}
@@ -208,10 +246,12 @@ def Differences(a: Path, b: Path):
     for key in sorted(set(tables_a) | set(tables_b)):
         rows_a, rows_b = tables_a.get(key, []), tables_b.get(key, [])
         if rows_a != rows_b:
-            only_a = len(set(map(repr, rows_a)) - set(map(repr, rows_b)))
-            only_b = len(set(map(repr, rows_b)) - set(map(repr, rows_a)))
-            found.append("%s %s: %d row(s) only in A, %d only in B (A %d, B %d rows)" %
-                         (key[0], key[1], only_a, only_b, len(rows_a), len(rows_b)))
+            only_a = sorted(set(rows_a) - set(rows_b))
+            only_b = sorted(set(rows_b) - set(rows_a))
+            found.append("%s %s: %d row(s) only in A, %d only in B (A %d, B %d rows)%s" %
+                         (key[0], key[1], len(only_a), len(only_b), len(rows_a), len(rows_b),
+                          "".join("\n      %s: %s" % (side, row) for side, row in
+                                  [("A", r) for r in only_a[:1]] + [("B", r) for r in only_b[:1]])))
     for name in sorted(set(files_a) | set(files_b)):
         if files_a.get(name) != files_b.get(name):
             found.append("file %s: %s" % (name, "differs" if name in files_a and name in files_b
@@ -254,6 +294,12 @@ def main():
                 Measure("B: no-change re-sync", b, sync + [str(b.db)]),
                 Measure("roster comparison alone", b,
                         ["call", "CompareCustomerList", str(b.db)])]
+        for run in runs:
+            if run.code != 0:
+                problems.append("%s ended with exit %d: %s%s" % (
+                    run.name, run.code, Summary(run.output), "".join(
+                        "\n    " + line for line in run.output.splitlines()
+                        if re.search(r"failed|refused|unknown|did not", line))))
         for run in runs[2:4]:
             moved = re.search(r"(downloads|uploads):\s+[1-9]", run.output)
             if moved:

@@ -16,7 +16,7 @@ export ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=1:abort_on_error=1:strict_strin
 export UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}
 export LSAN_OPTIONS=${LSAN_OPTIONS:-suppressions=$root/fuzz/lsan.supp}
 # The crash trials kill real processes and gain nothing from the sanitizers.
-(cd "$build" && ctest --output-on-failure -j2 --timeout 900 -LE crash)
+(cd "$build" && ctest --output-on-failure -j2 --timeout 900 -LE 'crash|bench')
 
 [ "$seconds" -gt 0 ] || exit 0
 work=$(mktemp -d)

@@ -324,7 +324,8 @@ int RunDemo(const DemoOptions& options, std::ostream& out) {
     const bool kikaiSent = kikaiLists > 0 && kikaiAgreed == kikaiLists;
     out << "Machinery lists (sent up only): office A's " << kikaiAgreed << " of " << kikaiLists
         << " list(s) stamped as agreed with the server.\n";
-    out << "What differs with no worker yet is listed under \"not yet supported\" above.\n";
+    out << "What differs with no worker yet is listed under \"not yet supported\" above, and "
+           "the tables no member moves under \"not backed up by this component\".\n";
     // Once customers can be added to the server, both offices must end agreeing with it.
     const bool rosterCanMove = DispatchTable::Instance().Find("SyncUploadAddCustomer") != nullptr;
     const bool filesCanMove =

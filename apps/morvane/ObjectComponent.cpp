@@ -1,6 +1,8 @@
 #include "ObjectComponent.h"
 
 #include <exception>
+#include <filesystem>
+#include <system_error>
 
 #include "platform/Dao.h"
 #include "session/DispatchTable.h"
@@ -132,6 +134,75 @@ std::vector<FormOwner> ObjectComponent::FormOwners(const std::string& prefDb,
         owners.clear();
     }
     return owners;
+}
+
+std::map<std::int32_t, std::uint64_t> ObjectComponent::LocalFingerprints(
+    const std::vector<LocalTable>& tables, const std::filesystem::path& filesDir) {
+    std::map<std::int32_t, std::uint64_t> folds;
+    for (const LocalTable& t : tables) {
+        try {
+            dao::Workspace ws("", "");
+            dao::Database& db = ws.OpenDatabase(t.db);
+            const std::string key = "[" + t.key + "]";
+            if (t.files) {
+                // The files a customer's live rows name, by size and time: a file replaced
+                // outside the program moves too.
+                auto rs = db.OpenRecordset("SELECT " + key + " AS k, DataFile FROM [" + t.table +
+                                           "] WHERE disabled = 0 ORDER BY " + key + ", id");
+                for (; !rs->Eof(); rs->MoveNext()) {
+                    const std::string name = NzString((*rs)["DataFile"]);
+                    if (name.empty()) continue;
+                    const std::filesystem::path named(name);
+                    const std::filesystem::path path =
+                        named.is_absolute() ? named : filesDir / named;
+                    std::error_code ec;
+                    const auto size = std::filesystem::file_size(path, ec);
+                    const auto time = ec ? std::filesystem::file_time_type{}
+                                         : std::filesystem::last_write_time(path, ec);
+                    std::uint64_t& fold = folds[NzLong((*rs)["k"])];
+                    fold = FoldText(fold,
+                                    name + "\t" +
+                                        (ec ? std::string("missing")
+                                            : std::to_string(size) + "\t" +
+                                                  std::to_string(time.time_since_epoch().count())));
+                }
+                continue;
+            }
+            // Every row, deleted and hidden ones too: how many, how many deleted or hidden,
+            // and the newest stamp among them.
+            auto rs = db.OpenRecordset(
+                "SELECT " + key + " AS k, COUNT(*) AS n, TOTAL(disabled) AS d, " +
+                (t.hideFlag ? "TOTAL(Ver511HideFlag)" : "0") +
+                " AS h, MAX(RecordUpdate) AS ru FROM [" + t.table + "] GROUP BY " + key);
+            for (; !rs->Eof(); rs->MoveNext()) {
+                std::uint64_t& fold = folds[NzLong((*rs)["k"])];
+                fold = FoldText(fold, t.table + "\t" + (*rs)["n"].ToText() + "\t" +
+                                          (*rs)["d"].ToText() + "\t" + (*rs)["h"].ToText() + "\t" +
+                                          (*rs)["ru"].ToText());
+            }
+        } catch (const std::exception&) {
+            // Unreadable: no customer looks unchanged.
+            return {};
+        }
+    }
+    return folds;
+}
+
+int ObjectComponent::LiveRows(const LocalTable& t, std::int32_t custId) {
+    try {
+        dao::Workspace ws("", "");
+        dao::Database& db = ws.OpenDatabase(t.db);
+        auto rs = db.OpenRecordset("SELECT COUNT(*) AS n FROM [" + t.table + "] WHERE [" + t.key +
+                                   "] = " + std::to_string(custId) + " AND disabled = 0" +
+                                   (t.hideFlag ? " AND Ver511HideFlag = 0" : ""));
+        return rs->Eof() ? 0 : NzLong((*rs)["n"]);
+    } catch (const std::exception&) {
+        return -1;  // unknown: never taken for "nothing to send"
+    }
+}
+
+DateValue ObjectComponent::ServerNow() {
+    return DateValue(State().Clock().Now().Days() - State().inetServerTimeOffset);
 }
 
 }  // namespace morvane::cli

@@ -22,6 +22,10 @@ public:
                                        std::int32_t custId) override;
     std::vector<FormOwner> FormOwners(const std::string& prefDb, const std::string& table,
                                       std::int32_t custId) override;
+    std::map<std::int32_t, std::uint64_t> LocalFingerprints(
+        const std::vector<LocalTable>& tables, const std::filesystem::path& filesDir) override;
+    int LiveRows(const LocalTable& table, std::int32_t custId) override;
+    DateValue ServerNow() override;
 
 private:
     ctrlMorvane obj_;

@@ -44,11 +44,9 @@ void SyncRun::Form(const SyncKind& kind, std::int32_t id, const std::vector<int>
         Decide(kind, decision, args, label);
         return;
     }
-    // Sent up only, so the snapshot decides. The machine table is never stamped as agreed,
-    // so once sent its flag says "both moved" for good: the main table's flag rules, and the
-    // machine table's only while it says local newer alone.
-    int decision = flags.empty() ? 0 : flags[0];
-    if (decision == 0 && flags.size() > 1 && flags[1] == 2) decision = 2;
+    // Sent up only, so the snapshot decides.
+    int decision = SnapshotDecision(kind, flags);
+    if (decision == 0 && addedToServer_.count(id)) decision = 2;
     if (decision == 0) return;
     if (!options_.dryRun && !locked) {
         tally_[kind.name].differ[decision]++;

@@ -53,6 +53,16 @@ bool SyncJournal::Save() const {
     return platform::WriteFileAtomically(path_, text.str(), 0600) == 0;
 }
 
+std::uint64_t FoldText(std::uint64_t fold, std::string_view text) {
+    if (fold == 0) fold = 14695981039346656037ull;
+    for (const char ch : text) {
+        fold ^= static_cast<unsigned char>(ch);
+        fold *= 1099511628211ull;
+    }
+    fold ^= '\n';
+    return fold * 1099511628211ull;
+}
+
 int WithJournal(int decision, const std::optional<SeenStamps>& agreed, SeenStamps seen) {
     if (!agreed || (seen.server == 0 && seen.local == 0)) return decision;
     const bool serverMoved = agreed->server != seen.server;

@@ -7,6 +7,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace morvane::cli {
@@ -18,6 +19,9 @@ struct SeenStamps {
     std::uint64_t local = 0;
     bool operator==(const SeenStamps&) const = default;
 };
+
+// FNV-1a over a text and a separator, continued from `fold` (0 starts afresh).
+std::uint64_t FoldText(std::uint64_t fold, std::string_view text);
 
 class SyncJournal {
 public:

@@ -96,4 +96,11 @@ int CombineFlags(const std::vector<int>& flags) {
     return result;
 }
 
+int SnapshotDecision(const SyncKind& kind, const std::vector<int>& flags) {
+    if (kind.scope != KindScope::CustomerForm || !kind.compare.empty()) return CombineFlags(flags);
+    int decision = flags.empty() ? 0 : flags[0];
+    if (decision == 0 && flags.size() > 1 && flags[1] == 2) decision = 2;
+    return decision;
+}
+
 }  // namespace morvane::cli

@@ -36,4 +36,9 @@ const std::vector<SyncKind>& SyncKinds();
 // when every differing table points the same way, 3 when they point both ways or any is 3.
 int CombineFlags(const std::vector<int>& flags);
 
+// What the snapshot flags of a kind's tables say of it. A list that is only ever sent up
+// (no download member) is never stamped as agreed in its second table, so its first table
+// rules, and the second only while it says local newer.
+int SnapshotDecision(const SyncKind& kind, const std::vector<int>& flags);
+
 }  // namespace morvane::cli

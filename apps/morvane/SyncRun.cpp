@@ -31,6 +31,13 @@ const char* Way(int flag) {
 // Requests in a row that got no answer before the run counts the server as unreachable.
 constexpr int kUnreachableAfter = 3;
 
+// The journal's entry for a whole customer, beside those of its kinds.
+const std::string kCustomerEntry = "(customer)";
+
+bool CustomerKind(const SyncKind& kind) {
+    return kind.scope != KindScope::Master && kind.scope != KindScope::StampsOnly;
+}
+
 std::vector<std::int32_t> SplitIDs(const std::string& text) {
     std::vector<std::int32_t> ids;
     for (const std::string& part : Split(text, ","))
@@ -62,18 +69,28 @@ void PrintSummary(const SyncSummary& s, std::ostream& out) {
             : s.serverAnswered ? "answered"
                                : "not reached")
         << '\n'
-        << "  customers:   " << s.customers << '\n'
+        << "  customers:   " << s.customers;
+    if (s.unchanged > 0) out << " (" << s.unchanged << " unchanged since they last agreed)";
+    out << '\n'
         << "  tables:      " << s.tablesCompared << " compared, " << s.tablesDiffering
         << " differ\n"
         << "  downloads:   " << s.downloads << '\n'
         << "  uploads:     " << s.uploads << '\n'
         << "  conflicts:   " << s.conflicts << " left unresolved\n"
         << "  failures:    " << s.failures << '\n';
+    if (s.keptOnServer > 0)
+        out << "  kept:        " << s.keptOnServer
+            << " kind(s) with no local row to send (deleted or hidden here); the server keeps "
+               "its copy\n";
     if (s.planned > 0) out << "  dry run:     " << s.planned << " move(s) not made\n";
     if (!s.unsupported.empty()) {
         out << "  not yet supported:\n";
         for (const Unsupported& u : s.unsupported)
             out << "    " << u.what << ": " << u.detail << '\n';
+    }
+    if (!s.outside.empty()) {
+        out << "  not backed up by this component:\n";
+        for (const Unsupported& u : s.outside) out << "    " << u.what << ": " << u.detail << '\n';
     }
 }
 
@@ -102,6 +119,7 @@ SyncRun::Answer SyncRun::Ask(std::string_view member, const std::vector<Value>& 
     const ExchangeCounts after = c_.Exchanges();
     answer.failed = after.failed > before.failed || after.unanswered > before.unanswered;
     answer.unanswered = after.unanswered > before.unanswered;
+    answer.sent = after.tried > before.tried;
     if (after.tried - after.unanswered > before.tried - before.unanswered) {
         summary_.serverAnswered = true;
         unansweredInARow_ = 0;
@@ -126,6 +144,7 @@ int SyncRun::Compare(const SyncKind& kind, std::int32_t custId, const std::vecto
     c_.TakeComparedStamps();
     const Answer answer = Ask(kind.compare, args);
     const SeenStamps seen = c_.TakeComparedStamps();
+    lastSeen_ = seen;
     if (answer.failed) return -1;
     const int decision = NzLong(answer.value);
     const std::optional<SeenStamps> agreed = journal_.Find(custId, kind.name);
@@ -138,18 +157,96 @@ int SyncRun::Compare(const SyncKind& kind, std::int32_t custId, const std::vecto
     return folded;
 }
 
-void SyncRun::Settle(KindScope scope, std::int32_t custId, const std::vector<Value>& args) {
-    if (options_.journal.empty() || options_.dryRun) return;
+bool SyncRun::Settle(KindScope scope, std::int32_t custId, const std::vector<Value>& args) {
+    if (options_.journal.empty() || options_.dryRun) return false;
+    bool agree = true;
     // Once every kind has moved: a later kind's move may change an earlier one's stamps.
     for (const SyncKind& kind : SyncKinds()) {
         if (kind.scope != scope || !Live(kind) || Stopped()) continue;
         c_.TakeComparedStamps();
         const Answer answer = Ask(kind.compare, args);
         const SeenStamps seen = c_.TakeComparedStamps();
-        if (!answer.failed && NzLong(answer.value) == 0)
+        if (!answer.failed && NzLong(answer.value) == 0) {
             journal_.Agreed(custId, kind.name, seen);
-        else
+        } else if (!answer.failed && journal_.Find(custId, kind.name + " kept") == seen) {
+            // Still nothing to send: settled as the server keeps it.
+        } else {
             journal_.Forget(custId, kind.name);
+            agree = false;
+        }
+    }
+    return agree && !Stopped();
+}
+
+LocalTable SyncRun::TableOf(int index) const {
+    return {index < 10 ? options_.localDb : prefDb_,
+            std::string(BackupTables()[static_cast<std::size_t>(index)].name),
+            index == 0 ? "id" : "CustomerID", index == 5, false};
+}
+
+bool SyncRun::NoLocalRows(const SyncKind& kind, std::int32_t custId) {
+    return std::all_of(kind.tables.begin(), kind.tables.end(),
+                       [&](int t) { return c_.LiveRows(TableOf(t), custId) == 0; });
+}
+
+SeenStamps SyncRun::CustomerStamps(std::int32_t id) {
+    // The check stamps are left out: a comparison that agrees rewrites them, and they say
+    // nothing of what either side holds.
+    SeenStamps folded;
+    for (const SyncKind& kind : SyncKinds()) {
+        if (!CustomerKind(kind) || !Live(kind)) continue;
+        for (int t : kind.tables) {
+            const std::vector<Value> at{Value(id), Value(t)};
+            folded.server =
+                FoldText(folded.server, NzString(c_.Call("CustmerRecordUpdateTable_Server", at)));
+            folded.local =
+                FoldText(folded.local, NzString(c_.Call("CustmerRecordUpdateTable_Local", at)));
+        }
+    }
+    const auto local = [&](std::int32_t who) {
+        const auto it = fingerprints_.find(who);
+        return it == fingerprints_.end() ? std::string("-") : std::to_string(it->second);
+    };
+    folded.local = FoldText(folded.local, local(id) + "/" + local(0));
+    return folded;
+}
+
+bool SyncRun::Unchanged(std::int32_t id) {
+    if (options_.full || options_.journal.empty() || addedToServer_.count(id)) return false;
+    const std::optional<SeenStamps> agreed = journal_.Find(id, kCustomerEntry);
+    if (!agreed) return false;
+    for (const SyncKind& kind : SyncKinds()) {
+        if (!CustomerKind(kind) || !Live(kind)) continue;
+        std::vector<int> flags;
+        for (int t : kind.tables)
+            flags.push_back(NzLong(c_.Call("CustmerBackupedTableSyncFlag", {Value(id), Value(t)})));
+        if (SnapshotDecision(kind, flags) != 0) return false;
+    }
+    return *agreed == CustomerStamps(id);
+}
+
+void SyncRun::RecordSettled() {
+    if (settled_.empty() || options_.dryRun || Stopped()) return;
+    // Once more for the stamps the moves left; a failure only means the next run walks them.
+    const Answer again = Ask("CompareCustomerList", {Value(options_.localDb)});
+    if (again.failed) return;
+    fingerprints_ = c_.LocalFingerprints(localTables_, dataDir_);
+    for (const auto& [id, when] : settled_) {
+        bool quiet = true;
+        for (const SyncKind& kind : SyncKinds()) {
+            if (!CustomerKind(kind) || !Live(kind)) continue;
+            std::vector<int> flags;
+            for (int t : kind.tables) {
+                const std::vector<Value> at{Value(id), Value(t)};
+                flags.push_back(NzLong(c_.Call("CustmerBackupedTableSyncFlag", at)));
+                // A server stamp after the customer settled is somebody else's move.
+                const auto stamp =
+                    DateValue::Parse(NzString(c_.Call("CustmerRecordUpdateTable_Server", at)));
+                if (stamp && *stamp > when) quiet = false;
+            }
+            if (SnapshotDecision(kind, flags) != 0) quiet = false;
+        }
+        if (quiet) journal_.Agreed(id, kCustomerEntry, CustomerStamps(id));
     }
 }
 
@@ -181,6 +278,17 @@ SyncSummary SyncRun::Run() {
     const std::vector<std::int32_t> ids =
         Stopped() ? std::vector<std::int32_t>{} : CustomersToWalk();
     summary_.customers = static_cast<int>(ids.size());
+    localTables_.clear();
+    for (const SyncKind& kind : SyncKinds()) {
+        if (!CustomerKind(kind) || !Live(kind)) continue;
+        for (int t : kind.tables) localTables_.push_back(TableOf(t));
+        if (kind.scope == KindScope::CustomerFile)
+            localTables_.push_back({options_.localDb, kind.fileTable, "CustomerID", false, true});
+    }
+    fingerprints_.clear();
+    settled_.clear();
+    if (!options_.journal.empty() && !ids.empty())
+        fingerprints_ = c_.LocalFingerprints(localTables_, dataDir_);
     for (std::size_t i = 0; i < ids.size() && !Stopped(); ++i) {
         if (const std::string stop = TransportStopReason(); !stop.empty()) {
             out_ << "stopped: " << stop << '\n';  // the rest would fail the same way
@@ -189,9 +297,13 @@ SyncSummary SyncRun::Run() {
             break;
         }
         Progress(i, ids.size(), ids[i]);
-        Customer(ids[i]);
+        if (Unchanged(ids[i]))
+            ++summary_.unchanged;
+        else
+            Customer(ids[i]);
     }
     Progress(ids.size(), ids.size(), 0);
+    RecordSettled();
     if (!Stopped()) Masters();
     if (!options_.dryRun && !journal_.Save())
         out_ << "journal: the record of this run's agreements could not be written\n";
@@ -342,9 +454,12 @@ bool SyncRun::RunRosterPlan(const RosterPlan& plan) {
                  << '\n';
         }
     };
-    for (std::int32_t id : plan.addServer)
+    for (std::int32_t id : plan.addServer) {
+        const int failuresBefore = summary_.failures;
         move("SyncUploadAddCustomer", {Value(options_.localDb), Value(id)},
              "added customer " + std::to_string(id) + " to the server");
+        if (summary_.failures == failuresBefore) addedToServer_.insert(id);
+    }
     for (std::int32_t id : plan.delServer)
         move("SyncUploadDelCustomer", {Value(id)},
              "deleted customer " + std::to_string(id) + " on the server");
@@ -432,6 +547,8 @@ void SyncRun::Customer(std::int32_t id) {
     const auto& tables = BackupTables();
     const std::vector<Value> args{Value(options_.localDb), Value(id)};
     const int movedBefore = summary_.downloads + summary_.uploads;
+    const SyncSummary before = summary_;
+    const SeenStamps stampsBefore = options_.journal.empty() ? SeenStamps{} : CustomerStamps(id);
     bool anyLive = false;
     for (const SyncKind& k : SyncKinds())
         if (k.scope != KindScope::Master && k.scope != KindScope::StampsOnly && Live(k))
@@ -503,20 +620,36 @@ void SyncRun::Customer(std::int32_t id) {
             Form(kind, id, flags[k], locked);
             continue;
         }
-        const int decision = Compare(kind, id, args);
+        int decision = Compare(kind, id, args);
         if (decision < 0) {
             ++summary_.failures;
             out_ << label << ": the comparison failed\n";
             continue;
         }
+        if (decision == 2 && journal_.Find(id, kind.name + " kept") == lastSeen_) {
+            ++summary_.keptOnServer;  // nothing moved since the server was left its copy
+            continue;
+        }
+        // The server holds only what adding the customer sent: the rest goes up whole.
+        if (decision == 0 && addedToServer_.count(id)) decision = 2;
         if (decision != 0 && !options_.dryRun && !locked) {
             tally_[kind.name].differ[decision]++;
             continue;
         }
-        if (Decide(kind, decision, args, label) == 2) sentUp.insert(kind.name);
+        if (Decide(kind, decision, args, label, id) == 2) sentUp.insert(kind.name);
     }
-    if (locked && summary_.downloads + summary_.uploads > movedBefore)
-        Settle(KindScope::Customer, id, args);
+    const bool moved = summary_.downloads + summary_.uploads > movedBefore;
+    const bool clean = (locked || !anyLive) && !options_.dryRun && !Stopped() &&
+                       summary_.failures == before.failures &&
+                       summary_.conflicts == before.conflicts &&
+                       summary_.unsupported.size() == before.unsupported.size();
+    const bool settled = locked && moved ? Settle(KindScope::Customer, id, args) : !moved;
+    if (clean && settled && !options_.journal.empty()) {
+        if (moved)
+            settled_.push_back({id, c_.ServerNow()});
+        else
+            journal_.Agreed(id, kCustomerEntry, stampsBefore);
+    }
     if (locked && !CallOk("UnlockCoustomer", {Value(id)})) {
         ++summary_.failures;
         out_ << "customer " << id << ": unlock failed\n";
@@ -565,7 +698,7 @@ void SyncRun::Files(const SyncKind& kind, std::int32_t id, bool recordsSentUp) {
 }
 
 int SyncRun::Decide(const SyncKind& kind, int decision, const std::vector<Value>& args,
-                    const std::string& label) {
+                    const std::string& label, std::int32_t custId) {
     if (decision == 3) {
         switch (options_.prefer) {
             case Prefer::Server:
@@ -595,10 +728,22 @@ int SyncRun::Decide(const SyncKind& kind, int decision, const std::vector<Value>
         return decision;
     }
     const std::string& member = decision == 1 ? kind.download : kind.upload;
-    if (CallOk(member, args)) {
+    const Answer answer = Ask(member, args);
+    if (!answer.failed && NzLong(answer.value) == 1) {
         ++(decision == 1 ? summary_.downloads : summary_.uploads);
         out_ << label << ": " << (decision == 1 ? "downloaded" : "uploaded") << '\n';
         return decision;
+    }
+    // An upload that sent nothing because the customer has no live row of the kind here: a
+    // list emptied locally is never emptied on the server, so the server keeps its copy, and
+    // the kind counts as settled until either side moves.
+    if (decision == 2 && custId != 0 && !answer.sent && NzLong(answer.value) == 0 &&
+        kind.scope == KindScope::Customer && NoLocalRows(kind, custId)) {
+        ++summary_.keptOnServer;
+        out_ << label << ": no local row to send (deleted or hidden here); the server keeps "
+             << "its copy\n";
+        if (!options_.journal.empty()) journal_.Agreed(custId, kind.name + " kept", lastSeen_);
+        return 0;
     }
     ++summary_.failures;
     out_ << label << ": " << member << " failed\n";
@@ -666,9 +811,11 @@ void SyncRun::Masters() {
             detail += (detail.empty() ? "" : "; ") + std::to_string(differ) +
                       " customer(s) differ (" + Join(ways, ", ") + ")";
         if (detail.empty()) continue;
-        detail += noWorkerEver ? ": compared by stamp only, no worker moves these tables"
-                               : ": no worker yet";
-        summary_.unsupported.push_back({k.name, detail});
+        if (noWorkerEver)
+            summary_.outside.push_back(
+                {k.name, detail + ": compared by stamp only, no member moves these tables"});
+        else
+            summary_.unsupported.push_back({k.name, detail + ": no worker yet"});
     }
 }
 

@@ -7,12 +7,14 @@
 #include <iosfwd>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "SyncJournal.h"
 #include "SyncKinds.h"
+#include "util/DateValue.h"
 #include "util/Value.h"
 
 namespace morvane::cli {
@@ -36,6 +38,15 @@ struct ExchangeCounts {
     std::uint64_t tried = 0;
     std::uint64_t unanswered = 0;
     std::uint64_t failed = 0;
+};
+
+// A table of the local databases whose rows the host folds into a customer's fingerprint.
+struct LocalTable {
+    std::string db;  // the database file
+    std::string table;
+    std::string key;        // the column holding the customer number
+    bool hideFlag = false;  // rows carry Ver511HideFlag
+    bool files = false;     // rows name data files in DataFile
 };
 
 class Component {
@@ -63,6 +74,16 @@ public:
     // else none (a data file number of 0).
     virtual std::vector<FormOwner> FormOwners(const std::string& prefDb, const std::string& table,
                                               std::int32_t custId) = 0;
+    // Per customer, a fold of everything local the tables hold for it (deleted and hidden rows
+    // too: their count, flags and newest stamps) and of the size and time of the data files
+    // its rows name; it changes whenever the office adds, edits, deletes, hides or replaces
+    // anything of the customer. Customer 0 holds rows that belong to no customer.
+    virtual std::map<std::int32_t, std::uint64_t> LocalFingerprints(
+        const std::vector<LocalTable>& tables, const std::filesystem::path& filesDir) = 0;
+    // The customer's rows of the table that a list upload would send: live and not hidden.
+    virtual int LiveRows(const LocalTable& table, std::int32_t custId) = 0;
+    // The server's clock now, as far as the measured offset tells.
+    virtual DateValue ServerNow() = 0;
 };
 
 struct SyncOptions {
@@ -71,6 +92,9 @@ struct SyncOptions {
     bool dryRun = false;
     bool progress = false;  // a progress bar on the error stream
     bool verbose = false;   // every differing table by name, not only their count
+    // Every customer walked, even those the snapshot and the journal show unchanged since
+    // their last agreement.
+    bool full = false;
     // Where relative DataFile names lie; empty: the customer database's folder.
     std::filesystem::path filesDir;
     // The host's record of the last agreements; empty: none kept.
@@ -87,17 +111,21 @@ struct SyncSummary {
     bool loggedIn = false;
     int rosterResult = 0;
     int customers = 0;
+    int unchanged = 0;  // customers not walked: nothing moved on either side since they agreed
     int tablesCompared = 0;
     int tablesDiffering = 0;
     int downloads = 0;
     int uploads = 0;
     int conflicts = 0;  // result 3 left unresolved (skipped or cancelled)
     int failures = 0;
-    int planned = 0;  // moves a dry run left undone
+    int planned = 0;       // moves a dry run left undone
+    int keptOnServer = 0;  // kinds the local side had no row to send for; the server kept its own
     bool serverAnswered = false;
     bool unreachable = false;  // the run stopped: the server answered nothing
     bool stopped = false;      // the run stopped: its time limit, or the transport gave up
     std::vector<Unsupported> unsupported;
+    // Tables no member of the component moves: told, never an outcome of the run.
+    std::vector<Unsupported> outside;
 };
 
 // 0: everything agreed or moved. 1: a failure or an unresolved conflict. 3: data that
@@ -125,6 +153,18 @@ private:
     bool RunRosterPlan(const RosterPlan& plan);
     void BackupTargets();
     std::vector<std::int32_t> CustomersToWalk();
+    // A backed-up table as the local databases hold it.
+    LocalTable TableOf(int index) const;
+    // True when the customer has no row of the kind that an upload would send.
+    bool NoLocalRows(const SyncKind& kind, std::int32_t custId);
+    // The snapshot's and the local fingerprint's word on a customer, folded.
+    SeenStamps CustomerStamps(std::int32_t id);
+    // True when the snapshot says every live kind agrees and neither side changed anything of
+    // the customer since the journal last saw it agree: it is not walked.
+    bool Unchanged(std::int32_t id);
+    // After a run that moved data: the roster compared once more, and the customers that
+    // settled recorded as agreeing when nobody else moved them meanwhile.
+    void RecordSettled();
     void Customer(std::int32_t id);
     // The data files of one kind named by the customer's records, each compared and moved.
     void Files(const SyncKind& kind, std::int32_t id, bool recordsSentUp);
@@ -134,12 +174,13 @@ private:
     // Moves one live kind the way its decision (or the user) says.
     // What was done (or planned): 1 a download, 2 an upload, 0 nothing.
     int Decide(const SyncKind& kind, int decision, const std::vector<Value>& args,
-               const std::string& label);
+               const std::string& label, std::int32_t custId = 0);
     // A member's call whose exchanges with the server are watched.
     struct Answer {
         Value value;
         bool failed = false;  // an exchange of the call failed: its result means nothing
         bool unanswered = false;
+        bool sent = false;  // a request went out
     };
     Answer Ask(std::string_view member, const std::vector<Value>& args);
     // 1 from the member and no failed exchange.
@@ -148,7 +189,8 @@ private:
     int Compare(const SyncKind& kind, std::int32_t custId, const std::vector<Value>& args);
     // After moves, every live kind of the scope compared again: what agrees now goes into
     // the journal.
-    void Settle(KindScope scope, std::int32_t custId, const std::vector<Value>& args);
+    // True when every kind agrees afterwards.
+    bool Settle(KindScope scope, std::int32_t custId, const std::vector<Value>& args);
     bool Stopped() const { return summary_.unreachable || summary_.stopped; }
     void Progress(std::size_t done, std::size_t total, std::int32_t id);
     bool Live(const SyncKind& kind) const;
@@ -160,9 +202,15 @@ private:
     SyncSummary summary_;
     std::filesystem::path dataDir_;  // where relative DataFile names lie: the database's folder
     std::string masterDb_;
-    std::string prefDb_;                  // prefcustom.dat beside the customer database
-    std::vector<std::string> rosterAdd_;  // local customers the server lacks
+    std::string prefDb_;                    // prefcustom.dat beside the customer database
+    std::vector<std::string> rosterAdd_;    // local customers the server lacks
+    std::set<std::int32_t> addedToServer_;  // customers this run added to the server
+    std::vector<LocalTable> localTables_;
+    std::map<std::int32_t, std::uint64_t> fingerprints_;
+    // Customers whose moves all settled, with the server's time when they did.
+    std::vector<std::pair<std::int32_t, DateValue>> settled_;
     SyncJournal journal_;
+    SeenStamps lastSeen_;  // what the last comparison saw
     int unansweredInARow_ = 0;
     struct Tally {
         int notCompared = 0;

@@ -55,6 +55,9 @@ int main(int argc, char** argv) {
     syncCmd->add_option("--prefer", prefer, "When both sides moved: ask, server, local or skip")
         ->check(CLI::IsMember({"ask", "server", "local", "skip"}));
     syncCmd->add_flag("--dry-run", sync.dryRun, "Compare only; move nothing");
+    syncCmd->add_flag("--full", sync.full,
+                      "Walk every customer, also those unchanged on both sides since they last "
+                      "agreed");
     syncCmd->add_flag("--verbose", sync.verbose, "Name every table that differs");
     syncCmd
         ->add_option("--stall-timeout", host.stallTimeout,

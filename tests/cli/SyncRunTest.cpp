@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <map>
 #include <memory>
@@ -21,12 +22,17 @@ namespace {
 
 class ScriptedComponent : public Component {
 public:
-    std::set<std::string, std::less<>> members{"CompareCustomerList", "SyncDownloadCustomerList",
+    std::set<std::string, std::less<>> members{"CompareCustomerList",
+                                               "SyncDownloadCustomerList",
                                                "GetUploadCustomerListIDs",
-                                               "CustmerBackupedTableSyncFlag", "ShowCompareMsg"};
-    std::map<std::string, std::vector<int>, std::less<>> results;  // consumed in order
-    std::map<std::string, std::string, std::less<>> texts;         // members giving a text
-    std::map<std::pair<int, int>, int> flags;                      // (customer, table)
+                                               "CustmerBackupedTableSyncFlag",
+                                               "ShowCompareMsg",
+                                               "CustmerRecordUpdateTable_Server",
+                                               "CustmerRecordUpdateTable_Local"};
+    std::map<std::string, std::vector<int>, std::less<>> results;          // consumed in order
+    std::map<std::string, std::string, std::less<>> texts;                 // members giving a text
+    std::map<std::pair<int, int>, int> flags;                              // (customer, table)
+    std::map<std::pair<int, int>, std::string> serverStamps, localStamps;  // the snapshot's
     std::vector<std::int32_t> local{1, 2};
     std::string add, del;
     int loginState = 1;
@@ -34,6 +40,8 @@ public:
     // Exchanges with the server: members whose calls the server refuses or never answers,
     // and whether the login from the settings asks the server.
     std::set<std::string, std::less<>> refused, unanswered;
+    // Members that answer 0 at once, sending nothing: a local read that found no row.
+    std::set<std::string, std::less<>> sendNothing;
     bool loginAsks = false;
     int loginStateAfterRefusal = 1;
     ExchangeCounts exchanges;
@@ -52,8 +60,8 @@ public:
         for (const Value& a : args) line += " " + a.ToText();
         calls.push_back(line);
         if (!Has(m)) return Value();
-        if (m.rfind("Show", 0) != 0 && m.rfind("Get", 0) != 0 &&
-            m != "CustmerBackupedTableSyncFlag")
+        if (sendNothing.count(m)) return Value(0);
+        if (m.rfind("Show", 0) != 0 && m.rfind("Get", 0) != 0 && m.rfind("Custmer", 0) != 0)
             ++exchanges.tried;
         if (unanswered.count(m)) {
             ++exchanges.unanswered;
@@ -73,6 +81,11 @@ public:
         if (m == "CustmerBackupedTableSyncFlag") {
             auto it = flags.find({NzLong(args[0]), NzLong(args[1])});
             return Value(it == flags.end() ? 0 : it->second);
+        }
+        if (m.rfind("CustmerRecordUpdateTable_", 0) == 0) {
+            const auto& stamps = m.back() == 'r' ? serverStamps : localStamps;
+            auto it = stamps.find({NzLong(args[0]), NzLong(args[1])});
+            return Value(it == stamps.end() ? std::string() : it->second);
         }
         if (auto t = texts.find(m); t != texts.end()) return Value(t->second);
         auto it = results.find(m);
@@ -118,6 +131,20 @@ public:
         auto it = forms.find({table, custId});
         return it == forms.end() ? std::vector<FormOwner>{} : it->second;
     }
+
+    // Per customer, its local fingerprint and how many rows a list upload would send.
+    std::map<std::int32_t, std::uint64_t> fingerprints;
+    std::map<std::pair<std::string, int>, int> liveRows;  // (table, customer); unscripted: 1
+    std::map<std::int32_t, std::uint64_t> LocalFingerprints(const std::vector<LocalTable>&,
+                                                            const std::filesystem::path&) override {
+        return fingerprints;
+    }
+    int LiveRows(const LocalTable& t, std::int32_t custId) override {
+        auto it = liveRows.find({t.table, custId});
+        return it == liveRows.end() ? 1 : it->second;
+    }
+    DateValue serverNow{46000.0};
+    DateValue ServerNow() override { return serverNow; }
 
     bool Called(const std::string& prefix) const {
         return std::any_of(calls.begin(), calls.end(),
@@ -746,11 +773,16 @@ TEST(SyncJournal, ASideWhoseStampChangedSinceTheLastAgreementHasMoved) {
     const Row rows[] = {
         {2, was, serverMoved, 3},  // the blind minute: an upload would overwrite the server
         {1, was, localMoved, 3},   // and the other way round
-        {0, was, serverMoved, 1},  {0, was, localMoved, 2},           {0, was, bothMoved, 3},
-        {0, was, was, 0},          {2, was, localMoved, 2},           {1, was, serverMoved, 1},
-        {3, was, was, 3},          {2, std::nullopt, serverMoved, 2},  // no agreement known: the
-                                                                       // stamps alone decide
-        {2, was, SeenStamps{}, 2},  // the comparison looked at no stamp
+        {0, was, serverMoved, 1},
+        {0, was, localMoved, 2},
+        {0, was, bothMoved, 3},
+        {0, was, was, 0},
+        {2, was, localMoved, 2},
+        {1, was, serverMoved, 1},
+        {3, was, was, 3},
+        {2, std::nullopt, serverMoved, 2},  // no agreement known: the
+                                            // stamps alone decide
+        {2, was, SeenStamps{}, 2},          // the comparison looked at no stamp
     };
     for (const Row& r : rows)
         EXPECT_EQ(WithJournal(r.decision, r.agreed, r.seen), r.expected)
@@ -804,6 +836,7 @@ TEST(SyncRun, AServerThatMovedWithinAMinuteOfTheLastAgreementIsAskedAbout) {
         c->results["CompareCustomerMemoList"] = {2, 0};  // then agreement after a move
         c->results["ShowCompareMsg"] = {dialog};
         c->stamps["CompareCustomerMemoList"] = {{6, 10}};
+        c->serverStamps[{1, 3}] = "6";  // the roster shows the other office's stamp
         Outcome o = RunWith(*c, prefer, dryRun, false, journal);
         return std::pair{std::move(c), o};
     };
@@ -834,9 +867,123 @@ TEST(SyncRun, AServerThatMovedWithinAMinuteOfTheLastAgreementIsAskedAbout) {
     // The download above settled on the stamps its second comparison saw.
     auto third = office();
     third->stamps["CompareCustomerMemoList"] = {{6, 10}};
+    third->serverStamps[{1, 3}] = "6";
     const Outcome o = RunWith(*third, Prefer::Ask, false, false, journal);
     EXPECT_FALSE(third->Called("ShowCompareMsg")) << o.out;
     EXPECT_EQ(o.summary.downloads + o.summary.uploads, 0) << o.out;
+}
+
+}  // namespace
+}  // namespace morvane::cli
+
+namespace morvane::cli {
+namespace {
+
+std::unique_ptr<ScriptedComponent> MemoOffice() {
+    auto c = std::make_unique<ScriptedComponent>();
+    c->local = {1};
+    c->members.insert({"LockCoustomer", "UnlockCoustomer"});
+    c->Live("CustomerMemoList");
+    c->serverStamps[{1, 3}] = "2026/11/01 10:00:00";
+    c->localStamps[{1, 3}] = "2026-10-30 09:00:00";
+    c->fingerprints = {{1, 77}};
+    return c;
+}
+
+TEST(SyncRun, ACustomerUnchangedOnBothSidesSinceItAgreedIsNotWalked) {
+    test::TempDir dir;
+    const auto journal = dir.Path() / "journal";
+    auto first = MemoOffice();
+    first->stamps["CompareCustomerMemoList"] = {{5, 9}};
+    EXPECT_EQ(RunWith(*first, Prefer::Ask, false, false, journal).summary.failures, 0);
+    ASSERT_TRUE(first->Called("CompareCustomerMemoList"));
+
+    auto again = MemoOffice();
+    const Outcome o = RunWith(*again, Prefer::Ask, false, false, journal);
+    EXPECT_EQ(o.summary.unchanged, 1) << o.out;
+    EXPECT_FALSE(again->Called("LockCoustomer")) << "no request for a customer that agrees";
+    EXPECT_FALSE(again->Called("CompareCustomerMemoList"));
+
+    // Anything that moved on either side brings the walk back.
+    const std::vector<std::pair<const char*, std::function<void(ScriptedComponent&)>>> moves{
+        {"the server's stamp",
+         [](ScriptedComponent& c) {
+             c.serverStamps[{1, 3}] += "x";
+         }},
+        {"the local stamp",
+         [](ScriptedComponent& c) {
+             c.localStamps[{1, 3}] = "2026-11-24";
+         }},
+        {"a row deleted, hidden or a file replaced",
+         [](ScriptedComponent& c) { c.fingerprints[1] = 78; }},
+        {"a row of no customer", [](ScriptedComponent& c) { c.fingerprints[0] = 1; }},
+        {"the snapshot's flag",
+         [](ScriptedComponent& c) {
+             c.flags[{1, 3}] = 1;
+         }},
+    };
+    for (const auto& [what, move] : moves) {
+        auto c = MemoOffice();
+        move(*c);
+        const Outcome moved = RunWith(*c, Prefer::Skip, true, false, journal);
+        EXPECT_TRUE(c->Called("CompareCustomerMemoList")) << what;
+        EXPECT_EQ(moved.summary.unchanged, 0) << what;
+    }
+    auto full = MemoOffice();
+    std::ostringstream out, err;
+    SyncOptions options;
+    options.localDb = "/data/Customer.dat";
+    options.journal = journal;
+    options.full = true;
+    SyncRun(*full, options, out, err).Run();
+    EXPECT_TRUE(full->Called("CompareCustomerMemoList")) << "--full walks every customer";
+}
+
+TEST(SyncRun, AKindWithNoLocalRowToSendLeavesTheServersCopyAndSettles) {
+    test::TempDir dir;
+    const auto journal = dir.Path() / "journal";
+    const auto office = [] {
+        auto c = MemoOffice();
+        c->results["CompareCustomerMemoList"] = {2, 2};
+        c->stamps["CompareCustomerMemoList"] = {{5, 9}};
+        c->sendNothing.insert("SyncUploadCustomerMemoList");
+        c->liveRows[{"tCustomerHistory", 1}] = 0;  // every row deleted or hidden here
+        return c;
+    };
+    auto first = office();
+    Outcome o = RunWith(*first, Prefer::Ask, false, false, journal);
+    EXPECT_TRUE(first->Called("SyncUploadCustomerMemoList"));
+    EXPECT_EQ(o.summary.keptOnServer, 1) << o.out;
+    EXPECT_EQ(o.summary.failures + o.summary.conflicts, 0);
+    EXPECT_TRUE(Says(o, "customer 1 memos: no local row to send")) << o.out;
+    EXPECT_TRUE(Says(o, "the server keeps its copy")) << o.out;
+
+    // Nothing moved since: no second attempt, still told, still settled.
+    auto second = office();
+    o = RunWith(*second, Prefer::Ask, false, false, journal);
+    EXPECT_FALSE(second->Called("SyncUploadCustomerMemoList")) << o.out;
+    EXPECT_EQ(o.summary.keptOnServer + o.summary.unchanged, 1) << o.out;
+    EXPECT_EQ(o.summary.failures + o.summary.conflicts, 0);
+
+    // An upload that failed while rows exist stays a failure.
+    auto failing = office();
+    failing->liveRows.clear();
+    o = RunWith(*failing, Prefer::Ask, false, false, {});
+    EXPECT_EQ(o.summary.failures, 1) << o.out;
+    EXPECT_EQ(o.summary.keptOnServer, 0);
+}
+
+TEST(SyncRun, ACustomerJustAddedToTheServerGoesUpWholeAndStampsOnlyTablesAreNoOutcome) {
+    auto c = MemoOffice();
+    c->members.insert({"SyncUploadAddCustomer", "SyncUploadDelCustomer"});
+    c->results["CompareCustomerList"] = {3, 0};
+    c->add = "1";
+    c->flags[{1, 10}] = 2;  // a prefecture table no member moves
+    const Outcome o = RunWith(*c, Prefer::Server);
+    EXPECT_TRUE(c->Called("SyncUploadAddCustomer")) << o.out;
+    EXPECT_TRUE(c->Called("SyncUploadCustomerMemoList")) << "the server held only the roster's";
+    EXPECT_TRUE(Says(o, "not backed up by this component")) << o.out;
+    EXPECT_FALSE(Reported(o.summary, "prefecture forms (stamps only)"));
 }
 
 }  // namespace
