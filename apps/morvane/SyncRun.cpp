@@ -759,7 +759,20 @@ void SyncRun::Masters() {
         else
             tally_[k.name].notCompared++;
     }
-    if (!live.empty()) {
+    const std::vector<Value> args{Value(masterDb_)};
+    // Compared first without the lock: masters that agree, as on most days, need none.
+    std::vector<std::pair<const SyncKind*, int>> differing;
+    for (const SyncKind* k : live) {
+        const int decision = Compare(*k, 0, args);
+        if (decision < 0) {
+            ++summary_.failures;
+            out_ << k->name << ": the comparison failed\n";
+            if (Stopped()) break;
+            continue;
+        }
+        if (decision != 0) differing.push_back({k, decision});
+    }
+    if (!differing.empty() && !Stopped()) {
         const int movedBefore = summary_.downloads + summary_.uploads;
         bool locked = false;
         if (!options_.dryRun) {
@@ -772,22 +785,23 @@ void SyncRun::Masters() {
                 out_ << "masters: lock refused\n";
             }
         }
-        for (const SyncKind* k : live) {
-            const int decision = Compare(*k, 0, {Value(masterDb_)});
+        for (auto [k, decision] : differing) {
+            if (!options_.dryRun && !locked) {
+                tally_[k->name].differ[decision]++;
+                continue;
+            }
+            // Under the lock once more: another office may have moved it meanwhile.
+            if (locked) decision = Compare(*k, 0, args);
             if (decision < 0) {
                 ++summary_.failures;
                 out_ << k->name << ": the comparison failed\n";
                 if (Stopped()) break;
                 continue;
             }
-            if (decision != 0 && !options_.dryRun && !locked) {
-                tally_[k->name].differ[decision]++;
-                continue;
-            }
-            Decide(*k, decision, {Value(masterDb_)}, k->name);
+            Decide(*k, decision, args, k->name);
         }
         if (locked && summary_.downloads + summary_.uploads > movedBefore)
-            Settle(KindScope::Master, 0, {Value(masterDb_)});
+            Settle(KindScope::Master, 0, args);
         if (locked && !CallOk("UnlockMasterData", {Value(1)})) ++summary_.failures;
     }
     // The kinds no worker moves yet, in the table's order.

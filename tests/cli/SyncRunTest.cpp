@@ -507,7 +507,7 @@ TEST(SyncRun, AFailedMoveCountsAsAFailure) {
     EXPECT_EQ(ExitCode(o.summary), 1);
 }
 
-TEST(SyncRun, LiveMastersAreComparedOnTheMasterFileUnderTheMasterLock) {
+TEST(SyncRun, LiveMastersMoveUnderTheMasterLockAndTakeNoneWhenTheyAgree) {
     ScriptedComponent c;
     c.local = {};
     c.Live("MasterYakushoku");
@@ -520,6 +520,14 @@ TEST(SyncRun, LiveMastersAreComparedOnTheMasterFileUnderTheMasterLock) {
     EXPECT_EQ(o.summary.downloads, 1);
     EXPECT_FALSE(Reported(o.summary, "post master"));
     EXPECT_NE(o.out.find("minister master: not compared"), std::string::npos);
+
+    ScriptedComponent agreeing;
+    agreeing.local = {};
+    agreeing.Live("MasterYakushoku");
+    agreeing.members.insert({"LockMasterData", "UnlockMasterData"});
+    RunWith(agreeing);
+    EXPECT_TRUE(agreeing.Called("CompareMasterYakushoku"));
+    EXPECT_FALSE(agreeing.Called("LockMasterData"));
 }
 
 TEST(SyncRun, DataFilesNamedByTheRecordsAreComparedAndMovedAndCheckedAfterwards) {
