@@ -12,6 +12,7 @@
 #include "session/mdlLoginInfo.h"
 #include "session/mdlRegConstMorvane.h"
 #include "session/mdlRegControlMorvane.h"
+#include "store/BackupTableIndex.h"
 #include "store/LocalDatabases.h"
 #include "util/Nz.h"
 
@@ -99,9 +100,11 @@ std::vector<std::string> ObjectComponent::DataFiles(const std::string& localDb,
     try {
         dao::Workspace ws("", "");
         dao::Database& db = ws.OpenDatabase(localDb);
+        // Rows hidden from synchronisation take no part in it, nor do their files.
         auto rs = db.OpenRecordset(
             "SELECT DataFile FROM [" + table +
-            "] WHERE disabled = 0 AND CustomerID = " + std::to_string(custId) + " ORDER BY id");
+            "] WHERE disabled = 0 AND CustomerID = " + std::to_string(custId) +
+            (table == "tCustomerKyokaHistory" ? " AND Ver511HideFlag = 0" : "") + " ORDER BY id");
         for (; !rs->Eof(); rs->MoveNext()) {
             std::string name = NzString((*rs)["DataFile"]);
             if (!name.empty()) names.push_back(std::move(name));
@@ -189,13 +192,13 @@ std::map<std::int32_t, std::uint64_t> ObjectComponent::LocalFingerprints(
 }
 
 int ObjectComponent::LiveRows(const LocalTable& t, std::int32_t custId) {
+    if (t.index < 0) return -1;
     try {
         dao::Workspace ws("", "");
         dao::Database& db = ws.OpenDatabase(t.db);
-        auto rs = db.OpenRecordset("SELECT COUNT(*) AS n FROM [" + t.table + "] WHERE [" + t.key +
-                                   "] = " + std::to_string(custId) + " AND disabled = 0" +
-                                   (t.hideFlag ? " AND Ver511HideFlag = 0" : ""));
-        return rs->Eof() ? 0 : NzLong((*rs)["n"]);
+        // The snapshot's own statement: a row when the customer has rows that count.
+        auto rs = db.OpenRecordset(BackupTableStatement(t.index, custId));
+        return rs->Eof() ? 0 : 1;
     } catch (const std::exception&) {
         return -1;  // unknown: never taken for "nothing to send"
     }

@@ -179,9 +179,12 @@ bool SyncRun::Settle(KindScope scope, std::int32_t custId, const std::vector<Val
 }
 
 LocalTable SyncRun::TableOf(int index) const {
-    return {index < 10 ? options_.localDb : prefDb_,
+    return {index,
+            index < 10 ? options_.localDb : prefDb_,
             std::string(BackupTables()[static_cast<std::size_t>(index)].name),
-            index == 0 ? "id" : "CustomerID", index == 5, false};
+            index == 0 ? "id" : "CustomerID",
+            index == 5,
+            false};
 }
 
 bool SyncRun::NoLocalRows(const SyncKind& kind, std::int32_t custId) {
@@ -283,7 +286,8 @@ SyncSummary SyncRun::Run() {
         if (!CustomerKind(kind) || !Live(kind)) continue;
         for (int t : kind.tables) localTables_.push_back(TableOf(t));
         if (kind.scope == KindScope::CustomerFile)
-            localTables_.push_back({options_.localDb, kind.fileTable, "CustomerID", false, true});
+            localTables_.push_back(
+                {-1, options_.localDb, kind.fileTable, "CustomerID", false, true});
     }
     fingerprints_.clear();
     settled_.clear();

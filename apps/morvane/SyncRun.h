@@ -42,6 +42,7 @@ struct ExchangeCounts {
 
 // A table of the local databases whose rows the host folds into a customer's fingerprint.
 struct LocalTable {
+    int index = -1;  // its backed-up table number
     std::string db;  // the database file
     std::string table;
     std::string key;        // the column holding the customer number
@@ -80,7 +81,8 @@ public:
     // anything of the customer. Customer 0 holds rows that belong to no customer.
     virtual std::map<std::int32_t, std::uint64_t> LocalFingerprints(
         const std::vector<LocalTable>& tables, const std::filesystem::path& filesDir) = 0;
-    // The customer's rows of the table that a list upload would send: live and not hidden.
+    // Whether the customer has rows of the table that count (live, not hidden, not a blank
+    // grid row): 1 or 0, -1 when unknown.
     virtual int LiveRows(const LocalTable& table, std::int32_t custId) = 0;
     // The server's clock now, as far as the measured offset tells.
     virtual DateValue ServerNow() = 0;
