@@ -39,6 +39,9 @@ DOWNLOAD_FILLS = {"tCustomerEigyosyo": {"No"},
                   "tCustomerMeibo": {"SenninGyosyuN", "SenninGyosyu", "SenninSikakuCode"},
                   "tCustomerKessanHistory": {"RecDate", "CheckOther", "OtherDate1", "OtherDate2",
                                              "RegDate", "UpdateDate"}}
+# The records that name data files, and whether they can be hidden from synchronisation.
+FILE_TABLES = {"tCustomerKessanHistory": False, "tCustomerKyokaHistory": True,
+               "tCustomerOtherFile": False}
 # Tables that go both ways; the others of prefcustom.dat only go up (the machinery list) or are
 # compared by their stamps alone, so B never holds them.
 BOTH_WAYS_FORMS = {"t99_ININ_MAIN", "t99_ININ_SUB"}
@@ -231,11 +234,23 @@ def OfficeContent(data: Path):
                     "\t".join(c + "=" + Plain(v) for c, v in zip(keep, row)) for row in rows)
         finally:
             db.close()
+    # The files that live, visible records name: a hidden record's file is no more backed up
+    # than the record.
+    named = set()
+    db = sqlite3.connect("file:%s?mode=ro" % (data / "Customer.dat"), uri=True)
+    try:
+        for table, hide in FILE_TABLES.items():
+            named.update(name for (name,) in db.execute(
+                "SELECT DataFile FROM [%s] WHERE disabled = 0%s" %
+                (table, " AND Ver511HideFlag = 0" if hide else "")) if name)
+    finally:
+        db.close()
     files = {}
     root = data / "files"
     for path in sorted(root.rglob("*")) if root.exists() else []:
-        if path.is_file():
-            files[str(path.relative_to(data))] = Digest(path)
+        name = str(path.relative_to(data))
+        if path.is_file() and name in named:
+            files[name] = Digest(path)
     return tables, files
 
 
