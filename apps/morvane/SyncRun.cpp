@@ -661,6 +661,7 @@ void SyncRun::Customer(std::int32_t id) {
 }
 
 void SyncRun::Files(const SyncKind& kind, std::int32_t id, bool recordsSentUp) {
+    bool sentAlone = false;
     for (const std::string& name : c_.DataFiles(options_.localDb, kind.fileTable, id)) {
         const std::filesystem::path named(name);
         const std::string path = (named.is_absolute() ? named : dataDir_ / named).string();
@@ -693,12 +694,20 @@ void SyncRun::Files(const SyncKind& kind, std::int32_t id, bool recordsSentUp) {
             }()) {
             ++(down ? summary_.downloads : summary_.uploads);
             out_ << label << ": " << (down ? "downloaded" : "uploaded") << '\n';
+            sentAlone = sentAlone || (!down && !recordsSentUp);
         } else {
             ++summary_.failures;
             out_ << label << ": the " << (down ? "download" : "upload")
                  << " did not leave both copies the same\n";
         }
     }
+    // A file carries no stamp of its own on the server: its records go up again, so that
+    // their new server stamp shows the other offices that the customer moved.
+    if (!sentAlone || Stopped()) return;
+    for (const SyncKind& records : SyncKinds())
+        if (records.name == kind.records && Live(records))
+            Decide(records, 2, {Value(options_.localDb), Value(id)},
+                   "customer " + std::to_string(id) + " " + records.name, id);
 }
 
 int SyncRun::Decide(const SyncKind& kind, int decision, const std::vector<Value>& args,

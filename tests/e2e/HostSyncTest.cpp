@@ -3,7 +3,12 @@
 // edit made within a minute of the other office's download.
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <functional>
+
 #include "HostOfficesTest.h"
+#include "platform/Dao.h"
+#include "util/Nz.h"
 
 namespace morvane::test {
 namespace {
@@ -169,6 +174,90 @@ INSTANTIATE_TEST_SUITE_P(ServerClockOff, ClockSkewTest,
                              return std::string(s < 0 ? "minus" : "plus") +
                                     std::to_string(s < 0 ? -s : s) + "s";
                          });
+
+}  // namespace
+}  // namespace morvane::test
+
+namespace morvane::test {
+namespace {
+
+TEST_F(HostSyncTest, UnchangedCustomersAreNotWalkedYetAnEditOnEitherSideIsStillFound) {
+    MakeOffice("a", Generated(2));
+    ASSERT_TRUE(Login("a"));
+    ExpectClean(Sync("a"));
+    Advance(2min);
+    MakeOffice("b", FreshHost());
+    ASSERT_TRUE(Login("b"));
+    ExpectClean(Sync("b"));
+    Advance(2min);
+    for (const char* office : {"a", "b", "a"}) {
+        const SyncSummary quiet = Sync(office);
+        ExpectClean(quiet);
+        EXPECT_EQ(quiet.unchanged, 2) << office << " walked a customer that agrees\n" << out_;
+        EXPECT_EQ(Moves(quiet), 0) << out_;
+    }
+    const auto execute = [&](const std::string& office, const std::string& sql) {
+        dao::Workspace ws("", "");
+        ws.OpenDatabase(Db(office).string()).Execute(sql);
+    };
+    const auto firstFile = [&](const std::string& office) {
+        dao::Workspace ws("", "");
+        auto rs = ws.OpenDatabase(Db(office).string())
+                      .OpenRecordset(
+                          "SELECT DataFile FROM tCustomerKessanHistory WHERE disabled = 0 AND "
+                          "CustomerID = 1 AND DataFile <> '' ORDER BY id");
+        return rs->Eof() ? std::filesystem::path()
+                         : Db(office).parent_path() / NzString((*rs)["DataFile"]);
+    };
+    struct Change {
+        const char* what;
+        const char* office;  // where it is made; the other office runs next
+        std::function<void()> make;
+        const char* here;   // what the office's run says
+        const char* there;  // what the other office's run then says; empty: nothing
+    };
+    const std::vector<Change> changes{
+        {"a memo edited", "a", [&] { EditMemos("a", 1, "edited by a"); },
+         "customer 1 memos: uploaded", "customer 1 memos: downloaded"},
+        {"a memo edited on the other side", "b", [&] { EditMemos("b", 2, "edited by b"); },
+         "customer 2 memos: uploaded", "customer 2 memos: downloaded"},
+        {"a data file replaced outside the program", "a",
+         [&] {
+             const auto file = firstFile("a");
+             ASSERT_FALSE(file.empty());
+             std::ofstream(file, std::ios::binary | std::ios::trunc) << "a new version";
+         },
+         "customer 1 file", "customer 1 file"},
+    };
+    for (const Change& change : changes) {
+        SCOPED_TRACE(change.what);
+        change.make();
+        const std::string other = std::string(change.office) == "a" ? "b" : "a";
+        const SyncSummary here = Sync(change.office);
+        ExpectClean(here);
+        EXPECT_EQ(here.unchanged, 1) << out_;
+        if (*change.here) EXPECT_NE(out_.find(change.here), std::string::npos) << out_;
+        Advance(2min);
+        const SyncSummary there = Sync(other);
+        ExpectClean(there);
+        if (*change.there) {
+            EXPECT_NE(out_.find(change.there), std::string::npos) << out_;
+            EXPECT_EQ(there.unchanged, 1) << out_;
+        }
+        Advance(2min);
+        for (const std::string& office : {std::string(change.office), other})
+            EXPECT_EQ(Moves(Sync(office)), 0) << out_;
+    }
+    EXPECT_EQ(Memos("a", 1), Memos("b", 1));
+    EXPECT_NE(Memos("a", 2).find("edited by b"), std::string::npos);
+
+    // A row deleted without a stamp is no move by the stamps, yet its customer is compared.
+    execute("a",
+            "UPDATE tCustomerHistory SET disabled = 1 WHERE id = (SELECT MIN(id) FROM "
+            "tCustomerHistory WHERE disabled = 0 AND CustomerID = 2)");
+    EXPECT_EQ(Sync("a", Prefer::Skip, true).unchanged, 1) << out_;
+    EXPECT_NE(out_.find("customer 2 memos"), std::string::npos) << out_;
+}
 
 }  // namespace
 }  // namespace morvane::test
