@@ -677,8 +677,10 @@ void SyncRun::Files(const SyncKind& kind, std::int32_t id, bool recordsSentUp) {
         }
         int decision = NzLong(compared.value);
         // The comparison cannot tell a file the server lacks from one it holds the same: files
-        // of records just sent go up with them.
-        if (decision == 0 && recordsSentUp) decision = 2;
+        // of records just sent go up with them, those that are here.
+        std::error_code ec;
+        if (decision == 0 && recordsSentUp && std::filesystem::is_regular_file(path, ec))
+            decision = 2;
         if (decision != 1 && decision != 2) continue;
         const std::string label = "customer " + std::to_string(id) + " file " + name;
         const bool down = decision == 1;

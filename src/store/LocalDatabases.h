@@ -38,7 +38,7 @@ struct SampleDataOptions {
     // otherwise the grid has rowsPerTable rows like any other table.
     bool tradeGrid = false;
     // Every live settlement, permit and other record names a small data file, written beside
-    // the databases under files/<customer>/.
+    // the databases under files/<customer>/, but for one record in 17, whose file is missing.
     bool dataFiles = false;
 };
 

@@ -558,21 +558,25 @@ TEST(SyncRun, DataFilesNamedByTheRecordsAreComparedAndMovedAndCheckedAfterwards)
 
 TEST(SyncRun, FilesOfRecordsJustSentGoUpEvenWhenTheComparisonSeesNoDifference) {
     // The server answers a file it does not hold as it answers one it holds the same.
-    const auto run = [](int records) {
+    test::TempDir dir;
+    const std::string here = (dir.Path() / "a.pdf").string();
+    std::ofstream(here) << "bytes";
+    const auto run = [&](int records, const std::string& file) {
         auto c = std::make_unique<ScriptedComponent>();
         c->local = {1};
         c->Live("CustomerKessanList");
         c->Live("CustomerKessanFile");
         c->members.insert({"LockCoustomer", "UnlockCoustomer"});
-        c->files[{"tCustomerKessanHistory", 1}] = {"files/1/a.pdf"};
+        c->files[{"tCustomerKessanHistory", 1}] = {file};
         c->results["CompareCustomerKessanList"] = {records};
         c->results["CompareCustomerKessanFile"] = {0};
         RunWith(*c);
-        return c->Called("SyncUploadCustomerKessanFile 1 /data/files/1/a.pdf");
+        return c->Called("SyncUploadCustomerKessanFile 1 " + file);
     };
-    EXPECT_TRUE(run(2)) << "the records went up";
-    EXPECT_FALSE(run(0)) << "the records agreed";
-    EXPECT_FALSE(run(1)) << "the records came down";
+    EXPECT_TRUE(run(2, here)) << "the records went up";
+    EXPECT_FALSE(run(0, here)) << "the records agreed";
+    EXPECT_FALSE(run(1, here)) << "the records came down";
+    EXPECT_FALSE(run(2, (dir.Path() / "gone.pdf").string())) << "a file named but not here";
 }
 
 TEST(SyncRun, DelegationRecordsMoveForCustomersHoldingTheFormOnEitherSide) {

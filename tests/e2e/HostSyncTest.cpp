@@ -236,7 +236,9 @@ TEST_F(HostSyncTest, UnchangedCustomersAreNotWalkedYetAnEditOnEitherSideIsStillF
         const SyncSummary here = Sync(change.office);
         ExpectClean(here);
         EXPECT_EQ(here.unchanged, 1) << out_;
-        if (*change.here) EXPECT_NE(out_.find(change.here), std::string::npos) << out_;
+        if (*change.here) {
+            EXPECT_NE(out_.find(change.here), std::string::npos) << out_;
+        }
         Advance(2min);
         const SyncSummary there = Sync(other);
         ExpectClean(there);
