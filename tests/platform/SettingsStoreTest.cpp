@@ -7,6 +7,7 @@
 
 #include <fstream>
 
+#include "platform/AtomicFile.h"
 #include "platform/SettingsStore.h"
 #include "support/TempDir.h"
 
@@ -48,6 +49,55 @@ TEST(SettingsStoreTest, SecondInstanceSeesEveryWriteAtOnce) {
     EXPECT_EQ(second.Read(kKey, "Param2"), "TOKEN-1");
     ASSERT_TRUE(second.Write(kKey, "Param2", "TOKEN-2"));
     EXPECT_EQ(first.Read(kKey, "Param2"), "TOKEN-2");
+}
+
+struct stat StatOf(const std::filesystem::path& file) {
+    struct stat st {};
+    EXPECT_EQ(::stat(file.c_str(), &st), 0) << file;
+    return st;
+}
+
+TEST(SettingsStoreTest, UnchangedValueWritesNothing) {
+    TempDir dir;
+    SettingsStore store(dir.Path());
+    ASSERT_TRUE(store.Write(kKey, "ServerName", "backup.example.jp"));
+    ASSERT_TRUE(store.Write(kKey, "Param2", "T1", SettingsStore::Durability::Replaceable));
+    const struct stat before = StatOf(store.FileFor(kKey));
+    EXPECT_TRUE(store.Write(kKey, "ServerName", "backup.example.jp"));
+    EXPECT_TRUE(store.Write(kKey, "Param2", "T1", SettingsStore::Durability::Replaceable));
+    // Unchanged in another store's eyes too: it never wrote, so its first look decides.
+    EXPECT_TRUE(SettingsStore(dir.Path()).Write(kKey, "Param2", "T1"));
+    const struct stat after = StatOf(store.FileFor(kKey));
+    EXPECT_EQ(after.st_ino, before.st_ino);
+    EXPECT_EQ(after.st_mtim.tv_nsec, before.st_mtim.tv_nsec);
+    EXPECT_EQ(store.Counts().writes, 2u);
+    EXPECT_EQ(store.Counts().syncs, 1u);
+}
+
+// Tokens of one length written back to back, many within one tick of the file system's clock:
+// a store that reads only what changed must still see each of them, and no torn file.
+TEST(SettingsStoreTest, SecondStoreSeesEveryTokenAndParsesOnlyChanges) {
+    TempDir dir;
+    SettingsStore writer(dir.Path());
+    SettingsStore reader(dir.Path());
+    ASSERT_TRUE(writer.Write(kKey, "ServerName", "backup.example.jp"));
+    ASSERT_EQ(reader.Read(kKey, "ServerName"), "backup.example.jp");
+    constexpr int kTokens = 300;
+    for (int i = 0; i < kTokens; ++i) {
+        const std::string token = "TOKEN-" + std::to_string(1000 + i);
+        ASSERT_TRUE(writer.Write(kKey, "Param2", token, SettingsStore::Durability::Replaceable));
+        ASSERT_EQ(reader.Read(kKey, "Param2"), token);
+        ASSERT_EQ(reader.Read(kKey, "ServerName"), "backup.example.jp");
+    }
+    EXPECT_EQ(reader.Counts().parses, 1u + kTokens);
+    EXPECT_EQ(writer.Counts().parses, 0u);  // its own writes are never read back
+    EXPECT_EQ(writer.Counts().writes, 1u + kTokens);
+    EXPECT_EQ(writer.Counts().syncs, 1u);
+    EXPECT_EQ(StatOf(writer.FileFor(kKey)).st_mode & 0777, 0600u);
+    EXPECT_TRUE(platform::LeftoverVersions(writer.FileFor(kKey)).empty());
+    // The reader's own write starts from the writer's last token, not from its old copy.
+    ASSERT_TRUE(reader.Write(kKey, "UserID", "u1"));
+    EXPECT_EQ(writer.Read(kKey, "Param2"), "TOKEN-" + std::to_string(999 + kTokens));
 }
 
 TEST(SettingsStoreTest, ConcurrentProcessesLoseNoValue) {
