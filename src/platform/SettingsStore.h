@@ -1,5 +1,5 @@
-// The per-user settings key: one text file per key under the user's configuration folder,
-// every value a text, shared between processes (the running token lives here).
+// The per-user settings key: text files under the user's configuration folder, every value a
+// text, shared between processes (the running token lives here).
 #pragma once
 
 #include <sys/types.h>
@@ -31,8 +31,11 @@ struct SettingsStoreCounts {
 
 class SettingsStore {
 public:
-    // Synced: flushed to disk before it replaces the old file. Replaceable: a value that the
-    // next run can do without (the running token), renamed into place unflushed.
+    // Synced: in the key's file, replaced whole and flushed to disk. Replaceable: a value the
+    // next run can do without and that changes often (the running token), in the key's run
+    // file beside it, overwritten in place and never flushed: a power cut can cost it, but
+    // never the synced values. A torn or half-written run file fails its checksum and is read
+    // again under the lock, or counts as empty.
     enum class Durability { Synced, Replaceable };
 
     // root is the configuration folder ($XDG_CONFIG_HOME or ~/.config by default).
@@ -50,12 +53,15 @@ public:
     std::map<std::string, std::string> ReadAll(const SettingsKey& key) const;
 
     std::filesystem::path FileFor(const SettingsKey& key) const;
+    // Beside it: the replaceable values, which stand for the same names in FileFor.
+    std::filesystem::path RunFileFor(const SettingsKey& key) const;
     const std::filesystem::path& Root() const { return root_; }
     const SettingsStoreCounts& Counts() const { return counts_; }
 
 private:
-    // Which version of a file was parsed. Every write renames a new inode into place with a
-    // modification time past the old one's, so a reused inode number is still told apart.
+    // Which version of a file was parsed. Every write gives the file a modification time past
+    // the old one's, so that a rewrite of the same size within one tick of the file system's
+    // clock, or a reused inode number, is still told apart.
     struct FileStamp {
         dev_t device = 0;
         ino_t inode = 0;
@@ -70,7 +76,18 @@ private:
         std::optional<FileStamp> stamp;
         std::map<std::string, std::string> values;
     };
-    const ParsedFile& Current(const std::filesystem::path& file) const;
+    struct KeyFiles {
+        std::filesystem::path conf, run, lock;
+    };
+    KeyFiles FilesFor(const SettingsKey& key) const;
+    // The file's values, parsed again only when it changed. checked: a run file; when it is
+    // caught half written, it is read again under `lock` (null: the caller holds it).
+    const ParsedFile& Current(const std::filesystem::path& file, bool checked = false,
+                              const std::filesystem::path* lock = nullptr) const;
+    std::optional<std::string> Lookup(const KeyFiles& files, std::string_view name,
+                                      bool locked) const;
+    void Remember(const std::filesystem::path& file,
+                  std::map<std::string, std::string> values) const;
 
     std::filesystem::path root_;
     mutable std::map<std::filesystem::path, ParsedFile> parsed_;

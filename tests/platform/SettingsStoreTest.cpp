@@ -6,6 +6,10 @@
 #include <unistd.h>
 
 #include <fstream>
+#include <iterator>
+#include <map>
+#include <optional>
+#include <vector>
 
 #include "platform/AtomicFile.h"
 #include "platform/SettingsStore.h"
@@ -62,14 +66,18 @@ TEST(SettingsStoreTest, UnchangedValueWritesNothing) {
     SettingsStore store(dir.Path());
     ASSERT_TRUE(store.Write(kKey, "ServerName", "backup.example.jp"));
     ASSERT_TRUE(store.Write(kKey, "Param2", "T1", SettingsStore::Durability::Replaceable));
-    const struct stat before = StatOf(store.FileFor(kKey));
+    const std::vector<std::filesystem::path> files{store.FileFor(kKey), store.RunFileFor(kKey)};
+    std::vector<struct stat> before;
+    for (const auto& f : files) before.push_back(StatOf(f));
     EXPECT_TRUE(store.Write(kKey, "ServerName", "backup.example.jp"));
     EXPECT_TRUE(store.Write(kKey, "Param2", "T1", SettingsStore::Durability::Replaceable));
     // Unchanged in another store's eyes too: it never wrote, so its first look decides.
     EXPECT_TRUE(SettingsStore(dir.Path()).Write(kKey, "Param2", "T1"));
-    const struct stat after = StatOf(store.FileFor(kKey));
-    EXPECT_EQ(after.st_ino, before.st_ino);
-    EXPECT_EQ(after.st_mtim.tv_nsec, before.st_mtim.tv_nsec);
+    for (size_t i = 0; i < files.size(); ++i) {
+        const struct stat after = StatOf(files[i]);
+        EXPECT_EQ(after.st_ino, before[i].st_ino) << files[i];
+        EXPECT_EQ(after.st_mtim.tv_nsec, before[i].st_mtim.tv_nsec) << files[i];
+    }
     EXPECT_EQ(store.Counts().writes, 2u);
     EXPECT_EQ(store.Counts().syncs, 1u);
 }
@@ -94,10 +102,54 @@ TEST(SettingsStoreTest, SecondStoreSeesEveryTokenAndParsesOnlyChanges) {
     EXPECT_EQ(writer.Counts().writes, 1u + kTokens);
     EXPECT_EQ(writer.Counts().syncs, 1u);
     EXPECT_EQ(StatOf(writer.FileFor(kKey)).st_mode & 0777, 0600u);
+    EXPECT_EQ(StatOf(writer.RunFileFor(kKey)).st_mode & 0777, 0600u);
     EXPECT_TRUE(platform::LeftoverVersions(writer.FileFor(kKey)).empty());
-    // The reader's own write starts from the writer's last token, not from its old copy.
-    ASSERT_TRUE(reader.Write(kKey, "UserID", "u1"));
-    EXPECT_EQ(writer.Read(kKey, "Param2"), "TOKEN-" + std::to_string(999 + kTokens));
+    // A synced write of the name takes its place in the key's file.
+    ASSERT_TRUE(reader.Write(kKey, "Param2", ""));
+    EXPECT_EQ(writer.Read(kKey, "Param2"), "");
+    EXPECT_EQ(writer.ReadAll(kKey), (std::map<std::string, std::string>{
+                                        {"Param2", ""}, {"ServerName", "backup.example.jp"}}));
+}
+
+// A run file caught by a power cut, or by hand, half written: the token is lost, never the
+// synced values, and the tail of an older, longer version after a whole one does no harm.
+TEST(SettingsStoreTest, RunFileThatFailsItsChecksumCountsAsEmpty) {
+    TempDir dir;
+    SettingsStore store(dir.Path());
+    ASSERT_TRUE(store.Write(kKey, "ServerName", "backup.example.jp"));
+    ASSERT_TRUE(store.Write(kKey, "Param2", "T1", SettingsStore::Durability::Replaceable));
+    const auto run = store.RunFileFor(kKey);
+    std::string whole;
+    {
+        std::ifstream in(run, std::ios::binary);
+        whole.assign(std::istreambuf_iterator<char>(in), {});
+    }
+    ASSERT_NE(whole.find("Param2=T1\n#crc32 "), std::string::npos) << whole;
+    struct Case {
+        const char* name;
+        std::string bytes;
+        std::optional<std::string> token;
+    };
+    std::string changed = whole;
+    changed[changed.find("T1") + 1] = '9';
+    const std::vector<Case> cases = {
+        {"whole", whole, "T1"},
+        {"old tail after it", whole + "Param2=TOKEN-LONGER\n#crc32 0badf00d\n", "T1"},
+        {"torn", whole.substr(0, whole.size() / 2), std::nullopt},
+        {"no checksum line", "Param2=T1\n", std::nullopt},
+        {"changed", changed, std::nullopt},
+        {"empty", "", std::nullopt},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        std::ofstream(run, std::ios::binary | std::ios::trunc) << c.bytes;
+        SettingsStore fresh(dir.Path());
+        EXPECT_EQ(fresh.Read(kKey, "Param2"), c.token);
+        EXPECT_EQ(fresh.Read(kKey, "ServerName"), "backup.example.jp");
+    }
+    // The next token makes the file whole again.
+    ASSERT_TRUE(store.Write(kKey, "Param2", "T2", SettingsStore::Durability::Replaceable));
+    EXPECT_EQ(SettingsStore(dir.Path()).Read(kKey, "Param2"), "T2");
 }
 
 TEST(SettingsStoreTest, ConcurrentProcessesLoseNoValue) {
