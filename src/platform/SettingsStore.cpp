@@ -146,9 +146,11 @@ private:
 
 // Overwrites the file where it is: no new inode, no rename, nothing flushed, as for a value
 // that changes with every request such a replace costs more than the request itself.
-bool OverwriteInPlace(const std::filesystem::path& file, std::string_view text, timespec modified) {
+// oldSize: what the file holds now, if it is there.
+bool OverwriteInPlace(const std::filesystem::path& file, std::string_view text, timespec modified,
+                      std::optional<off_t> oldSize) {
     const ScopedFd fd(::open(file.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600));
-    if (fd.get() < 0 || ::fchmod(fd.get(), 0600) != 0) return false;
+    if (fd.get() < 0 || (!oldSize && ::fchmod(fd.get(), 0600) != 0)) return false;
     for (size_t done = 0; done < text.size();) {
         const ssize_t n =
             ::pwrite(fd.get(), text.data() + done, text.size() - done, static_cast<off_t>(done));
@@ -157,7 +159,8 @@ bool OverwriteInPlace(const std::filesystem::path& file, std::string_view text, 
         done += static_cast<size_t>(n);
     }
     const timespec times[2] = {{0, UTIME_OMIT}, modified};
-    return ::ftruncate(fd.get(), static_cast<off_t>(text.size())) == 0 &&
+    const auto size = static_cast<off_t>(text.size());
+    return (oldSize.value_or(size + 1) <= size || ::ftruncate(fd.get(), size) == 0) &&
            ::futimens(fd.get(), times) == 0;
 }
 
@@ -274,31 +277,43 @@ bool SettingsStore::Write(const SettingsKey& key, std::string_view name, std::st
         return false;
     const KeyFiles files = FilesFor(key);
     if (Lookup(files, name, false) == value) return true;
-    std::error_code ec;
-    std::filesystem::create_directories(files.conf.parent_path(), ec);
-    if (ec) return false;
-    ::chmod(files.conf.parent_path().c_str(), 0700);
-
-    FileLock lock(files.lock, LOCK_EX);
-    if (!lock.Held()) return false;
+    const auto folder = files.conf.parent_path();
+    const auto ownFolder = [&folder] {
+        std::error_code ec;
+        std::filesystem::create_directories(folder, ec);
+        if (ec) return false;
+        ::chmod(folder.c_str(), 0700);
+        return true;
+    };
+    std::optional<FileLock> lock(std::in_place, files.lock, LOCK_EX);
+    if (!lock->Held()) {
+        if (!ownFolder()) return false;
+        lock.emplace(files.lock, LOCK_EX);
+        if (!lock->Held()) return false;
+    }
     // Looked at again under the lock: another process may have written in between.
     if (Lookup(files, name, true) == value) return true;
     const ParsedFile& run = Current(files.run, true, nullptr);
-    const auto runTime = [&run] {
-        return ModifiedAfter(run.stamp ? run.stamp->modified : timespec{});
-    };
     Values runValues = run.values;
-
-    if (durability == Durability::Replaceable) {
-        runValues[std::string(name)] = std::string(value);
-        if (!OverwriteInPlace(files.run, Serialize(runValues, true), runTime())) {
+    const auto writeRun = [&] {
+        const bool done =
+            OverwriteInPlace(files.run, Serialize(runValues, true),
+                             ModifiedAfter(run.stamp ? run.stamp->modified : timespec{}),
+                             run.stamp ? std::optional<off_t>(run.stamp->size) : std::nullopt);
+        if (!done) {
             parsed_.erase(files.run);
             return false;
         }
         ++counts_.writes;
         Remember(files.run, std::move(runValues));
         return true;
+    };
+    if (durability == Durability::Replaceable) {
+        runValues[std::string(name)] = std::string(value);
+        return writeRun();
     }
+    // The folder holds the account: its owner alone enters it, whatever it was before.
+    if (!ownFolder()) return false;
 
     const ParsedFile& conf = Current(files.conf);
     Values values = conf.values;
@@ -313,15 +328,7 @@ bool SettingsStore::Write(const SettingsKey& key, std::string_view name, std::st
     ++counts_.syncs;
     Remember(files.conf, std::move(values));
     // A value kept in the run file would stand for the new one.
-    if (runValues.erase(std::string(name))) {
-        if (!OverwriteInPlace(files.run, Serialize(runValues, true), runTime())) {
-            parsed_.erase(files.run);
-            return false;
-        }
-        ++counts_.writes;
-        Remember(files.run, std::move(runValues));
-    }
-    return true;
+    return runValues.erase(std::string(name)) == 0 || writeRun();
 }
 
 }  // namespace morvane::platform
