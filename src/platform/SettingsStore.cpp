@@ -5,8 +5,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <zlib.h>
-
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -14,6 +12,7 @@
 #include <sstream>
 
 #include "platform/AtomicFile.h"
+#include "platform/Checksum.h"
 #include "util/Text.h"
 
 namespace morvane::platform {
@@ -100,9 +99,7 @@ constexpr std::string_view kChecksumMark = "#crc32 ";
 
 std::string Checksum(std::string_view bytes) {
     char hex[16];
-    std::snprintf(
-        hex, sizeof hex, "%08lx",
-        ::crc32(0, reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uInt>(bytes.size())));
+    std::snprintf(hex, sizeof hex, "%08x", static_cast<unsigned>(Crc32(0, bytes)));
     return hex;
 }
 

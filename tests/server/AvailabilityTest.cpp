@@ -85,7 +85,8 @@ TEST_F(PatientServerTest, ABusyConnectionIsKeptAndAnIdleOneClosed) {
     EXPECT_EQ(server_->AcceptedConnections() - accepted, 1u);
     // Idle past the keep-alive time-out (a second), the connection is the server's to end.
     std::this_thread::sleep_for(2500ms);
-    ASSERT_TRUE(clock());
+    // This client finds its connection closed only by a request that fails on it.
+    ASSERT_TRUE(clock() || clock());
     EXPECT_EQ(server_->AcceptedConnections() - accepted, 2u);
 }
 
