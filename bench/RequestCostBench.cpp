@@ -100,12 +100,12 @@ int Run(int count) {
     std::printf("client / server CPU:                      %8.2f\n", clientMs / serverMs);
     std::printf("settings files parsed:  %llu\n",
                 static_cast<unsigned long long>(after.settings.parses - before.settings.parses));
-    std::printf("settings files written: %llu, flushed to disk: %llu\n",
+    std::printf("settings files written: %llu (in place or replaced), flushed to disk: %llu\n",
                 static_cast<unsigned long long>(after.settings.writes - before.settings.writes),
                 static_cast<unsigned long long>(after.settings.syncs - before.settings.syncs));
-    std::printf("TCP connections accepted by the server: %llu (%llu before the run)\n",
-                static_cast<unsigned long long>(after.accepted - before.accepted),
-                static_cast<unsigned long long>(before.accepted));
+    std::printf("TCP connections accepted by the server: %llu in all, %llu during the requests\n",
+                static_cast<unsigned long long>(after.accepted),
+                static_cast<unsigned long long>(after.accepted - before.accepted));
     State().Reset();
     server.Stop();
     return 0;
