@@ -5,6 +5,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -150,6 +152,46 @@ TEST(SettingsStoreTest, RunFileThatFailsItsChecksumCountsAsEmpty) {
     // The next token makes the file whole again.
     ASSERT_TRUE(store.Write(kKey, "Param2", "T2", SettingsStore::Durability::Replaceable));
     EXPECT_EQ(SettingsStore(dir.Path()).Read(kKey, "Param2"), "T2");
+}
+
+// Tokens of changing lengths, so that a rewrite both grows and shrinks the run file.
+std::string TokenNo(int n) {
+    return "T" + std::string(static_cast<size_t>(n % 7) * 3, 'x') + "-" + std::to_string(n);
+}
+
+// One process rotates the token while another reads it: every read is a whole token, never
+// an older one than the read before.
+TEST(SettingsStoreTest, ReaderInAnotherProcessSeesWholeTokensInOrder) {
+    TempDir dir;
+    constexpr auto kReplaceable = SettingsStore::Durability::Replaceable;
+    ASSERT_TRUE(SettingsStore(dir.Path()).Write(kKey, "Param2", TokenNo(0), kReplaceable));
+    constexpr int kTokens = 2000;
+    const pid_t pid = ::fork();
+    ASSERT_GE(pid, 0);
+    if (pid == 0) {
+        SettingsStore writer(dir.Path());
+        bool ok = true;
+        for (int i = 1; i <= kTokens; ++i)
+            ok = writer.Write(kKey, "Param2", TokenNo(i), kReplaceable) && ok;
+        ::_exit(ok ? 0 : 1);
+    }
+    SettingsStore reader(dir.Path());
+    int last = 0;
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    while (last < kTokens && std::chrono::steady_clock::now() < deadline) {
+        const std::string token = reader.Read(kKey, "Param2").value_or("(none)");
+        const size_t dash = token.rfind('-');
+        const int n = dash == std::string::npos ? -1 : std::atoi(token.c_str() + dash + 1);
+        if (n < last || token != TokenNo(n)) {
+            ADD_FAILURE() << "read " << token << " after " << TokenNo(last);
+            break;
+        }
+        last = n;
+    }
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    EXPECT_EQ(reader.Read(kKey, "Param2"), TokenNo(kTokens));
 }
 
 TEST(SettingsStoreTest, ConcurrentProcessesLoseNoValue) {
