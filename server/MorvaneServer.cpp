@@ -57,6 +57,10 @@ std::string MorvaneServer::ServerName() const {
 
 std::string MorvaneServer::BaseUrl() const { return "https://" + ServerName() + "/"; }
 
+std::uint64_t MorvaneServer::AcceptedConnections() const {
+    return listener_ ? listener_->AcceptedConnections() : 0;
+}
+
 std::int64_t MorvaneServer::CreateAccount(const AccountFields& fields) {
     return service_->CreateAccount(fields);
 }

@@ -52,6 +52,8 @@ public:
     std::string BaseUrl() const;     // "https://127.0.0.1:<port>/"
     std::string ServerName() const;  // "127.0.0.1:<port>", as a client's settings hold it
     const std::filesystem::path& CertFile() const { return certFile_; }
+    // TCP connections accepted while it serves; 0 when it does not.
+    std::uint64_t AcceptedConnections() const;
 
     std::int64_t CreateAccount(const AccountFields& fields);
     void AddUser(const std::string& contractNo, const std::string& userId,

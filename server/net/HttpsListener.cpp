@@ -7,6 +7,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <limits>
 #include <stdexcept>
 #include <thread>
 
@@ -25,6 +26,20 @@ public:
     void WidenBacklog() { ::listen(svr_sock_, SOMAXCONN); }
 };
 
+// Counts the connections as they are accepted, for the server's figures and tests.
+class CountingConnectionThreads : public ConnectionThreads {
+public:
+    CountingConnectionThreads(std::size_t maxThreads, std::atomic<std::uint64_t>& accepted)
+        : ConnectionThreads(maxThreads), accepted_(accepted) {}
+    void enqueue(std::function<void()> fn) override {
+        ++accepted_;
+        ConnectionThreads::enqueue(std::move(fn));
+    }
+
+private:
+    std::atomic<std::uint64_t>& accepted_;
+};
+
 }  // namespace
 
 struct HttpsListener::Impl {
@@ -33,6 +48,7 @@ struct HttpsListener::Impl {
     Log log;
     std::thread thread;
     std::atomic<bool> finished{false};
+    std::atomic<std::uint64_t> accepted{0};
     bool stopped = false;
 
     Impl(const std::filesystem::path& cert, const std::filesystem::path& key, Handler h, Log l)
@@ -104,14 +120,16 @@ HttpsListener::HttpsListener(const std::filesystem::path& certFile,
     server.set_read_timeout(limits.clientTimeout);
     server.set_write_timeout(limits.writeTimeout);
     server.set_keep_alive_timeout(limits.keepAlive.count());
+    // A busy client keeps its connection: only the idle time-out ends it.
+    server.set_keep_alive_max_count(std::numeric_limits<std::size_t>::max());
     // Accepted sockets inherit it: a reply's last segment goes out at once instead of
     // waiting for the client's delayed acknowledgement.
     server.set_tcp_nodelay(true);
-    // The library takes ownership of the queue it is given.
-    server.new_task_queue = [max = limits.maxConnections]() -> httplib::TaskQueue* {
-        return std::make_unique<ConnectionThreads>(max).release();
-    };
     Impl* impl = impl_.get();
+    // The library takes ownership of the queue it is given.
+    server.new_task_queue = [impl, max = limits.maxConnections]() -> httplib::TaskQueue* {
+        return std::make_unique<CountingConnectionThreads>(max, impl->accepted).release();
+    };
     // A body with no length at all, or announced far past the limit, is refused before a byte
     // of it is read, so that no client holds a thread by sending it slowly or never. A body
     // a little past the limit is still read and dropped, as a client that sends it whole
@@ -163,6 +181,8 @@ HttpsListener::HttpsListener(const std::filesystem::path& certFile,
 }
 
 HttpsListener::~HttpsListener() { Stop(); }
+
+std::uint64_t HttpsListener::AcceptedConnections() const { return impl_->accepted; }
 
 int HttpsListener::Bind(const std::string& address, int port) {
     int bound = port == 0 ? impl_->server.bind_to_any_port(address)

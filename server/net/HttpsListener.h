@@ -1,6 +1,7 @@
 // The HTTPS side of the server: accepts POST requests and hands each to a request handler.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -28,6 +29,8 @@ public:
     // Serves on a thread of its own until stop().
     void Start();
     void Stop();
+    // Connections accepted since the start.
+    std::uint64_t AcceptedConnections() const;
 
 private:
     struct Impl;

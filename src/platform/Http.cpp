@@ -68,10 +68,47 @@ struct SlistDeleter {
     void operator()(curl_slist* l) const { curl_slist_free_all(l); }
 };
 
+// The pool's handle while no other request has it, else a handle of the request's own; either
+// way it comes without any option of an earlier request.
+class EasyHandle {
+public:
+    using Owned = std::unique_ptr<CURL, EasyDeleter>;
+    // kept and busy: the pool's handle and whether a request has it; null without a pool.
+    EasyHandle(Owned* kept, bool* busy) {
+        if (kept && !*busy) {
+            if (!*kept) kept->reset(curl_easy_init());
+            if (*kept) {
+                kept_ = kept;
+                busy_ = busy;
+                *busy_ = true;
+                return;
+            }
+        }
+        own_.reset(curl_easy_init());
+    }
+    // Reset at once, so that no pointer into the ended request stays in the handle.
+    ~EasyHandle() {
+        if (!kept_) return;
+        curl_easy_reset(kept_->get());
+        *busy_ = false;
+    }
+    EasyHandle(const EasyHandle&) = delete;
+    EasyHandle& operator=(const EasyHandle&) = delete;
+    CURL* get() const { return kept_ ? kept_->get() : own_.get(); }
+
+private:
+    Owned* kept_ = nullptr;
+    bool* busy_ = nullptr;
+    Owned own_;
+};
+
 }  // namespace
 
 struct HttpConnectionPool::Impl {
     CURLSH* share = nullptr;
+    // Kept between requests: a new handle would read and parse the CA store every time.
+    std::unique_ptr<CURL, EasyDeleter> easy;
+    bool easyBusy = false;
 };
 
 // The component runs on one thread, so the share needs no lock callbacks.
@@ -86,6 +123,7 @@ HttpConnectionPool::HttpConnectionPool() : impl_(std::make_unique<Impl>()) {
 }
 
 HttpConnectionPool::~HttpConnectionPool() {
+    impl_->easy.reset();  // a share in use cannot be cleaned up
     if (impl_->share) curl_share_cleanup(impl_->share);
 }
 
@@ -108,8 +146,9 @@ HttpReply HttpClient::PostRaw(const std::string& url, const HttpHeaders& headers
 HttpReply HttpClient::Perform(const std::string& url, const HttpHeaders& headers,
                               std::string_view body, bool exactHeaders) {
     HttpReply reply;
-    std::unique_ptr<CURL, EasyDeleter> curl(curl_easy_init());
-    if (!curl) {
+    EasyHandle curl(pool_ ? &pool_->impl_->easy : nullptr,
+                    pool_ ? &pool_->impl_->easyBusy : nullptr);
+    if (!curl.get()) {
         reply.error = "curl_easy_init failed";
         return reply;
     }

@@ -33,7 +33,7 @@ std::int32_t GetLoginState() { return State().login.loginState; }
 void SetLoginState(std::int32_t state) { State().login.loginState = state; }
 std::string GetLoginID() { return State().login.loginId; }
 std::string GetLoginToken() { return ReadMorvaneSetting(reg::kParam2, ""); }
-void SetLoginToken(std::string_view token) { WriteMorvaneSetting(reg::kParam2, token); }
+void SetLoginToken(std::string_view token) { WriteMorvaneSettingUnsynced(reg::kParam2, token); }
 
 std::string GetLoginUserName() { return State().login.userName; }
 std::string GetLoginContractorName() { return State().login.contractorName; }

@@ -42,4 +42,9 @@ void WriteMorvaneSetting(std::string_view name, std::string_view value) {
                       reg::kBasePath);
 }
 
+void WriteMorvaneSettingUnsynced(std::string_view name, std::string_view value) {
+    State().Settings().Write(KeyOf(reg::kApplication, reg::kSection, reg::kBasePath), name, value,
+                             platform::SettingsStore::Durability::Replaceable);
+}
+
 }  // namespace morvane

@@ -22,5 +22,8 @@ void WriteSettingValue(std::string_view application, std::string_view section,
 // The same on the component's own key.
 std::string ReadMorvaneSetting(std::string_view name, std::string_view defaultValue = {});
 void WriteMorvaneSetting(std::string_view name, std::string_view value);
+// A value the next run can do without, such as the running token: written as atomically, but
+// not flushed to disk, as it changes with every reply.
+void WriteMorvaneSettingUnsynced(std::string_view name, std::string_view value);
 
 }  // namespace morvane

@@ -1,5 +1,6 @@
 // The POST with exact headers against the test server: no Content-Type of its own, a given
-// Content-Length, and bytes with NULs unchanged both ways.
+// Content-Length, and bytes with NULs unchanged both ways. Requests share one connection pool,
+// as the component's do, so that nothing of one request rides on the next.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -20,11 +21,12 @@ protected:
         options.connectTimeoutSeconds = 5;
         options.stallTimeoutSeconds = 5;
         options.maxReplyBytes = maxReplyBytes;
-        platform::HttpClient client(options);
+        platform::HttpClient client(options, &pool_);
         const std::string url = "https://" + server_.HostName() + "/echo.php";
         return raw ? client.PostRaw(url, headers, body) : client.Post(url, headers, body);
     }
     TestServer server_;
+    platform::HttpConnectionPool pool_;
 };
 
 TEST_F(HttpRawTest, BytesTravelUnchangedWithoutAContentType) {

@@ -5,8 +5,15 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
+#include <cstdlib>
 #include <fstream>
+#include <iterator>
+#include <map>
+#include <optional>
+#include <vector>
 
+#include "platform/AtomicFile.h"
 #include "platform/SettingsStore.h"
 #include "support/TempDir.h"
 
@@ -48,6 +55,143 @@ TEST(SettingsStoreTest, SecondInstanceSeesEveryWriteAtOnce) {
     EXPECT_EQ(second.Read(kKey, "Param2"), "TOKEN-1");
     ASSERT_TRUE(second.Write(kKey, "Param2", "TOKEN-2"));
     EXPECT_EQ(first.Read(kKey, "Param2"), "TOKEN-2");
+}
+
+struct stat StatOf(const std::filesystem::path& file) {
+    struct stat st {};
+    EXPECT_EQ(::stat(file.c_str(), &st), 0) << file;
+    return st;
+}
+
+TEST(SettingsStoreTest, UnchangedValueWritesNothing) {
+    TempDir dir;
+    SettingsStore store(dir.Path());
+    ASSERT_TRUE(store.Write(kKey, "ServerName", "backup.example.jp"));
+    ASSERT_TRUE(store.Write(kKey, "Param2", "T1", SettingsStore::Durability::Replaceable));
+    const std::vector<std::filesystem::path> files{store.FileFor(kKey), store.RunFileFor(kKey)};
+    std::vector<struct stat> before;
+    for (const auto& f : files) before.push_back(StatOf(f));
+    EXPECT_TRUE(store.Write(kKey, "ServerName", "backup.example.jp"));
+    EXPECT_TRUE(store.Write(kKey, "Param2", "T1", SettingsStore::Durability::Replaceable));
+    // Unchanged in another store's eyes too: it never wrote, so its first look decides.
+    EXPECT_TRUE(SettingsStore(dir.Path()).Write(kKey, "Param2", "T1"));
+    for (size_t i = 0; i < files.size(); ++i) {
+        const struct stat after = StatOf(files[i]);
+        EXPECT_EQ(after.st_ino, before[i].st_ino) << files[i];
+        EXPECT_EQ(after.st_mtim.tv_nsec, before[i].st_mtim.tv_nsec) << files[i];
+    }
+    EXPECT_EQ(store.Counts().writes, 2u);
+    EXPECT_EQ(store.Counts().syncs, 1u);
+}
+
+// Tokens of one length written back to back, many within one tick of the file system's clock:
+// a store that reads only what changed must still see each of them, and no torn file.
+TEST(SettingsStoreTest, SecondStoreSeesEveryTokenAndParsesOnlyChanges) {
+    TempDir dir;
+    SettingsStore writer(dir.Path());
+    SettingsStore reader(dir.Path());
+    ASSERT_TRUE(writer.Write(kKey, "ServerName", "backup.example.jp"));
+    ASSERT_EQ(reader.Read(kKey, "ServerName"), "backup.example.jp");
+    constexpr int kTokens = 300;
+    for (int i = 0; i < kTokens; ++i) {
+        const std::string token = "TOKEN-" + std::to_string(1000 + i);
+        ASSERT_TRUE(writer.Write(kKey, "Param2", token, SettingsStore::Durability::Replaceable));
+        ASSERT_EQ(reader.Read(kKey, "Param2"), token);
+        ASSERT_EQ(reader.Read(kKey, "ServerName"), "backup.example.jp");
+    }
+    EXPECT_EQ(reader.Counts().parses, 1u + kTokens);
+    EXPECT_EQ(writer.Counts().parses, 0u);  // its own writes are never read back
+    EXPECT_EQ(writer.Counts().writes, 1u + kTokens);
+    EXPECT_EQ(writer.Counts().syncs, 1u);
+    EXPECT_EQ(StatOf(writer.FileFor(kKey)).st_mode & 0777, 0600u);
+    EXPECT_EQ(StatOf(writer.RunFileFor(kKey)).st_mode & 0777, 0600u);
+    EXPECT_TRUE(platform::LeftoverVersions(writer.FileFor(kKey)).empty());
+    // A synced write of the name takes its place in the key's file.
+    ASSERT_TRUE(reader.Write(kKey, "Param2", ""));
+    EXPECT_EQ(writer.Read(kKey, "Param2"), "");
+    EXPECT_EQ(writer.ReadAll(kKey), (std::map<std::string, std::string>{
+                                        {"Param2", ""}, {"ServerName", "backup.example.jp"}}));
+}
+
+// A run file caught by a power cut, or by hand, half written: the token is lost, never the
+// synced values, and the tail of an older, longer version after a whole one does no harm.
+TEST(SettingsStoreTest, RunFileThatFailsItsChecksumCountsAsEmpty) {
+    TempDir dir;
+    SettingsStore store(dir.Path());
+    ASSERT_TRUE(store.Write(kKey, "ServerName", "backup.example.jp"));
+    ASSERT_TRUE(store.Write(kKey, "Param2", "T1", SettingsStore::Durability::Replaceable));
+    const auto run = store.RunFileFor(kKey);
+    std::string whole;
+    {
+        std::ifstream in(run, std::ios::binary);
+        whole.assign(std::istreambuf_iterator<char>(in), {});
+    }
+    ASSERT_NE(whole.find("Param2=T1\n#crc32 "), std::string::npos) << whole;
+    struct Case {
+        const char* name;
+        std::string bytes;
+        std::optional<std::string> token;
+    };
+    std::string changed = whole;
+    changed[changed.find("T1") + 1] = '9';
+    const std::vector<Case> cases = {
+        {"whole", whole, "T1"},
+        {"old tail after it", whole + "Param2=TOKEN-LONGER\n#crc32 0badf00d\n", "T1"},
+        {"torn", whole.substr(0, whole.size() / 2), std::nullopt},
+        {"no checksum line", "Param2=T1\n", std::nullopt},
+        {"changed", changed, std::nullopt},
+        {"empty", "", std::nullopt},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        std::ofstream(run, std::ios::binary | std::ios::trunc) << c.bytes;
+        SettingsStore fresh(dir.Path());
+        EXPECT_EQ(fresh.Read(kKey, "Param2"), c.token);
+        EXPECT_EQ(fresh.Read(kKey, "ServerName"), "backup.example.jp");
+    }
+    // The next token makes the file whole again.
+    ASSERT_TRUE(store.Write(kKey, "Param2", "T2", SettingsStore::Durability::Replaceable));
+    EXPECT_EQ(SettingsStore(dir.Path()).Read(kKey, "Param2"), "T2");
+}
+
+// Tokens of changing lengths, so that a rewrite both grows and shrinks the run file.
+std::string TokenNo(int n) {
+    return "T" + std::string(static_cast<size_t>(n % 7) * 3, 'x') + "-" + std::to_string(n);
+}
+
+// One process rotates the token while another reads it: every read is a whole token, never
+// an older one than the read before.
+TEST(SettingsStoreTest, ReaderInAnotherProcessSeesWholeTokensInOrder) {
+    TempDir dir;
+    constexpr auto kReplaceable = SettingsStore::Durability::Replaceable;
+    ASSERT_TRUE(SettingsStore(dir.Path()).Write(kKey, "Param2", TokenNo(0), kReplaceable));
+    constexpr int kTokens = 2000;
+    const pid_t pid = ::fork();
+    ASSERT_GE(pid, 0);
+    if (pid == 0) {
+        SettingsStore writer(dir.Path());
+        bool ok = true;
+        for (int i = 1; i <= kTokens; ++i)
+            ok = writer.Write(kKey, "Param2", TokenNo(i), kReplaceable) && ok;
+        ::_exit(ok ? 0 : 1);
+    }
+    SettingsStore reader(dir.Path());
+    int last = 0;
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    while (last < kTokens && std::chrono::steady_clock::now() < deadline) {
+        const std::string token = reader.Read(kKey, "Param2").value_or("(none)");
+        const size_t dash = token.rfind('-');
+        const int n = dash == std::string::npos ? -1 : std::atoi(token.c_str() + dash + 1);
+        if (n < last || token != TokenNo(n)) {
+            ADD_FAILURE() << "read " << token << " after " << TokenNo(last);
+            break;
+        }
+        last = n;
+    }
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    EXPECT_EQ(reader.Read(kKey, "Param2"), TokenNo(kTokens));
 }
 
 TEST(SettingsStoreTest, ConcurrentProcessesLoseNoValue) {
