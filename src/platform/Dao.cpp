@@ -625,20 +625,24 @@ Database::Database(std::string path, bool exclusive, bool readOnly, ConnectionPo
         const fs::path canonical = fs::canonical(path_, ec);
         if (!ec) poolKey_ = std::string(readOnly ? "r:" : "w:") + canonical.string();
         if (!poolKey_.empty()) db_ = pool_->Take(poolKey_);
-        if (db_) return;
+        // File times are coarse: a file copied over in place at once may look the same.
+        // Its pages are read anew; the schema is kept, SQLite checks its cookie.
+        if (db_) sqlite3_db_release_memory(db_.get());
     }
-    // One connection is used by one thread only: no locking inside SQLite is needed.
-    sqlite3* opened = nullptr;
-    const int flags =
-        (readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) | SQLITE_OPEN_NOMUTEX;
-    const int rc = sqlite3_open_v2(path_.c_str(), &opened, flags, nullptr);
-    db_.reset(opened);
-    if (rc != SQLITE_OK) {
-        db_.reset();
-        Fail(nullptr, rc, path_);
+    if (!db_) {
+        // One connection is used by one thread only: no locking inside SQLite is needed.
+        sqlite3* opened = nullptr;
+        const int flags =
+            (readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) | SQLITE_OPEN_NOMUTEX;
+        const int rc = sqlite3_open_v2(path_.c_str(), &opened, flags, nullptr);
+        db_.reset(opened);
+        if (rc != SQLITE_OK) {
+            db_.reset();
+            Fail(nullptr, rc, path_);
+        }
+        if (pool_) pool_->CountOpened();
+        sqlite3_busy_timeout(db_.get(), 5000);
     }
-    if (pool_) pool_->CountOpened();
-    sqlite3_busy_timeout(db_.get(), 5000);
     try {
         // A file that is no database shows itself only on the first read.
         Exec("SELECT count(*) FROM sqlite_master");
