@@ -2,8 +2,12 @@
 
 #include <sqlite3.h>
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cmath>
+#include <deque>
+#include <mutex>
 #include <optional>
 #include <regex>
 #include <system_error>
@@ -393,10 +397,11 @@ Value Field::GetValue() const {
 std::optional<std::int32_t> Field::GetLong() const {
     const auto& r = *rs_->impl_;
     if (!r.readOnly || r.eof || r.mode != Recordset::Impl::Mode::None) return std::nullopt;
-    sqlite3_stmt* st = r.stmt.st;
-    const int i = column_ + r.first;
-    if (sqlite3_column_type(st, i) != SQLITE_INTEGER) return std::nullopt;
-    const sqlite3_int64 n = sqlite3_column_int64(st, i);
+    // One fetch of the column, then reads of the value: each column call checks the
+    // statement anew, which a scan of half a million rows feels.
+    sqlite3_value* v = sqlite3_column_value(r.stmt.st, column_ + r.first);
+    if (sqlite3_value_type(v) != SQLITE_INTEGER) return std::nullopt;
+    const sqlite3_int64 n = sqlite3_value_int64(v);
     if (n < INT32_MIN || n > INT32_MAX) return std::nullopt;
     return static_cast<std::int32_t>(n);
 }
@@ -404,17 +409,16 @@ std::optional<std::int32_t> Field::GetLong() const {
 Field::StampKind Field::GetStamp(DateValue& date) const {
     const auto& r = *rs_->impl_;
     if (!r.readOnly || r.eof || r.mode != Recordset::Impl::Mode::None) return StampKind::Other;
-    sqlite3_stmt* st = r.stmt.st;
-    const int i = column_ + r.first;
-    switch (sqlite3_column_type(st, i)) {
+    sqlite3_value* v = sqlite3_column_value(r.stmt.st, column_ + r.first);
+    switch (sqlite3_value_type(v)) {
         case SQLITE_NULL:
             return StampKind::Null;
         case SQLITE_TEXT: {
             if (r.affinities[column_] != Affinity::Date && !r.expressions[column_])
                 return StampKind::Other;
-            const auto* p = reinterpret_cast<const char*>(sqlite3_column_text(st, i));
+            const auto* p = reinterpret_cast<const char*>(sqlite3_value_text(v));
             const auto d = ParseStoredDate(
-                std::string_view(p ? p : "", static_cast<size_t>(sqlite3_column_bytes(st, i))));
+                std::string_view(p ? p : "", static_cast<size_t>(sqlite3_value_bytes(v))));
             if (!d) return StampKind::Other;
             date = *d;
             return StampKind::Date;
@@ -490,28 +494,161 @@ void Recordset::Update() {
 
 void Recordset::Close() { impl_.reset(); }
 
+// ---- Kept connections ------------------------------------------------------------------
+
+void ConnectionCloser::operator()(sqlite3* db) const { sqlite3_close_v2(db); }
+
+namespace {
+
+// What tells one file from another under the same name, and a file written since.
+struct FileIdentity {
+    dev_t device = 0;
+    ino_t inode = 0;
+    off_t size = 0;
+    timespec modified{};
+    timespec changed{};
+
+    bool operator==(const FileIdentity& o) const {
+        return device == o.device && inode == o.inode && size == o.size &&
+               modified.tv_sec == o.modified.tv_sec && modified.tv_nsec == o.modified.tv_nsec &&
+               changed.tv_sec == o.changed.tv_sec && changed.tv_nsec == o.changed.tv_nsec;
+    }
+};
+
+std::optional<FileIdentity> IdentityOf(const std::string& path) {
+    struct stat st {};
+    if (::stat(path.c_str(), &st) != 0) return std::nullopt;
+    return FileIdentity{st.st_dev, st.st_ino, st.st_size, st.st_mtim, st.st_ctim};
+}
+
+// The key names the mode first, then the canonical path, which is what is stat'ed.
+std::string PathOfKey(const std::string& key) { return key.substr(2); }
+
+}  // namespace
+
+struct ConnectionPool::Impl {
+    struct Kept {
+        std::string key;
+        FileIdentity identity;
+        Connection db;
+    };
+    mutable std::mutex mutex;
+    size_t capacity;
+    std::deque<Kept> kept;  // the longest kept first
+    Counts counts;
+};
+
+ConnectionPool::ConnectionPool(size_t capacity) : impl_(std::make_unique<Impl>()) {
+    impl_->capacity = capacity;
+}
+
+ConnectionPool::~ConnectionPool() = default;
+
+ConnectionPool::Counts ConnectionPool::Tally() const {
+    std::lock_guard lock(impl_->mutex);
+    return impl_->counts;
+}
+
+void ConnectionPool::SetCapacity(size_t capacity) {
+    std::deque<Impl::Kept> closing;  // closed outside the lock
+    std::lock_guard lock(impl_->mutex);
+    impl_->capacity = capacity;
+    while (impl_->kept.size() > capacity) {
+        closing.push_back(std::move(impl_->kept.front()));
+        impl_->kept.pop_front();
+    }
+}
+
+void ConnectionPool::Clear() {
+    std::deque<Impl::Kept> closing;
+    std::lock_guard lock(impl_->mutex);
+    closing.swap(impl_->kept);
+    impl_->counts = {};
+}
+
+void ConnectionPool::CountOpened() {
+    std::lock_guard lock(impl_->mutex);
+    ++impl_->counts.opened;
+}
+
+Connection ConnectionPool::Take(const std::string& key) {
+    const auto now = IdentityOf(PathOfKey(key));
+    std::deque<Impl::Kept> stale;
+    std::lock_guard lock(impl_->mutex);
+    Connection found;
+    auto& kept = impl_->kept;
+    for (auto it = kept.begin(); it != kept.end();) {
+        if (it->key != key) {
+            ++it;
+        } else if (!found && now && it->identity == *now) {
+            found = std::move(it->db);
+            it = kept.erase(it);
+        } else if (!(now && it->identity == *now)) {
+            stale.push_back(std::move(*it));
+            it = kept.erase(it);
+        } else {
+            ++it;
+        }
+    }
+    if (found) ++impl_->counts.reused;
+    return found;
+}
+
+void ConnectionPool::Keep(const std::string& key, Connection db) noexcept {
+    try {
+        const auto identity = IdentityOf(PathOfKey(key));
+        if (!identity) return;
+        std::deque<Impl::Kept> closing;
+        std::lock_guard lock(impl_->mutex);
+        if (impl_->capacity == 0) return;
+        impl_->kept.push_back({key, *identity, std::move(db)});
+        while (impl_->kept.size() > impl_->capacity) {
+            closing.push_back(std::move(impl_->kept.front()));
+            impl_->kept.pop_front();
+        }
+    } catch (...) {
+        // Not kept: the connection closes as it would without a pool.
+    }
+}
+
 // ---- Database --------------------------------------------------------------------------
 
-Database::Database(std::string path, bool exclusive) : path_(std::move(path)) {
+Database::Database(std::string path, bool exclusive, bool readOnly, ConnectionPool* pool)
+    : path_(std::move(path)), pool_(pool) {
     std::error_code ec;
     if (path_.empty() || !fs::exists(path_, ec))
         Raise(daoerr::kFileNotFound, "Could not find file '" + path_ + "'.");
     if (fs::is_directory(path_, ec))
         Raise(daoerr::kCannotOpen, "Cannot open the file '" + path_ + "': it is a folder.");
-    // One connection is used by one thread only: no locking inside SQLite is needed.
-    const int rc =
-        sqlite3_open_v2(path_.c_str(), &db_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
-    if (rc != SQLITE_OK) {
-        sqlite3_close_v2(db_);
-        db_ = nullptr;
-        Fail(nullptr, rc, path_);
+    // An exclusive connection keeps its lock until it closes: it is never kept.
+    if (pool_ && !exclusive) {
+        const fs::path canonical = fs::canonical(path_, ec);
+        if (!ec) poolKey_ = std::string(readOnly ? "r:" : "w:") + canonical.string();
+        if (!poolKey_.empty()) db_ = pool_->Take(poolKey_);
+        // File times are coarse: a file copied over in place at once may look the same.
+        // Its pages are read anew; the schema is kept, SQLite checks its cookie.
+        if (db_) sqlite3_db_release_memory(db_.get());
     }
-    sqlite3_busy_timeout(db_, 5000);
+    if (!db_) {
+        // One connection is used by one thread only: no locking inside SQLite is needed.
+        sqlite3* opened = nullptr;
+        const int flags =
+            (readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) | SQLITE_OPEN_NOMUTEX;
+        const int rc = sqlite3_open_v2(path_.c_str(), &opened, flags, nullptr);
+        db_.reset(opened);
+        if (rc != SQLITE_OK) {
+            db_.reset();
+            Fail(nullptr, rc, path_);
+        }
+        if (pool_) pool_->CountOpened();
+        sqlite3_busy_timeout(db_.get(), 5000);
+    }
     try {
         // A file that is no database shows itself only on the first read.
         Exec("SELECT count(*) FROM sqlite_master");
         if (exclusive) Exec("PRAGMA locking_mode=EXCLUSIVE");
     } catch (...) {
+        poolKey_.clear();
         Close();
         throw;
     }
@@ -520,23 +657,27 @@ Database::Database(std::string path, bool exclusive) : path_(std::move(path)) {
 Database::~Database() { Close(); }
 
 void Database::Close() {
-    if (db_) sqlite3_close_v2(db_);  // statements still open finish on their own
-    db_ = nullptr;
+    if (!db_) return;
+    // Kept only when nothing of this use is left on it: no transaction, no statement.
+    if (pool_ && !poolKey_.empty() && sqlite3_get_autocommit(db_.get()) &&
+        !sqlite3_next_stmt(db_.get(), nullptr))
+        pool_->Keep(poolKey_, std::move(db_));
+    db_.reset();
 }
 
 void Database::Exec(const char* nativeSql) {
     char* err = nullptr;
-    const int rc = sqlite3_exec(db_, nativeSql, nullptr, nullptr, &err);
+    const int rc = sqlite3_exec(db_.get(), nativeSql, nullptr, nullptr, &err);
     sqlite3_free(err);
-    if (rc != SQLITE_OK) Fail(db_, rc, path_);
+    if (rc != SQLITE_OK) Fail(db_.get(), rc, path_);
 }
 
 void Database::Execute(std::string_view sql) {
     if (!db_) Raise(daoerr::kCannotOpen, "The database is closed.");
     const std::string native = TranslateJetSql(sql);
-    Statement st(db_, native);
+    Statement st(db_.get(), native);
     const int rc = sqlite3_step(st.st);
-    if (rc != SQLITE_DONE && rc != SQLITE_ROW) Fail(db_, rc, native);
+    if (rc != SQLITE_DONE && rc != SQLITE_ROW) Fail(db_.get(), rc, native);
 }
 
 std::unique_ptr<Recordset> Database::OpenRecordset(std::string_view sql, std::int32_t /*type*/,
@@ -544,7 +685,7 @@ std::unique_ptr<Recordset> Database::OpenRecordset(std::string_view sql, std::in
     if (!db_) Raise(daoerr::kCannotOpen, "The database is closed.");
     auto impl = std::make_unique<Recordset::Impl>();
     impl->database = this;
-    impl->db = db_;
+    impl->db = db_.get();
     impl->readOnly = (options & dbReadOnly) != 0;
     std::string native = TranslateJetSql(sql);
     if (!impl->readOnly) {
@@ -565,7 +706,7 @@ std::unique_ptr<Recordset> Database::OpenRecordset(std::string_view sql, std::in
         impl->first = 1;
     }
     impl->sql = native;
-    impl->stmt = Statement(db_, native);
+    impl->stmt = Statement(db_.get(), native);
     sqlite3_stmt* st = impl->stmt.st;
     const int count = sqlite3_column_count(st);
     for (int c = impl->first; c < count; ++c) {
@@ -581,7 +722,7 @@ std::unique_ptr<Recordset> Database::OpenRecordset(std::string_view sql, std::in
         for (;;) {
             const int rc = sqlite3_step(st);
             if (rc == SQLITE_DONE) break;
-            if (rc != SQLITE_ROW) Fail(db_, rc, native);
+            if (rc != SQLITE_ROW) Fail(db_.get(), rc, native);
             impl->rowids.push_back(sqlite3_column_int64(st, 0));
             std::vector<Value> row;
             row.reserve(impl->names.size());
@@ -596,8 +737,8 @@ std::unique_ptr<Recordset> Database::OpenRecordset(std::string_view sql, std::in
 
 // ---- Workspace -------------------------------------------------------------------------
 
-Workspace::Workspace(std::string name, std::string userName)
-    : name_(std::move(name)), userName_(std::move(userName)) {}
+Workspace::Workspace(std::string name, std::string userName, ConnectionPool* pool)
+    : name_(std::move(name)), userName_(std::move(userName)), pool_(pool) {}
 
 Workspace::~Workspace() {
     try {
@@ -607,8 +748,8 @@ Workspace::~Workspace() {
     }
 }
 
-Database& Workspace::OpenDatabase(const std::string& path, bool exclusive) {
-    auto db = std::unique_ptr<Database>(new Database(path, exclusive));
+Database& Workspace::OpenDatabase(const std::string& path, bool exclusive, bool readOnly) {
+    auto db = std::unique_ptr<Database>(new Database(path, exclusive, readOnly, pool_));
     if (inTrans_) db->Exec("BEGIN");
     databases_.push_back(std::move(db));
     return *databases_.back();
@@ -632,7 +773,7 @@ void Workspace::Rollback() {
     if (!inTrans_) Raise(daoerr::kEngine, "Commit or Rollback without BeginTrans.");
     inTrans_ = false;
     for (auto& db : databases_)
-        if (db->IsOpen() && !sqlite3_get_autocommit(db->db_)) db->Exec("ROLLBACK");
+        if (db->IsOpen() && !sqlite3_get_autocommit(db->db_.get())) db->Exec("ROLLBACK");
 }
 
 void Workspace::Close() {
@@ -643,8 +784,9 @@ void Workspace::Close() {
 std::unique_ptr<Workspace> DBEngine::CreateWorkspace(const std::string& name,
                                                      const std::string& userName,
                                                      const std::string& /*password*/,
-                                                     std::int32_t /*useType*/) {
-    return std::make_unique<Workspace>(name, userName);
+                                                     std::int32_t /*useType*/,
+                                                     ConnectionPool* pool) {
+    return std::make_unique<Workspace>(name, userName, pool);
 }
 
 // ---- Building files --------------------------------------------------------------------

@@ -2,6 +2,7 @@
 // database, recordset, field) over SQLite that speaks the Jet dialect the workers write.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -46,6 +47,44 @@ std::string TranslateJetSql(std::string_view jet);
 
 class Database;
 class Recordset;
+
+// Closes an SQLite connection; statements still open finish on their own.
+struct ConnectionCloser {
+    void operator()(sqlite3* db) const;
+};
+using Connection = std::unique_ptr<sqlite3, ConnectionCloser>;
+
+// Connections kept open between the opens of one process, so that a file opened again and
+// again is neither reopened nor its schema read anew. A kept connection serves the same
+// file only: the same path and mode, and the same device, inode, size and change time as
+// when it was put back, so a file replaced, deleted or written by another hand is opened
+// afresh. Only a connection left without a transaction or a running statement is kept.
+class ConnectionPool {
+public:
+    static constexpr size_t kDefaultCapacity = 8;
+    explicit ConnectionPool(size_t capacity = kDefaultCapacity);
+    ~ConnectionPool();
+    ConnectionPool(const ConnectionPool&) = delete;
+    ConnectionPool& operator=(const ConnectionPool&) = delete;
+
+    struct Counts {
+        std::uint64_t opened = 0;  // connections opened anew
+        std::uint64_t reused = 0;  // opens served by a kept connection
+    };
+    Counts Tally() const;
+    // 0 keeps nothing: every open opens the file.
+    void SetCapacity(size_t capacity);
+    // Closes every kept connection and zeroes the counts.
+    void Clear();
+
+private:
+    friend class Database;
+    Connection Take(const std::string& key);
+    void Keep(const std::string& key, Connection db) noexcept;
+    void CountOpened();
+    struct Impl;
+    std::unique_ptr<Impl> impl_;
+};
 
 // One column of the current row of a recordset.
 class Field {
@@ -113,28 +152,33 @@ public:
                                              std::int32_t type = dbOpenDynaset,
                                              std::int32_t options = 0);
     void Execute(std::string_view sql);
+    // A kept connection goes back to the workspace's pool.
     void Close();
     bool IsOpen() const { return db_ != nullptr; }
 
 private:
     friend class Workspace;
-    Database(std::string path, bool exclusive);
+    Database(std::string path, bool exclusive, bool readOnly, ConnectionPool* pool);
     void Exec(const char* nativeSql);
     std::string path_;
-    sqlite3* db_ = nullptr;
+    std::string poolKey_;  // empty: never kept
+    ConnectionPool* pool_;
+    Connection db_;
 };
 
 // A session over one or more databases; its transaction spans every database it opened.
-// An open transaction is rolled back when the workspace closes.
+// An open transaction is rolled back when the workspace closes. With a pool, its databases
+// take kept connections and give them back on closing; the pool must outlive it.
 class Workspace {
 public:
-    Workspace(std::string name, std::string userName);
+    Workspace(std::string name, std::string userName, ConnectionPool* pool = nullptr);
     ~Workspace();
     Workspace(const Workspace&) = delete;
     Workspace& operator=(const Workspace&) = delete;
 
-    // The file must exist and be a database; errors 3024, 3343, 3051 otherwise.
-    Database& OpenDatabase(const std::string& path, bool exclusive = false);
+    // The file must exist and be a database; errors 3024, 3343, 3051 otherwise. Writing
+    // through a read-only database is error 3027.
+    Database& OpenDatabase(const std::string& path, bool exclusive = false, bool readOnly = false);
     void BeginTrans();
     void CommitTrans();
     void Rollback();
@@ -144,6 +188,7 @@ public:
 private:
     std::string name_;
     std::string userName_;
+    ConnectionPool* pool_;
     std::vector<std::unique_ptr<Database>> databases_;
     bool inTrans_ = false;
 };
@@ -154,7 +199,8 @@ public:
     static std::unique_ptr<Workspace> CreateWorkspace(const std::string& name,
                                                       const std::string& userName,
                                                       const std::string& password,
-                                                      std::int32_t useType = dbUseJet);
+                                                      std::int32_t useType = dbUseJet,
+                                                      ConnectionPool* pool = nullptr);
 };
 
 // Creates a new database file (an existing one is an error) and runs the native SQL script

@@ -64,6 +64,8 @@ platform::HttpConnectionPool& ProcessState::HttpPool() {
     return *httpPool_;
 }
 
+dao::ConnectionPool& ProcessState::DatabasePool() { return databasePool_; }
+
 void ProcessState::Reset() {
     loginTimer.reset();
     customerLockTimer.reset();
@@ -90,6 +92,8 @@ void ProcessState::Reset() {
     clock_.reset();
     httpOptions_.reset();
     httpPool_.reset();
+    databasePool_.Clear();
+    databasePool_.SetCapacity(dao::ConnectionPool::kDefaultCapacity);
 }
 
 }  // namespace morvane

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "platform/Clock.h"
+#include "platform/Dao.h"
 #include "platform/Forms.h"
 #include "platform/Http.h"
 #include "platform/SettingsStore.h"
@@ -96,6 +97,8 @@ public:
     void SetHttpOptions(std::optional<platform::HttpOptions> options);
     // Connections kept open between the requests of this process.
     platform::HttpConnectionPool& HttpPool();
+    // Database connections kept open between the opens of this process.
+    dao::ConnectionPool& DatabasePool();
 
     // Everything back to the start of a process, services included; for tests.
     void Reset();
@@ -106,6 +109,8 @@ private:
     std::shared_ptr<platform::Clock> clock_;
     std::optional<platform::HttpOptions> httpOptions_;
     std::unique_ptr<platform::HttpConnectionPool> httpPool_;
+    // Emptied by Reset, never replaced: open workspaces point at it.
+    dao::ConnectionPool databasePool_;
 };
 
 ProcessState& State();

@@ -43,7 +43,8 @@ Value NewestStamp(std::string_view localDb, std::string_view table, std::string_
 }  // namespace
 
 std::unique_ptr<dao::Workspace> CreateMorvaneWorkspace() {
-    return dao::DBEngine::CreateWorkspace("Morvane", "admin", "", dao::dbUseJet);
+    return dao::DBEngine::CreateWorkspace("Morvane", "admin", "", dao::dbUseJet,
+                                          &State().DatabasePool());
 }
 
 std::string DatabaseFileName(std::string_view path) {

@@ -1,8 +1,10 @@
 // The DAO layer over real SQLite files: the dialect, dates and Nulls, writing, transactions,
-// and the numbered errors of missing or broken files.
+// the numbered errors of missing or broken files, and connections kept between opens.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
+#include <functional>
 
 #include "platform/Dao.h"
 #include "store/LocalDatabases.h"
@@ -17,8 +19,16 @@ class DaoTest : public ::testing::Test {
 protected:
     void SetUp() override { paths_ = CreateLocalDatabases(temp_.Path()); }
     std::string Customer() const { return paths_.customer.string(); }
+    // The first column of the first row, read through the pool.
+    std::string Kept(const std::filesystem::path& db, const std::string& jetSql) {
+        dao::Workspace ws("Morvane", "admin", &pool_);
+        auto rs =
+            ws.OpenDatabase(db.string()).OpenRecordset(jetSql, dao::dbOpenDynaset, dao::dbReadOnly);
+        return rs->Eof() ? std::string() : NzString(rs->FieldAt(0).GetValue());
+    }
     TempDir temp_;
     LocalDatabasePaths paths_;
+    dao::ConnectionPool pool_;
 };
 
 std::int32_t ErrorNumber(const std::function<void()>& f) {
@@ -104,10 +114,10 @@ TEST_F(DaoTest, WritesDatesNullsAndNumbersAndReadsThemBackTyped) {
     EXPECT_EQ(ErrorNumber([&] { edit->Update(); }), dao::daoerr::kTypeConversion);
 }
 
-TEST_F(DaoTest, RollbackAndAnOpenTransactionAtCloseLeaveTheRowsAsTheyWere) {
+TEST_F(DaoTest, RollbackAndAnOpenTransactionAtCloseLeaveTheRowsAsTheyWereThroughKeptConnections) {
     Sql(paths_.customer, "INSERT INTO tCustomer (id, Code) VALUES (1, 'a'), (2, 'b');");
     {
-        dao::Workspace ws("Morvane", "admin");
+        dao::Workspace ws("Morvane", "admin", &pool_);
         dao::Database& db = ws.OpenDatabase(Customer());
         ws.BeginTrans();
         db.Execute("UPDATE tCustomer SET Code = \"z\" WHERE id = 1");
@@ -121,20 +131,116 @@ TEST_F(DaoTest, RollbackAndAnOpenTransactionAtCloseLeaveTheRowsAsTheyWere) {
     EXPECT_EQ(Rows(paths_.customer, "SELECT id, Code FROM tCustomer ORDER BY id"),
               (std::vector<std::string>{"1|a", "2|b"}));
     {
-        dao::Workspace ws("Morvane", "admin");
+        dao::Workspace ws("Morvane", "admin", &pool_);
         dao::Database& db = ws.OpenDatabase(Customer());
         ws.BeginTrans();
         db.Execute("DELETE * FROM tCustomer");
     }  // closed without a commit
-    EXPECT_EQ(One(paths_.customer, "SELECT COUNT(*) FROM tCustomer"), "2");
+    EXPECT_EQ(Kept(paths_.customer, "SELECT COUNT(*) FROM tCustomer"), "2");
     {
-        dao::Workspace ws("Morvane", "admin");
+        dao::Workspace ws("Morvane", "admin", &pool_);
         dao::Database& db = ws.OpenDatabase(Customer());
         ws.BeginTrans();
         db.Execute("UPDATE tCustomer SET Code = \"c\" WHERE id = 2");
         ws.CommitTrans();
     }
+    EXPECT_EQ(Kept(paths_.customer, "SELECT Code FROM tCustomer WHERE id = 2"), "c");
+    // The workspaces above went through kept connections: none carried a transaction on.
+    EXPECT_GT(pool_.Tally().reused, 0u);
     EXPECT_EQ(One(paths_.customer, "SELECT Code FROM tCustomer WHERE id = 2"), "c");
+}
+
+// A kept connection serves only the file it was opened on, as it was left.
+TEST_F(DaoTest, AKeptConnectionNeverServesAFileReplacedOrWrittenSince) {
+    namespace fs = std::filesystem;
+    const fs::path other = temp_.Path() / "other";
+    const auto fresh = CreateLocalDatabases(other).customer;
+    Sql(fresh, "INSERT INTO tCustomer (id, Code) VALUES (1, 'new');");
+    // A new inode is known at once; a file written in place within the same tick of the
+    // file clock may be served by the kept connection, which then reads its pages anew.
+    const struct {
+        const char* how;
+        bool newInode;
+        std::function<void(const fs::path&)> replace;
+    } cases[] = {
+        {"renamed over", true,
+         [&](const fs::path& db) {
+             fs::copy_file(fresh, other / "copy.dat", fs::copy_options::overwrite_existing);
+             fs::rename(other / "copy.dat", db);
+         }},
+        {"copied over in place", false,
+         [&](const fs::path& db) {
+             fs::copy_file(fresh, db, fs::copy_options::overwrite_existing);
+         }},
+        {"written by another connection", false,
+         [](const fs::path& db) { Sql(db, "UPDATE tCustomer SET Code = 'new' WHERE id = 1;"); }},
+        {"deleted and made anew", true,
+         [&](const fs::path& db) {
+             fs::remove(db);
+             fs::copy_file(fresh, db);
+         }},
+    };
+    const std::string sql = "SELECT Code FROM tCustomer WHERE id = 1";
+    int n = 0;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.how);
+        const auto db = CreateLocalDatabases(temp_.Path() / std::to_string(++n)).customer;
+        Sql(db, "INSERT INTO tCustomer (id, Code) VALUES (1, 'old');");
+        pool_.Clear();
+        EXPECT_EQ(Kept(db, sql), "old");
+        EXPECT_EQ(Kept(db, sql), "old");
+        EXPECT_EQ(pool_.Tally().reused, 1u);  // kept between the two opens
+        c.replace(db);
+        EXPECT_EQ(Kept(db, sql), "new");
+        if (c.newInode) {
+            EXPECT_EQ(pool_.Tally().opened, 2u);
+        }
+    }
+    // A file gone is gone, whatever was kept of it.
+    EXPECT_EQ(Kept(paths_.customer, sql), "");
+    fs::remove(paths_.customer);
+    EXPECT_EQ(ErrorNumber([&] { Kept(paths_.customer, sql); }), dao::daoerr::kFileNotFound);
+}
+
+TEST_F(DaoTest, ReadOnlyStaysReadOnlyAndOnlyIdleSharedConnectionsAreKept) {
+    auto write = [&](bool readOnly, bool exclusive = false) {
+        return ErrorNumber([&] {
+            dao::Workspace ws("Morvane", "admin", &pool_);
+            ws.OpenDatabase(Customer(), exclusive, readOnly)
+                .Execute("INSERT INTO tCustomer (id, Code) VALUES (NULL, \"w\")");
+        });
+    };
+    EXPECT_EQ(write(false), 0);
+    EXPECT_EQ(write(true), dao::daoerr::kReadOnly);
+    EXPECT_EQ(write(true), dao::daoerr::kReadOnly);  // kept, and read-only still
+    EXPECT_EQ(write(false), 0);
+    EXPECT_EQ(pool_.Tally().opened, 2u);
+    EXPECT_EQ(pool_.Tally().reused, 2u);
+    EXPECT_EQ(One(paths_.customer, "SELECT COUNT(*) FROM tCustomer WHERE Code = 'w'"), "2");
+
+    // An exclusive connection keeps its lock until it closes: it is closed, not kept.
+    EXPECT_EQ(write(false, true), 0);
+    EXPECT_NO_THROW(Sql(paths_.customer, "DELETE FROM tCustomer WHERE Code = 'w';"));
+    // A statement still running when its database closes keeps the connection from the pool.
+    pool_.Clear();
+    std::unique_ptr<dao::Recordset> rs;
+    {
+        dao::Workspace ws("Morvane", "admin", &pool_);
+        rs = ws.OpenDatabase(Customer())
+                 .OpenRecordset("SELECT COUNT(*) FROM tCustomer", dao::dbOpenDynaset,
+                                dao::dbReadOnly);
+    }
+    EXPECT_EQ(NzString(rs->FieldAt(0).GetValue()), "0");
+    rs.reset();
+    EXPECT_EQ(Kept(paths_.customer, "SELECT COUNT(*) FROM tCustomer"), "0");
+    EXPECT_EQ(pool_.Tally().opened, 2u);
+
+    // With no room, nothing is kept.
+    pool_.SetCapacity(0);
+    Kept(paths_.customer, "SELECT 1");
+    Kept(paths_.customer, "SELECT 1");
+    EXPECT_EQ(pool_.Tally().opened, 4u);
+    EXPECT_EQ(pool_.Tally().reused, 0u);
 }
 
 TEST(LocalDatabases, SampleDataFillsEveryTableWithDeletedAndUnstampedRows) {
