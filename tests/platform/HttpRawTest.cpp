@@ -180,6 +180,9 @@ TEST_F(HttpRawTest, AStreamedReplyCutOffRefusedOrTooLargeLeavesTheOldFileAndNoth
          {"<a/>", 200, "application/octet-stream", {}, 300000, true},
          true},
         {"not written", {std::string(1000, 'a'), 200, "application/octet-stream"}, false},
+        {"stalled",
+         {"late", 200, "application/octet-stream", std::chrono::milliseconds(2500)},
+         true},
     };
     const fs::path target = Write("a.pdf", "old");
     for (const auto& c : cases) {
@@ -188,10 +191,11 @@ TEST_F(HttpRawTest, AStreamedReplyCutOffRefusedOrTooLargeLeavesTheOldFileAndNoth
         {
             auto version = platform::AtomicFile::Create(target);
             ASSERT_TRUE(version);
-            const auto reply = platform::HttpClient(Options(200000))
-                                   .PostInto(Url(), {}, "a=1&", [&](std::string_view piece) {
-                                       return c.sinkTakes && version->Write(piece);
-                                   });
+            auto options = Options(200000);
+            options.stallTimeoutSeconds = 1;
+            const auto reply = platform::HttpClient(options).PostInto(
+                Url(), {}, "a=1&",
+                [&](std::string_view piece) { return c.sinkTakes && version->Write(piece); });
             EXPECT_FALSE(reply.transported);
             EXPECT_FALSE(reply.error.empty());
         }
