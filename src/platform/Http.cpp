@@ -45,10 +45,17 @@ size_t Collect(char* data, size_t size, size_t count, void* user) {
     return size * count;
 }
 
+struct Supplier {
+    const HttpBodySource* source;
+    bool failed = false;
+};
+
 size_t Supply(char* into, size_t size, size_t count, void* user) {
-    const auto& source = *static_cast<const HttpBodySource*>(user);
-    const std::ptrdiff_t n = source.read(into, size * count);
-    return n < 0 ? CURL_READFUNC_ABORT : static_cast<size_t>(n);
+    auto& supplier = *static_cast<Supplier*>(user);
+    const std::ptrdiff_t n = supplier.source->read(into, size * count);
+    if (n >= 0) return static_cast<size_t>(n);
+    supplier.failed = true;
+    return CURL_READFUNC_ABORT;
 }
 
 // Pieces this large keep the calls per byte few when a file streams to or from disk.
@@ -170,9 +177,10 @@ HttpReply HttpClient::Perform(const std::string& url, const HttpHeaders& headers
     char errbuf[CURL_ERROR_SIZE] = {0};
     curl_easy_setopt(c, CURLOPT_URL, url.c_str());
     curl_easy_setopt(c, CURLOPT_POST, 1L);
+    Supplier supplier{body.source};
     if (body.source) {
         curl_easy_setopt(c, CURLOPT_READFUNCTION, Supply);
-        curl_easy_setopt(c, CURLOPT_READDATA, body.source);
+        curl_easy_setopt(c, CURLOPT_READDATA, &supplier);
         curl_easy_setopt(c, CURLOPT_POSTFIELDS, nullptr);
         curl_easy_setopt(c, CURLOPT_UPLOAD_BUFFERSIZE, kStreamBufferBytes);
         curl_easy_setopt(c, CURLOPT_POSTFIELDSIZE_LARGE,
@@ -224,7 +232,10 @@ HttpReply HttpClient::Perform(const std::string& url, const HttpHeaders& headers
     if (rc != CURLE_OK) {
         reply.body.clear();
         reply.body.shrink_to_fit();
-        if (collected.overflowed || rc == CURLE_FILESIZE_EXCEEDED)
+        reply.bodyFailed = supplier.failed;
+        if (supplier.failed)
+            reply.error = "the request body could not be read whole";
+        else if (collected.overflowed || rc == CURLE_FILESIZE_EXCEEDED)
             reply.error =
                 "the reply is larger than " + std::to_string(options_.maxReplyBytes) + " bytes";
         else

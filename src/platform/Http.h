@@ -47,7 +47,8 @@ struct HttpReply {
     bool transported = false;  // a reply arrived, whatever its status
     long status = 0;
     std::string body;
-    std::string error;  // why nothing arrived
+    std::string error;        // why nothing arrived
+    bool bodyFailed = false;  // the body's source failed: nothing is known of the server
 };
 
 // Open connections and TLS sessions kept between POSTs, so that a synchronisation of many

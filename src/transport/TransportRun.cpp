@@ -65,8 +65,11 @@ platform::HttpReply RunExchangeWith(
         run.failuresInARow = 0;
     } else {
         ++state.exchanges.unanswered;
-        ++run.failuresInARow;
-        run.lastError = reply.error;
+        // A body that could not be read tells nothing of the server.
+        if (!reply.bodyFailed) {
+            ++run.failuresInARow;
+            run.lastError = reply.error;
+        }
     }
     return reply;
 }
