@@ -9,7 +9,6 @@
 #include <system_error>
 
 #include "platform/AtomicFile.h"
-#include "platform/ScratchFolder.h"
 #include "platform/Trash.h"
 #include "platform/Xml.h"
 #include "session/mdlErrTrap.h"
@@ -24,7 +23,6 @@
 #include "util/Text.h"
 #include "util/basFileTime.h"
 #include "util/basGetCRC.h"
-#include "util/basTempPath.h"
 #include "util/mdlFileExist1.h"
 
 namespace morvane {
@@ -155,18 +153,12 @@ std::int32_t cCustDataFile::SyncDownloadFile(DataFileKind kind, std::int32_t cus
         // die during the transfer, it is left there and tells the next run so.
         auto incoming = platform::AtomicFile::Create(localFile);
         if (!incoming) FailOn("cannot write beside", localFile);
-        // A folder of this download's own: no other run, and nothing planted, shares its names.
-        auto scratch = platform::ScratchFolder::Create(GetTempFolder(1024));
-        if (!scratch) FailOn("cannot make a temporary folder for", localFile);
-        const std::string name = GetFileNamePart(localFile);
-        const std::string folder = scratch->Path().string();
+        // The reply is written into the new version as it arrives: no copy in between.
         const std::string result = ServerDownloadFile(
-            PagesOf(kind).download, FileBody(custId, localFile), folder, name, owner_);
-        const std::string downloaded = folder + kPathSeparator + name;
-        if (!FileExists(downloaded) || !EqualsNoCase(result, "True")) return 0;
+            PagesOf(kind).download, FileBody(custId, localFile), *incoming, owner_);
+        if (!EqualsNoCase(result, "True")) return 0;
         // The size alone accepts a download: the server's hash plays no part here.
-        if (static_cast<long long>(fs::file_size(downloaded)) != fileSize_) return 0;
-        if (!incoming->CopyFrom(downloaded)) FailOn("cannot write", incoming->TempPath().string());
+        if (static_cast<long long>(incoming->Written()) != fileSize_) return 0;
         if (const auto stamp = DateValue::Parse(lastModified_)) {
             const std::string fresh = incoming->TempPath().string();
             DateValue created, accessed, modified;

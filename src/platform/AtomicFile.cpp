@@ -102,6 +102,7 @@ AtomicFile::AtomicFile(AtomicFile&& other) noexcept
     : target_(std::move(other.target_)),
       temp_(std::move(other.temp_)),
       fd_(std::exchange(other.fd_, -1)),
+      written_(other.written_),
       committed_(std::exchange(other.committed_, true)) {}
 
 AtomicFile::~AtomicFile() { Discard(); }
@@ -115,7 +116,9 @@ void AtomicFile::Discard() {
 }
 
 bool AtomicFile::Write(std::string_view bytes) {
-    return fd_ >= 0 && WriteAll(fd_, bytes.data(), bytes.size());
+    if (fd_ < 0 || !WriteAll(fd_, bytes.data(), bytes.size())) return false;
+    written_ += bytes.size();
+    return true;
 }
 
 bool AtomicFile::CopyFrom(const fs::path& source) {
@@ -133,6 +136,7 @@ bool AtomicFile::CopyFrom(const fs::path& source) {
             break;
         }
         ok = WriteAll(fd_, buf, static_cast<size_t>(n));
+        if (ok) written_ += static_cast<std::uint64_t>(n);
     }
     const int saved = errno;
     ::close(in);

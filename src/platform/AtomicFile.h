@@ -4,6 +4,7 @@
 
 #include <sys/types.h>
 
+#include <cstdint>
 #include <ctime>
 #include <filesystem>
 #include <functional>
@@ -27,6 +28,7 @@ public:
     // An uncommitted version is removed: the old file stays as it was.
     ~AtomicFile();
 
+    // Appends, so a version can be written piece by piece as its bytes arrive.
     bool Write(std::string_view bytes);
     // Appends the whole of a regular file, opened without following a link.
     bool CopyFrom(const std::filesystem::path& source);
@@ -40,6 +42,8 @@ public:
     // over the target and flushes the folder. 0 on success, else an errno value.
     int Commit(const std::function<int()>& beforeReplace = {});
 
+    // Bytes appended so far.
+    std::uint64_t Written() const { return written_; }
     const std::filesystem::path& Target() const { return target_; }
     // Where the new version is written until it is committed.
     const std::filesystem::path& TempPath() const { return temp_; }
@@ -51,6 +55,7 @@ private:
     std::filesystem::path target_;
     std::filesystem::path temp_;
     int fd_ = -1;
+    std::uint64_t written_ = 0;
     bool committed_ = false;
 };
 

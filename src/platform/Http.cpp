@@ -20,15 +20,19 @@ struct Sink {
     CURL* curl;
     std::string* body;
     std::size_t limit;
+    const HttpBodySink* to = nullptr;  // none: into body
+    std::size_t received = 0;
     bool overflowed = false;
 };
 
 size_t Collect(char* data, size_t size, size_t count, void* user) {
     Sink& sink = *static_cast<Sink*>(user);
-    if (sink.body->size() + size * count > sink.limit) {
+    if (sink.received + size * count > sink.limit) {
         sink.overflowed = true;
         return 0;  // curl ends the transfer
     }
+    sink.received += size * count;
+    if (sink.to) return (*sink.to)(std::string_view(data, size * count)) ? size * count : 0;
     if (sink.body->empty()) {
         // A large reply announced by its length is kept in one buffer from the start.
         curl_off_t length = -1;
@@ -40,6 +44,22 @@ size_t Collect(char* data, size_t size, size_t count, void* user) {
     sink.body->append(data, size * count);
     return size * count;
 }
+
+struct Supplier {
+    const HttpBodySource* source;
+    bool failed = false;
+};
+
+size_t Supply(char* into, size_t size, size_t count, void* user) {
+    auto& supplier = *static_cast<Supplier*>(user);
+    const std::ptrdiff_t n = supplier.source->read(into, size * count);
+    if (n >= 0) return static_cast<size_t>(n);
+    supplier.failed = true;
+    return CURL_READFUNC_ABORT;
+}
+
+// Pieces this large keep the calls per byte few when a file streams to or from disk.
+constexpr long kStreamBufferBytes = 512 * 1024;
 
 // Gives up a transfer on which no byte has moved for the stall time-out. curl's own
 // low-speed check averages over several seconds and lets a short stall pass.
@@ -135,16 +155,26 @@ HttpClient::~HttpClient() = default;
 
 HttpReply HttpClient::Post(const std::string& url, const HttpHeaders& headers,
                            std::string_view body) {
-    return Perform(url, headers, body, false);
+    return Perform(url, headers, {body}, false);
 }
 
 HttpReply HttpClient::PostRaw(const std::string& url, const HttpHeaders& headers,
                               std::string_view body) {
-    return Perform(url, headers, body, true);
+    return Perform(url, headers, {body}, true);
 }
 
-HttpReply HttpClient::Perform(const std::string& url, const HttpHeaders& headers,
-                              std::string_view body, bool exactHeaders) {
+HttpReply HttpClient::PostRawFrom(const std::string& url, const HttpHeaders& headers,
+                                  const HttpBodySource& body) {
+    return Perform(url, headers, {{}, &body}, true);
+}
+
+HttpReply HttpClient::PostInto(const std::string& url, const HttpHeaders& headers,
+                               std::string_view body, const HttpBodySink& sink) {
+    return Perform(url, headers, {body}, false, &sink);
+}
+
+HttpReply HttpClient::Perform(const std::string& url, const HttpHeaders& headers, Body body,
+                              bool exactHeaders, const HttpBodySink* sink) {
     HttpReply reply;
     EasyHandle curl(pool_ ? &pool_->impl_->easy : nullptr,
                     pool_ ? &pool_->impl_->easyBusy : nullptr);
@@ -186,12 +216,24 @@ HttpReply HttpClient::Perform(const std::string& url, const HttpHeaders& headers
     char errbuf[CURL_ERROR_SIZE] = {0};
     curl_easy_setopt(c, CURLOPT_URL, url.c_str());
     curl_easy_setopt(c, CURLOPT_POST, 1L);
-    curl_easy_setopt(c, CURLOPT_POSTFIELDS, body.data());
-    curl_easy_setopt(c, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
+    Supplier supplier{body.source};
+    if (body.source) {
+        curl_easy_setopt(c, CURLOPT_READFUNCTION, Supply);
+        curl_easy_setopt(c, CURLOPT_READDATA, &supplier);
+        curl_easy_setopt(c, CURLOPT_POSTFIELDS, nullptr);
+        curl_easy_setopt(c, CURLOPT_UPLOAD_BUFFERSIZE, kStreamBufferBytes);
+        curl_easy_setopt(c, CURLOPT_POSTFIELDSIZE_LARGE,
+                         static_cast<curl_off_t>(body.source->size));
+    } else {
+        curl_easy_setopt(c, CURLOPT_POSTFIELDS, body.bytes.data());
+        curl_easy_setopt(c, CURLOPT_POSTFIELDSIZE_LARGE,
+                         static_cast<curl_off_t>(body.bytes.size()));
+    }
+    if (sink) curl_easy_setopt(c, CURLOPT_BUFFERSIZE, kStreamBufferBytes);
     curl_easy_setopt(c, CURLOPT_HTTPHEADER, list.get());
     curl_easy_setopt(c, CURLOPT_WRITEFUNCTION, Collect);
-    Sink sink{c, &reply.body, options_.maxReplyBytes};
-    curl_easy_setopt(c, CURLOPT_WRITEDATA, &sink);
+    Sink collected{c, &reply.body, options_.maxReplyBytes, sink};
+    curl_easy_setopt(c, CURLOPT_WRITEDATA, &collected);
     curl_easy_setopt(c, CURLOPT_ERRORBUFFER, errbuf);
     curl_easy_setopt(c, CURLOPT_NOSIGNAL, 1L);
     curl_easy_setopt(c, CURLOPT_SSL_VERIFYPEER, 1L);
@@ -229,7 +271,10 @@ HttpReply HttpClient::Perform(const std::string& url, const HttpHeaders& headers
     if (rc != CURLE_OK) {
         reply.body.clear();
         reply.body.shrink_to_fit();
-        if (sink.overflowed || rc == CURLE_FILESIZE_EXCEEDED)
+        reply.bodyFailed = supplier.failed;
+        if (supplier.failed)
+            reply.error = "the request body could not be read whole";
+        else if (collected.overflowed || rc == CURLE_FILESIZE_EXCEEDED)
             reply.error =
                 "the reply is larger than " + std::to_string(options_.maxReplyBytes) + " bytes";
         else

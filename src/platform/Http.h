@@ -3,6 +3,8 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -29,11 +31,24 @@ struct HttpOptions {
 
 using HttpHeaders = std::vector<std::pair<std::string, std::string>>;
 
+// A request body read as it is sent, its length known before the first byte goes, so a
+// large file is sent from disk and never held in memory.
+struct HttpBodySource {
+    std::uint64_t size = 0;
+    // Fills up to max bytes and gives the count; -1 stops the exchange, which then fails:
+    // the body could not be sent whole.
+    std::function<std::ptrdiff_t(char* into, std::size_t max)> read;
+};
+
+// Takes a reply body piece by piece as it arrives; false stops the exchange, which fails.
+using HttpBodySink = std::function<bool(std::string_view piece)>;
+
 struct HttpReply {
     bool transported = false;  // a reply arrived, whatever its status
     long status = 0;
     std::string body;
-    std::string error;  // why nothing arrived
+    std::string error;        // why nothing arrived
+    bool bodyFailed = false;  // the body's source failed: nothing is known of the server
 };
 
 // Open connections and TLS sessions kept between POSTs, so that a synchronisation of many
@@ -64,10 +79,21 @@ public:
     // The same, sending the headers exactly as given: no Content-Type is added for the body,
     // so raw bytes can go without one. A Content-Length given stands for the computed one.
     HttpReply PostRaw(const std::string& url, const HttpHeaders& headers, std::string_view body);
+    // PostRaw with the body read from the source as it is sent.
+    HttpReply PostRawFrom(const std::string& url, const HttpHeaders& headers,
+                          const HttpBodySource& body);
+    // Post whose reply body goes to the sink instead of the reply; the size limit holds
+    // as for a reply kept.
+    HttpReply PostInto(const std::string& url, const HttpHeaders& headers, std::string_view body,
+                       const HttpBodySink& sink);
 
 private:
-    HttpReply Perform(const std::string& url, const HttpHeaders& headers, std::string_view body,
-                      bool exactHeaders);
+    struct Body {
+        std::string_view bytes;
+        const HttpBodySource* source = nullptr;
+    };
+    HttpReply Perform(const std::string& url, const HttpHeaders& headers, Body body,
+                      bool exactHeaders, const HttpBodySink* sink = nullptr);
 
     HttpOptions options_;
     HttpConnectionPool* pool_;

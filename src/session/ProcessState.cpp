@@ -87,6 +87,7 @@ void ProcessState::Reset() {
     masterLockState = 0;
     err.Clear();
     transportRun = TransportRunState{};
+    lastFileSent.reset();
     toolkit_.reset();
     settings_.reset();
     clock_.reset();

@@ -10,6 +10,7 @@
 
 #include "platform/Clock.h"
 #include "platform/Dao.h"
+#include "platform/FileReader.h"
 #include "platform/Forms.h"
 #include "platform/Http.h"
 #include "platform/SettingsStore.h"
@@ -82,6 +83,14 @@ public:
 
     // The time limit and the failures in a row of the current run of requests.
     TransportRunState transportRun;
+
+    // The check value of the file last sent, read on the way, for the comparison after it.
+    struct FileCrc {
+        std::string path;
+        platform::FileVersion version;
+        std::uint32_t crc = 0;
+    };
+    std::optional<FileCrc> lastFileSent;
 
     // Platform services. The host may replace them before the first call.
     forms::Toolkit& Toolkit();

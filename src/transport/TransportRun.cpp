@@ -34,6 +34,14 @@ std::string TransportStopReason() {
 platform::HttpReply RunExchange(const std::string& url, const platform::HttpHeaders& headers,
                                 std::string_view body, bool exactHeaders,
                                 std::size_t maxReplyBytes) {
+    return RunExchangeWith(maxReplyBytes, [&](platform::HttpClient& client) {
+        return exactHeaders ? client.PostRaw(url, headers, body) : client.Post(url, headers, body);
+    });
+}
+
+platform::HttpReply RunExchangeWith(
+    std::size_t maxReplyBytes,
+    const std::function<platform::HttpReply(platform::HttpClient&)>& send) {
     ProcessState& state = State();
     ++state.exchanges.tried;
     if (std::string reason = TransportStopReason(); !reason.empty()) {
@@ -51,15 +59,17 @@ platform::HttpReply RunExchange(const std::string& url, const platform::HttpHead
     if (deadline && (!options.deadline || *deadline < *options.deadline))
         options.deadline = deadline;
     platform::HttpClient client(options, &state.HttpPool());
-    platform::HttpReply reply =
-        exactHeaders ? client.PostRaw(url, headers, body) : client.Post(url, headers, body);
+    platform::HttpReply reply = send(client);
     TransportRunState& run = state.transportRun;
     if (reply.transported) {
         run.failuresInARow = 0;
     } else {
         ++state.exchanges.unanswered;
-        ++run.failuresInARow;
-        run.lastError = reply.error;
+        // A body that could not be read tells nothing of the server.
+        if (!reply.bodyFailed) {
+            ++run.failuresInARow;
+            run.lastError = reply.error;
+        }
     }
     return reply;
 }

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -53,5 +54,9 @@ std::string TransportStopReason();
 platform::HttpReply RunExchange(const std::string& url, const platform::HttpHeaders& headers,
                                 std::string_view body, bool exactHeaders,
                                 std::size_t maxReplyBytes);
+// The same for an exchange of another shape: send runs it on a client set to the limits.
+platform::HttpReply RunExchangeWith(
+    std::size_t maxReplyBytes,
+    const std::function<platform::HttpReply(platform::HttpClient&)>& send);
 
 }  // namespace morvane

@@ -16,6 +16,7 @@ void frmFileDownloadProgress::OnLoad() {
     downloadPath_.clear();
     fileTitle_.clear();
     returnString_.clear();
+    into_ = nullptr;
     PlaceOnWorkArea();
 }
 
@@ -23,8 +24,9 @@ void frmFileDownloadProgress::OnActivate() {
     if (shown_) return;
     shown_ = true;
     Kit().DoEvents();  // paint the form before the blocking transfer
-    returnString_ =
-        ServerDownloadFileDirect(url_, postData_, downloadPath_, fileTitle_) ? "True" : "False";
+    const bool saved = into_ ? ServerDownloadInto(url_, postData_, *into_)
+                             : ServerDownloadFileDirect(url_, postData_, downloadPath_, fileTitle_);
+    returnString_ = saved ? "True" : "False";
     Hide();
 }
 

@@ -7,6 +7,9 @@
 #include "platform/Forms.h"
 
 namespace morvane {
+namespace platform {
+class AtomicFile;
+}
 
 class frmFileDownloadProgress final : public forms::Form {
 public:
@@ -16,6 +19,8 @@ public:
     void SetPostData(std::string data) { postData_ = std::move(data); }
     void SetDownloadPath(std::string path) { downloadPath_ = std::move(path); }
     void SetFileTitle(std::string title) { fileTitle_ = std::move(title); }
+    // Into a version the caller opened instead of the path and title.
+    void SetTarget(platform::AtomicFile* into) { into_ = into; }
     // "True" or "False" once the download ran, else "".
     const std::string& ReturnString() const { return returnString_; }
 
@@ -25,6 +30,7 @@ protected:
 
 private:
     std::string url_, postData_, downloadPath_, fileTitle_, returnString_;
+    platform::AtomicFile* into_ = nullptr;
     bool shown_ = false;
 };
 

@@ -1,31 +1,47 @@
 #include "transport/mdlServerFile.h"
 
-#include <fstream>
-#include <iterator>
 #include <system_error>
 
 #include "platform/AtomicFile.h"
+#include "platform/FileReader.h"
 #include "session/ProcessState.h"
 #include "transport/frmFileDownloadProgress.h"
 #include "transport/frmFileUploadProgress.h"
 #include "transport/mdlServerCommon.h"
 #include "transport/mdlServerReply.h"
+#include "util/basGetCRC.h"
 #include "util/mdlFileExist1.h"
 
 namespace morvane {
 
+bool ServerDownloadInto(std::string_view url, std::string_view postData,
+                        platform::AtomicFile& into) {
+    try {
+        const std::uint64_t before = into.Written();
+        const platform::HttpBodySink write = [&](std::string_view piece) {
+            return into.Write(piece);
+        };
+        const std::string whole = GetServerBaseURL() + std::string(url);
+        const platform::HttpReply reply =
+            RunExchangeWith(kMaxFileReplyBytes, [&](platform::HttpClient& client) {
+                return client.PostInto(whole, StandardHeaders(), postData, write);
+            });
+        return reply.transported && into.Written() > before;
+    } catch (...) {
+        return false;
+    }
+}
+
 bool ServerDownloadFileDirect(std::string_view url, std::string_view postData,
                               std::string_view downloadPath, std::string_view fileTitle) {
     try {
-        platform::HttpReply reply = PostWithHeaders(GetServerBaseURL() + std::string(url), {},
-                                                    postData, kMaxFileReplyBytes);
-        if (!reply.transported || reply.body.empty()) return false;
         // The separator is always added: a doubled one names the same folder.
         const std::string target =
             std::string(downloadPath) + kPathSeparator + std::string(fileTitle);
         // A new file under a fresh name, renamed over any earlier one: a link planted at the
         // target is replaced, never written through.
-        return platform::WriteFileAtomically(target, reply.body) == 0;
+        auto file = platform::AtomicFile::Create(target);
+        return file && ServerDownloadInto(url, postData, *file) && file->Commit() == 0;
     } catch (...) {
         return false;
     }
@@ -48,6 +64,20 @@ std::string ServerDownloadFile(std::string_view url, std::string_view postData,
     return result;
 }
 
+std::string ServerDownloadFile(std::string_view url, std::string_view postData,
+                               platform::AtomicFile& into, forms::Form* owner) {
+    if (State().objectUsage == 1) return ServerDownloadInto(url, postData, into) ? "True" : "False";
+    frmFileDownloadProgress form(State().Toolkit());
+    form.Load();
+    form.SetURL(std::string(url));
+    form.SetPostData(std::string(postData));
+    form.SetTarget(&into);
+    form.ShowModal(owner);
+    std::string result = form.ReturnString();
+    form.Unload();
+    return result;
+}
+
 platform::HttpHeaders UploadHeaders(std::string_view userId, std::string_view token,
                                     std::string_view customerId, std::string_view fileName,
                                     std::uintmax_t size) {
@@ -63,16 +93,23 @@ std::string ServerUploadFileDirect(std::string_view url, std::string_view userId
                                    std::string_view token, std::string_view customerId,
                                    std::string_view fileName) {
     try {
-        std::ifstream in(std::string(fileName), std::ios::binary);
-        if (!in) return {};
-        const std::string bytes{std::istreambuf_iterator<char>(in),
-                                std::istreambuf_iterator<char>()};
-        if (in.bad()) return {};
+        auto reader = platform::FileReader::Open(std::string(fileName));
+        if (!reader) return {};
+        // Sent from disk as it is read; a file that changes meanwhile fails the send.
+        const platform::HttpBodySource body{
+            reader->Opened().size,
+            [&](char* into, std::size_t max) { return reader->ReadAsOpened(into, max); }};
+        const std::string whole = GetServerBaseURL() + std::string(url);
         platform::HttpReply reply =
-            RunExchange(GetServerBaseURL() + std::string(url),
-                        UploadHeaders(userId, token, customerId, fileName, bytes.size()), bytes,
-                        true, kMaxXmlReplyBytes);
-        return reply.transported ? std::move(reply.body) : std::string();
+            RunExchangeWith(kMaxXmlReplyBytes, [&](platform::HttpClient& client) {
+                return client.PostRawFrom(
+                    whole, UploadHeaders(userId, token, customerId, fileName, body.size), body);
+            });
+        if (!reply.transported) return {};
+        // The check value came with the send: the comparison after it need not read again.
+        if (reader->Consumed() == body.size)
+            RememberFileCRC(fileName, reader->Opened(), reader->Crc());
+        return std::move(reply.body);
     } catch (...) {
         return {};
     }

@@ -14,6 +14,9 @@ namespace morvane {
 namespace forms {
 class Form;
 }
+namespace platform {
+class AtomicFile;
+}
 
 // The largest file the progress form sends (the direct route has no limit).
 inline constexpr std::uintmax_t kMaxUploadFileSize = 0x800000;
@@ -26,6 +29,13 @@ std::string ServerDownloadFile(std::string_view url, std::string_view postData,
 // body replaces the file, and telling a good file from an error page is the caller's.
 bool ServerDownloadFileDirect(std::string_view url, std::string_view postData,
                               std::string_view downloadPath, std::string_view fileTitle);
+// The same into a new version the caller opened and commits: the body is written to disk as
+// it arrives, once. False, with the version holding nothing to keep, when no non-empty body
+// came whole.
+std::string ServerDownloadFile(std::string_view url, std::string_view postData,
+                               platform::AtomicFile& into, forms::Form* owner);
+bool ServerDownloadInto(std::string_view url, std::string_view postData,
+                        platform::AtomicFile& into);
 
 // The reply text when the reply check passed it, else "".
 std::string ServerUploadFile(std::string_view url, std::string_view userId, std::string_view token,

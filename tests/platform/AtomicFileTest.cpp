@@ -1,5 +1,5 @@
 // Files replaced whole or not at all: the new version, its mode and time, a failed write, a
-// planted link, a writer killed half way, and the private folders of a download.
+// planted link and a writer killed half way.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/resource.h>
@@ -12,7 +12,6 @@
 #include <string>
 
 #include "platform/AtomicFile.h"
-#include "platform/ScratchFolder.h"
 #include "support/LeftoverWrite.h"
 #include "support/TempDir.h"
 
@@ -158,24 +157,6 @@ TEST_F(AtomicFileTest, AWriterKilledHalfWayLeavesTheOldFileAndAVersionThatIsFoun
     EXPECT_TRUE(platform::LeftoverVersions(file).empty());
     EXPECT_EQ(Read(file), "old");
     EXPECT_EQ(Others({"a.pdf"}).size(), 4u);
-}
-
-TEST_F(AtomicFileTest, ScratchFoldersArePrivateDistinctAndGoWithTheirContents) {
-    fs::path first;
-    {
-        auto a = platform::ScratchFolder::Create(dir_.Path());
-        auto b = platform::ScratchFolder::Create(dir_.Path());
-        ASSERT_TRUE(a && b);
-        EXPECT_NE(a->Path(), b->Path());
-        EXPECT_EQ(ModeOf(a->Path()), 0700u);
-        first = a->Path();
-        std::ofstream(first / "a.pdf") << "downloaded";
-        auto moved = std::move(*a);
-        EXPECT_TRUE(fs::exists(first / "a.pdf"));
-    }
-    EXPECT_FALSE(fs::exists(first));
-    EXPECT_EQ(Others({}), std::set<std::string>{});
-    EXPECT_FALSE(platform::ScratchFolder::Create(dir_.Path() / "missing"));
 }
 
 }  // namespace

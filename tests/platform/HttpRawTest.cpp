@@ -3,30 +3,78 @@
 // as the component's do, so that nothing of one request rides on the next.
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
 #include <string>
 
+#include "platform/AtomicFile.h"
+#include "platform/Checksum.h"
+#include "platform/FileReader.h"
 #include "platform/Http.h"
+#include "support/TempDir.h"
 #include "support/TestServer.h"
 
 namespace morvane::test {
 namespace {
+namespace fs = std::filesystem;
 
 class HttpRawTest : public ::testing::Test {
 protected:
-    platform::HttpReply Send(bool raw, const platform::HttpHeaders& headers, std::string body,
-                             std::size_t maxReplyBytes = std::size_t{64} << 20) {
+    platform::HttpOptions Options(std::size_t maxReplyBytes = std::size_t{64} << 20) const {
         platform::HttpOptions options;
         options.caFile = server_.CaFile();
         options.connectTimeoutSeconds = 5;
         options.stallTimeoutSeconds = 5;
         options.maxReplyBytes = maxReplyBytes;
-        platform::HttpClient client(options, &pool_);
-        const std::string url = "https://" + server_.HostName() + "/echo.php";
-        return raw ? client.PostRaw(url, headers, body) : client.Post(url, headers, body);
+        return options;
+    }
+    std::string Url() const { return "https://" + server_.HostName() + "/echo.php"; }
+    platform::HttpReply Send(bool raw, const platform::HttpHeaders& headers, std::string body,
+                             std::size_t maxReplyBytes = std::size_t{64} << 20) {
+        platform::HttpClient client(Options(maxReplyBytes), &pool_);
+        return raw ? client.PostRaw(Url(), headers, body) : client.Post(Url(), headers, body);
+    }
+    // Sent from the file as it is read; between pieces, meddle has its chance at the file.
+    platform::HttpReply SendFile(const fs::path& path, const std::function<void()>& meddle = {}) {
+        auto reader = platform::FileReader::Open(path);
+        if (!reader) return {};
+        const platform::HttpBodySource body{reader->Opened().size, [&](char* into, size_t max) {
+                                                const auto n = reader->ReadAsOpened(into, max);
+                                                if (meddle && reader->Consumed() < body.size)
+                                                    meddle();
+                                                return n;
+                                            }};
+        const auto reply = platform::HttpClient(Options(), &pool_).PostRawFrom(
+            Url(), {{"Content-Length", std::to_string(body.size)}}, body);
+        lastCrc_ = reader->Crc();
+        return reply;
+    }
+    // Past curl's piece of a streamed body, and no multiple of it.
+    static std::string Bytes() {
+        std::string bytes((std::size_t{3} << 19) + 11, '\0');
+        for (std::size_t i = 0; i < bytes.size(); ++i)
+            bytes[i] = static_cast<char>(i * 7 + (i >> 10));
+        return bytes;
+    }
+    fs::path Write(const std::string& name, const std::string& bytes) {
+        const fs::path path = dir_.Path() / name;
+        std::ofstream(path, std::ios::binary) << bytes;
+        return path;
+    }
+    static std::string Read(const fs::path& path) {
+        std::ifstream in(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
     }
     TestServer server_;
+    // One pool for the test's requests, so the reused handle is what they go through.
     platform::HttpConnectionPool pool_;
+    TempDir dir_;
+    std::uint32_t lastCrc_ = 0;
 };
 
 TEST_F(HttpRawTest, BytesTravelUnchangedWithoutAContentType) {
@@ -93,6 +141,105 @@ TEST_F(HttpRawTest, NoExchangeStartsPastTheDeadline) {
         platform::HttpClient(options).Post("https://" + server_.HostName() + "/echo.php", {}, "a");
     EXPECT_FALSE(reply.transported);
     EXPECT_TRUE(server_.Requests().empty());
+}
+
+TEST_F(HttpRawTest, AFileStreamsUpAndAReplyStreamsIntoANewVersionByteForByte) {
+    const std::string bytes = Bytes();
+    server_.On("echo.php", [](const RecordedRequest& r) {
+        return PageReply{r.body, 200, "application/octet-stream"};
+    });
+    const auto sent = SendFile(Write("up.bin", bytes));
+    ASSERT_TRUE(sent.transported) << sent.error;
+    EXPECT_TRUE(sent.body == bytes);
+    EXPECT_EQ(server_.Requests().at(0).Header("content-length"), std::to_string(bytes.size()));
+    EXPECT_EQ(lastCrc_, platform::Crc32(0, bytes));
+
+    server_.On("echo.php", [&](const RecordedRequest&) {
+        return PageReply{bytes, 200, "application/octet-stream"};
+    });
+    const fs::path target = Write("down.bin", "old");
+    auto version = platform::AtomicFile::Create(target);
+    ASSERT_TRUE(version);
+    const auto got = platform::HttpClient(Options()).PostInto(
+        Url(), {}, "a=1&", [&](std::string_view piece) { return version->Write(piece); });
+    ASSERT_TRUE(got.transported) << got.error;
+    EXPECT_TRUE(got.body.empty());
+    EXPECT_EQ(version->Written(), bytes.size());
+    ASSERT_EQ(version->Commit(), 0);
+    EXPECT_TRUE(Read(target) == bytes);
+}
+
+TEST_F(HttpRawTest, AStreamedReplyCutOffRefusedOrTooLargeLeavesTheOldFileAndNothingBeside) {
+    const struct {
+        const char* name;
+        PageReply reply;
+        bool sinkTakes;
+    } cases[] = {
+        {"cut off",
+         {std::string(300000, 'a'), 200, "application/octet-stream", {}, 0, false, 150000},
+         true},
+        {"past the cap", {"<a/>", 200, "application/octet-stream", {}, 300000}, true},
+        {"past the cap unannounced",
+         {"<a/>", 200, "application/octet-stream", {}, 300000, true},
+         true},
+        {"not written", {std::string(1000, 'a'), 200, "application/octet-stream"}, false},
+        {"stalled",
+         {"late", 200, "application/octet-stream", std::chrono::milliseconds(2500)},
+         true},
+    };
+    const fs::path target = Write("a.pdf", "old");
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        server_.On("echo.php", [&](const RecordedRequest&) { return c.reply; });
+        {
+            auto version = platform::AtomicFile::Create(target);
+            ASSERT_TRUE(version);
+            auto options = Options(200000);
+            options.stallTimeoutSeconds = 1;
+            const auto reply = platform::HttpClient(options).PostInto(
+                Url(), {}, "a=1&",
+                [&](std::string_view piece) { return c.sinkTakes && version->Write(piece); });
+            EXPECT_FALSE(reply.transported);
+            EXPECT_FALSE(reply.error.empty());
+        }
+        EXPECT_EQ(Read(target), "old");
+        EXPECT_TRUE(platform::LeftoverVersions(target).empty());
+    }
+}
+
+TEST_F(HttpRawTest, AFileThatChangesWhileSentFailsTheSendAndNothingArrives) {
+    const std::string bytes = Bytes();
+    const struct {
+        const char* name;
+        std::function<void(const fs::path&)> change;
+    } cases[] = {
+        {"removed", [](const fs::path& p) { fs::remove(p); }},
+        {"cut short", [](const fs::path& p) { fs::resize_file(p, 1000); }},
+        {"grown", [](const fs::path& p) { std::ofstream(p, std::ios::app) << "more"; }},
+        {"replaced",
+         [&](const fs::path& p) {
+             const fs::path other = p.string() + ".other";
+             std::ofstream(other, std::ios::binary) << bytes;
+             fs::rename(other, p);
+         }},
+        {"rewritten in place",
+         [](const fs::path& p) {
+             std::fstream(p, std::ios::in | std::ios::out | std::ios::binary) << "XYZ";
+             fs::last_write_time(p, fs::last_write_time(p) - std::chrono::hours(1));
+         }},
+    };
+    server_.On("echo.php", "ok");
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const fs::path path = Write("up.bin", bytes);
+        bool changed = false;
+        const auto reply = SendFile(path, [&] {
+            if (!std::exchange(changed, true)) c.change(path);
+        });
+        EXPECT_TRUE(changed);
+        EXPECT_FALSE(reply.transported);
+        EXPECT_TRUE(server_.Requests().empty());
+    }
 }
 
 }  // namespace

@@ -2,13 +2,16 @@
 // saves any non-empty body, the upload sends raw bytes with its parameters in headers.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 
+#include "platform/AtomicFile.h"
 #include "session/ProcessState.h"
 #include "support/MorvaneTest.h"
 #include "transport/mdlServerFile.h"
+#include "util/basGetCRC.h"
 
 namespace morvane::test {
 namespace {
@@ -161,6 +164,53 @@ TEST_F(FileTransferTest, ProgressFormsHaveTheirOwner) {
     EXPECT_EQ(kit_->ShownForms()[0].form, "frmFileUploadProgress");
     EXPECT_EQ(kit_->ShownForms()[0].owner, "frmHost");
     EXPECT_EQ(kit_->ShownForms()[1].owner, "frmHost");
+}
+
+TEST_F(FileTransferTest, FilesPastOneReadPieceGoUpAndComeDownByteForByte) {
+    std::string bytes((std::size_t{3} << 19) + 5, '\0');
+    for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>(i * 13 + (i >> 11));
+    std::string stored;
+    server_->On(kSet, [&](const RecordedRequest& r) {
+        stored = r.body;
+        return PageReply{Envelope(1, "T2", "<Customer/>")};
+    });
+    server_->On(kGet, [&](const RecordedRequest&) {
+        return PageReply{stored, 200, "application/octet-stream"};
+    });
+    const std::string path = Write("up.bin", bytes);
+    EXPECT_NE(ServerUploadFile(kSet, "user1", "T1", "7", path, nullptr), "");
+    EXPECT_TRUE(stored == bytes);
+    // The check value read on the way answers for the file until it changes.
+    ASSERT_TRUE(State().lastFileSent);
+    EXPECT_EQ(CrcText(State().lastFileSent->crc), GetCRC(bytes));
+    EXPECT_EQ(GetFileCRC(path), GetCRC(bytes));
+    std::fstream(path, std::ios::in | std::ios::out | std::ios::binary) << "changed";
+    fs::last_write_time(path, fs::last_write_time(path) - std::chrono::hours(1));
+    EXPECT_EQ(GetFileCRC(path), GetCRC(Read(path)));
+    EXPECT_NE(GetFileCRC(path), GetCRC(bytes));
+
+    Write("down.bin", "old");
+    EXPECT_EQ(ServerDownloadFile(kGet, "x=1&", folder_, "down.bin", nullptr), "True");
+    EXPECT_TRUE(Read(folder_ + "/down.bin") == bytes);
+    EXPECT_TRUE(platform::LeftoverVersions(folder_ + "/down.bin").empty());
+}
+
+TEST_F(FileTransferTest, ADownloadCutOffOrUnansweredLeavesTheOldFileAndNothingBeside) {
+    const std::string old = Write("a.pdf", "old");
+    PageReply cut{std::string(300000, 'n'), 200, "application/octet-stream"};
+    cut.dropAfter = 100000;
+    server_->On(kGet, [&](const RecordedRequest&) { return cut; });
+    for (const int usage : {0, 1}) {
+        State().objectUsage = usage;
+        EXPECT_EQ(ServerDownloadFile(kGet, "x=1&", folder_, "a.pdf", nullptr), "False");
+        auto version = platform::AtomicFile::Create(old);
+        ASSERT_TRUE(version);
+        EXPECT_EQ(ServerDownloadFile(kGet, "x=1&", *version, nullptr), "False");
+    }
+    State().serverName = "127.0.0.1:1";  // nobody listens there
+    EXPECT_FALSE(ServerDownloadFileDirect(kGet, "x=1&", folder_, "a.pdf"));
+    EXPECT_EQ(Read(old), "old");
+    EXPECT_TRUE(platform::LeftoverVersions(old).empty());
 }
 
 }  // namespace

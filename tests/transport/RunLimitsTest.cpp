@@ -102,6 +102,24 @@ TEST_F(RunLimitsTest, RunStopsAfterFailuresInARowAndAReplyResetsTheCount) {
     EXPECT_EQ(Sent(), 7u);
 }
 
+TEST_F(RunLimitsTest, ABodyThatCannotBeReadFailsItsRequestButNotTheServer) {
+    Answer(Good());
+    const platform::HttpBodySource unreadable{
+        100, [](char*, std::size_t) -> std::ptrdiff_t { return -1; }};
+    for (int i = 0; i < kMaxTransportFailures; ++i) {
+        const auto reply = RunExchangeWith(kMaxXmlReplyBytes, [&](platform::HttpClient& client) {
+            return client.PostRawFrom("https://" + server_->HostName() + "/" + kPage,
+                                      {{"Content-Length", "100"}}, unreadable);
+        });
+        EXPECT_FALSE(reply.transported);
+        EXPECT_TRUE(reply.bodyFailed);
+    }
+    EXPECT_FALSE(ServerUnreachable());
+    EXPECT_EQ(Sent(), 0u);
+    EXPECT_EQ(State().exchanges.unanswered, std::uint64_t(kMaxTransportFailures));
+    EXPECT_NE(Post(), "");
+}
+
 TEST_F(RunLimitsTest, StalledServerCostsAStallTimeOutPerRequestThenTheRunStops) {
     platform::HttpOptions http = State().HttpOptions();
     http.stallTimeoutSeconds = 1;

@@ -7,6 +7,7 @@
 
 #include "platform/Checksum.h"
 #include "support/TempDir.h"
+#include "util/RuntimeError.h"
 #include "util/SHA256String.h"
 #include "util/basByteSize.h"
 #include "util/basGetCRC.h"
@@ -42,6 +43,22 @@ TEST(CrcTest, FileCheckValueTellsMissingFromEmpty) {
     EXPECT_EQ(GetFileCRC(missing), "");
     EXPECT_EQ(GetFileCRC(empty), "00000000");
     EXPECT_EQ(GetFileCRC(digits), "CBF43926");
+}
+
+TEST(CrcTest, AFileOfManyPiecesIsCheckedWholeAndAFolderCannotBeRead) {
+    TempDir dir;
+    // Past the read piece, and not a multiple of it.
+    std::string bytes((std::size_t{5} << 19) + 3, '\0');
+    for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>(i * 131 + (i >> 9));
+    const auto big = (dir.Path() / "big.bin").string();
+    std::ofstream(big, std::ios::binary) << bytes;
+    EXPECT_EQ(GetFileCRC(big), GetCRC(bytes));
+    try {
+        GetFileCRC(dir.Path().string());
+        ADD_FAILURE() << "a folder was read";
+    } catch (const RuntimeError& e) {
+        EXPECT_EQ(e.Number(), errnum::kPathFileAccess);
+    }
 }
 
 std::string Hex(const std::array<std::uint8_t, 32>& d) {
