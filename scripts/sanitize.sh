@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # The unit tests again under AddressSanitizer and UndefinedBehaviorSanitizer (clang, in
 # build-asan/), then every fuzz target of fuzz/ for a bounded time each.
-#   MORVANE_FUZZ_SECONDS  seconds per fuzz target (default 20; 0 skips the fuzzing)
+#   MORVANE_FUZZ_SECONDS  seconds per fuzz target (default 10; 0 skips the fuzzing)
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build="$root/build-asan"
-seconds=${MORVANE_FUZZ_SECONDS:-20}
+seconds=${MORVANE_FUZZ_SECONDS:-10}
 if [ ! -f "$build/build.ninja" ]; then
     CC=clang CXX=clang++ cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Sanitize \
         -DMORVANE_SANITIZE=ON -DMORVANE_FUZZ=ON -DMORVANE_BUILD_QT=OFF
