@@ -214,10 +214,7 @@ SeenStamps SyncRun::CustomerStamps(std::int32_t id) {
     return folded;
 }
 
-bool SyncRun::Unchanged(std::int32_t id) {
-    if (options_.full || options_.journal.empty() || addedToServer_.count(id)) return false;
-    const std::optional<SeenStamps> agreed = journal_.Find(id, kCustomerEntry);
-    if (!agreed) return false;
+bool SyncRun::SnapshotAgrees(std::int32_t id) {
     for (const SyncKind& kind : SyncKinds()) {
         if (!CustomerKind(kind) || !Live(kind)) continue;
         std::vector<int> flags;
@@ -225,7 +222,13 @@ bool SyncRun::Unchanged(std::int32_t id) {
             flags.push_back(NzLong(c_.Call("CustmerBackupedTableSyncFlag", {Value(id), Value(t)})));
         if (SnapshotDecision(kind, flags) != 0) return false;
     }
-    return *agreed == CustomerStamps(id);
+    return true;
+}
+
+bool SyncRun::Unchanged(std::int32_t id) {
+    if (options_.full || options_.journal.empty() || addedToServer_.count(id)) return false;
+    const std::optional<SeenStamps> agreed = journal_.Find(id, kCustomerEntry);
+    return agreed && SnapshotAgrees(id) && *agreed == CustomerStamps(id);
 }
 
 void SyncRun::RecordSettled() {
@@ -235,19 +238,13 @@ void SyncRun::RecordSettled() {
     if (again.failed) return;
     fingerprints_ = c_.LocalFingerprints(localTables_, dataDir_);
     for (const auto& [id, when] : settled_) {
-        bool quiet = true;
-        for (const SyncKind& kind : SyncKinds()) {
-            if (!CustomerKind(kind) || !Live(kind)) continue;
-            std::vector<int> flags;
-            for (int t : kind.tables) {
-                const std::vector<Value> at{Value(id), Value(t)};
-                flags.push_back(NzLong(c_.Call("CustmerBackupedTableSyncFlag", at)));
-                // A server stamp after the customer settled is somebody else's move.
-                const auto stamp =
-                    DateValue::Parse(NzString(c_.Call("CustmerRecordUpdateTable_Server", at)));
-                if (stamp && *stamp > when) quiet = false;
-            }
-            if (SnapshotDecision(kind, flags) != 0) quiet = false;
+        bool quiet = SnapshotAgrees(id);
+        for (const LocalTable& t : localTables_) {
+            if (t.index < 0) continue;
+            // A server stamp after the customer settled is somebody else's move.
+            const auto stamp = DateValue::Parse(
+                NzString(c_.Call("CustmerRecordUpdateTable_Server", {Value(id), Value(t.index)})));
+            if (stamp && *stamp > when) quiet = false;
         }
         if (quiet) journal_.Agreed(id, kCustomerEntry, CustomerStamps(id));
     }

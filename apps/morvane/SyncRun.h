@@ -161,6 +161,8 @@ private:
     bool NoLocalRows(const SyncKind& kind, std::int32_t custId);
     // The snapshot's and the local fingerprint's word on a customer, folded.
     SeenStamps CustomerStamps(std::int32_t id);
+    // True when the snapshot's flags say every live kind of the customer agrees.
+    bool SnapshotAgrees(std::int32_t id);
     // True when the snapshot says every live kind agrees and neither side changed anything of
     // the customer since the journal last saw it agree: it is not walked.
     bool Unchanged(std::int32_t id);
