@@ -55,7 +55,7 @@ int ObjectComponent::LoginState() const { return obj_.LoginState(); }
 
 ExchangeCounts ObjectComponent::Exchanges() const {
     const auto& e = State().exchanges;
-    return {e.tried, e.unanswered, e.failed};
+    return {e.tried, e.unanswered, e.failed, State().trappedErrors};
 }
 
 SeenStamps ObjectComponent::TakeComparedStamps() {

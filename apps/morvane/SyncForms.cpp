@@ -41,12 +41,13 @@ void SyncRun::Form(const SyncKind& kind, std::int32_t id, const std::vector<int>
             tally_[kind.name].differ[decision]++;
             return;
         }
-        Decide(kind, decision, args, label);
+        Decide(kind, decision, args, label, id);
         return;
     }
     // Sent up only, so the snapshot decides.
     int decision = SnapshotDecision(kind, flags);
     if (decision == 0 && addedToServer_.count(id)) decision = 2;
+    decision = WithUnfinishedMove(kind, id, decision, label);
     if (decision == 0) return;
     if (!options_.dryRun && !locked) {
         tally_[kind.name].differ[decision]++;
@@ -67,24 +68,33 @@ void SyncRun::Form(const SyncKind& kind, std::int32_t id, const std::vector<int>
         out_ << label << ": the server's copy is newer; it cannot be downloaded\n";
         return;
     }
-    for (const FormOwner& owner : owners(0)) {
-        if (owner.dataId == 0) continue;  // a list of no data file is no one's to send
-        const std::string what = label + " of " + (owner.kessan ? "settlement" : "permit") +
-                                 " file " + DoubleText(owner.dataId);
-        if (options_.dryRun) {
-            ++summary_.planned;
-            out_ << what << ": would upload\n";
-            continue;
+    const auto send = [&] {
+        bool all = true;
+        for (const FormOwner& owner : owners(0)) {
+            if (owner.dataId == 0) continue;  // a list of no data file is no one's to send
+            const std::string what = label + " of " + (owner.kessan ? "settlement" : "permit") +
+                                     " file " + DoubleText(owner.dataId);
+            if (options_.dryRun) {
+                ++summary_.planned;
+                out_ << what << ": would upload\n";
+                continue;
+            }
+            if (CallOk(kind.upload,
+                       {Value(prefDb), Value(id), Value(owner.dataId), Value(owner.kessan)})) {
+                ++summary_.uploads;
+                out_ << what << ": uploaded\n";
+            } else {
+                ++summary_.failures;
+                out_ << what << ": " << kind.upload << " failed\n";
+                all = false;
+            }
         }
-        if (CallOk(kind.upload,
-                   {Value(prefDb), Value(id), Value(owner.dataId), Value(owner.kessan)})) {
-            ++summary_.uploads;
-            out_ << what << ": uploaded\n";
-        } else {
-            ++summary_.failures;
-            out_ << what << ": " << kind.upload << " failed\n";
-        }
-    }
+        return all;
+    };
+    if (options_.dryRun)
+        send();
+    else
+        Move(kind, id, 2, label, send);
 }
 
 }  // namespace morvane::cli

@@ -7,6 +7,11 @@
 #include "platform/AtomicFile.h"
 
 namespace morvane::cli {
+namespace {
+
+constexpr std::string_view kUnfinished = "unfinished";
+
+}  // namespace
 
 SyncJournal::SyncJournal(std::filesystem::path path) : path_(std::move(path)) {
     if (path_.empty()) return;
@@ -17,12 +22,22 @@ SyncJournal::SyncJournal(std::filesystem::path path) : path_(std::move(path)) {
         std::int32_t custId = 0;
         std::string kind;
         SeenStamps seen;
-        // Lines: customer, tab, kind, tab, server fold, tab, local fold; a torn line is skipped.
-        if (!(fields >> custId) || fields.get() != '\t' || !std::getline(fields, kind, '\t') ||
-            !(fields >> std::hex >> seen.server >> seen.local))
+        // Lines: customer, tab, kind, tab, server fold, tab, local fold, or customer, tab,
+        // kind, tab, the word of an unfinished move, tab, its way; a torn line is skipped.
+        if (!(fields >> custId) || fields.get() != '\t' || !std::getline(fields, kind, '\t'))
             continue;
+        if (fields.peek() == kUnfinished.front()) {
+            std::string word;
+            int way = 0;
+            if (std::getline(fields, word, '\t') && word == kUnfinished && (fields >> way) &&
+                (way == 1 || way == 2))
+                unfinished_[{custId, kind}] = way;
+            continue;
+        }
+        if (!(fields >> std::hex >> seen.server >> seen.local)) continue;
         entries_[{custId, kind}] = seen;
     }
+    saved_ = entries_;
 }
 
 std::optional<SeenStamps> SyncJournal::Find(std::int32_t custId, const std::string& kind) const {
@@ -42,15 +57,49 @@ void SyncJournal::Forget(std::int32_t custId, const std::string& kind) {
     changed_ = entries_.erase({custId, kind}) > 0 || changed_;
 }
 
-bool SyncJournal::Save() const {
+bool SyncJournal::Save() {
     if (path_.empty() || !changed_) return true;
+    if (!Write(entries_)) return false;
+    saved_ = entries_;
+    changed_ = false;
+    return true;
+}
+
+bool SyncJournal::Begin(std::int32_t custId, const std::string& kind, int way) {
+    unfinished_[{custId, kind}] = way;
+    return path_.empty() || Write(saved_);
+}
+
+bool SyncJournal::Finished(std::int32_t custId, const std::string& kind) {
+    if (unfinished_.erase({custId, kind}) == 0) return true;
+    return path_.empty() || Write(saved_);
+}
+
+int SyncJournal::Unfinished(std::int32_t custId, const std::string& kind) const {
+    const auto it = unfinished_.find({custId, kind});
+    return it == unfinished_.end() ? 0 : it->second;
+}
+
+bool SyncJournal::AnyUnfinished(std::int32_t custId) const {
+    const auto it = unfinished_.lower_bound({custId, std::string()});
+    return it != unfinished_.end() && it->first.first == custId;
+}
+
+bool SyncJournal::Write(const std::map<Key, SeenStamps>& entries) const {
     std::ostringstream text;
-    for (const auto& [key, seen] : entries_)
+    for (const auto& [key, seen] : entries)
         text << key.first << '\t' << key.second << '\t' << std::hex << seen.server << '\t'
              << seen.local << std::dec << '\n';
+    for (const auto& [key, way] : unfinished_)
+        text << key.first << '\t' << key.second << '\t' << kUnfinished << '\t' << way << '\n';
     std::error_code ec;
     std::filesystem::create_directories(path_.parent_path(), ec);
     return platform::WriteFileAtomically(path_, text.str(), 0600) == 0;
+}
+
+int WithUnfinished(int decision, int way) {
+    if (way == 0) return decision;
+    return decision == 0 || decision == way ? way : 3;
 }
 
 std::uint64_t FoldText(std::uint64_t fold, std::string_view text) {

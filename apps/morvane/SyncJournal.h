@@ -33,11 +33,26 @@ public:
     void Forget(std::int32_t custId, const std::string& kind);
     // Written whole under another name, synced, then renamed over the old file. False when
     // it could not be written; the old journal then stays.
-    bool Save() const;
+    bool Save();
+
+    // A move that commits in more than one step (1 a download, 2 an upload), noted on disk
+    // before it starts and cleared once it went through: a kill in between leaves the note,
+    // and the next run takes the move up again. Only the notes are written at once; the
+    // agreements of a run are written by Save, when the run has settled them.
+    bool Begin(std::int32_t custId, const std::string& kind, int way);
+    bool Finished(std::int32_t custId, const std::string& kind);
+    // The way of the move left unfinished, 0 when none.
+    int Unfinished(std::int32_t custId, const std::string& kind) const;
+    bool AnyUnfinished(std::int32_t custId) const;
 
 private:
+    using Key = std::pair<std::int32_t, std::string>;
+    bool Write(const std::map<Key, SeenStamps>& entries) const;
+
     std::filesystem::path path_;
-    std::map<std::pair<std::int32_t, std::string>, SeenStamps> entries_;
+    std::map<Key, SeenStamps> entries_;
+    std::map<Key, SeenStamps> saved_;  // as the file holds them
+    std::map<Key, int> unfinished_;
     bool changed_ = false;
 };
 
@@ -45,5 +60,9 @@ private:
 // 2 local newer, 3 both moved): a side whose stamp changed since the last agreement has
 // moved, even when the comparison's margin hides it.
 int WithJournal(int decision, const std::optional<SeenStamps>& agreed, SeenStamps seen);
+
+// How a move left unfinished folds into a decision: it is taken up again, unless the other
+// side moved since, which makes it the user's call.
+int WithUnfinished(int decision, int way);
 
 }  // namespace morvane::cli

@@ -27,6 +27,7 @@ SyncKind Form(std::string name, std::vector<int> tables, std::string_view middle
               std::string upload = {}) {
     SyncKind k = Customer(std::move(name), std::move(tables), middle, std::move(upload));
     k.scope = KindScope::CustomerForm;
+    k.splitMove = true;  // a main row, then its list
     return k;
 }
 

@@ -27,6 +27,9 @@ struct SyncKind {
     std::string upload;
     std::string fileTable;  // CustomerFile: the records whose DataFile names the files
     std::string records;    // CustomerFile: the kind of those records
+    // A move commits its first table before it touches the second: one cut in between is
+    // noted in the journal and taken up again.
+    bool splitMove = false;
 };
 
 // Every kind, in the order the host works them off.

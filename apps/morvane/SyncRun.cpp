@@ -117,7 +117,8 @@ SyncRun::Answer SyncRun::Ask(std::string_view member, const std::vector<Value>& 
     const ExchangeCounts before = c_.Exchanges();
     Answer answer{c_.Call(member, args)};
     const ExchangeCounts after = c_.Exchanges();
-    answer.failed = after.failed > before.failed || after.unanswered > before.unanswered;
+    answer.failed = after.failed > before.failed || after.unanswered > before.unanswered ||
+                    after.errors > before.errors;
     answer.unanswered = after.unanswered > before.unanswered;
     answer.sent = after.tried > before.tried;
     if (after.tried - after.unanswered > before.tried - before.unanswered) {
@@ -147,14 +148,43 @@ int SyncRun::Compare(const SyncKind& kind, std::int32_t custId, const std::vecto
     lastSeen_ = seen;
     if (answer.failed) return -1;
     const int decision = NzLong(answer.value);
+    keptWorker_ = decision != 0;
     const std::optional<SeenStamps> agreed = journal_.Find(custId, kind.name);
-    const int folded = WithJournal(decision, agreed, seen);
+    int folded = WithJournal(decision, agreed, seen);
+    const std::string label =
+        custId == 0 ? kind.name : "customer " + std::to_string(custId) + " " + kind.name;
     if (folded != decision)
-        out_ << (custId == 0 ? kind.name : "customer " + std::to_string(custId) + " " + kind.name)
-             << ": " << (agreed->server != seen.server ? "the server" : "the local side")
+        out_ << label << ": " << (agreed->server != seen.server ? "the server" : "the local side")
              << " changed since the last agreement (" << Way(decision) << " by the stamps)\n";
+    folded = WithUnfinishedMove(kind, custId, folded, label);
     if (folded == 0 && !options_.dryRun) journal_.Agreed(custId, kind.name, seen);
     return folded;
+}
+
+int SyncRun::WithUnfinishedMove(const SyncKind& kind, std::int32_t custId, int decision,
+                                const std::string& label) {
+    const int way = journal_.Unfinished(custId, kind.name);
+    if (way == 0) return decision;
+    const int folded = WithUnfinished(decision, way);
+    out_ << label << ": the last " << (way == 1 ? "download" : "upload")
+         << " was cut off before it finished; "
+         << (folded == way ? "it is taken up again" : "the other side moved since") << '\n';
+    return folded;
+}
+
+bool SyncRun::Move(const SyncKind& kind, std::int32_t custId, int way, const std::string& label,
+                   const std::function<bool()>& move) {
+    const bool noted = kind.splitMove && !options_.journal.empty();
+    if (noted && !journal_.Begin(custId, kind.name, way)) {
+        ++summary_.failures;
+        out_ << label << ": the journal could not be written, so a cut move could not be "
+             << "taken up again; not moved\n";
+        return false;
+    }
+    const bool done = move();
+    // Left noted when it failed: part of it may have gone through.
+    if (done && noted) journal_.Finished(custId, kind.name);
+    return done;
 }
 
 bool SyncRun::Settle(KindScope scope, std::int32_t custId, const std::vector<Value>& args) {
@@ -226,7 +256,9 @@ bool SyncRun::SnapshotAgrees(std::int32_t id) {
 }
 
 bool SyncRun::Unchanged(std::int32_t id) {
-    if (options_.full || options_.journal.empty() || addedToServer_.count(id)) return false;
+    if (options_.full || options_.journal.empty() || addedToServer_.count(id) ||
+        journal_.AnyUnfinished(id))
+        return false;
     const std::optional<SeenStamps> agreed = journal_.Find(id, kCustomerEntry);
     return agreed && SnapshotAgrees(id) && *agreed == CustomerStamps(id);
 }
@@ -740,8 +772,19 @@ int SyncRun::Decide(const SyncKind& kind, int decision, const std::vector<Value>
         return decision;
     }
     const std::string& member = decision == 1 ? kind.download : kind.upload;
-    const Answer answer = Ask(member, args);
-    if (!answer.failed && NzLong(answer.value) == 1) {
+    // A download its comparison did not call for finds no worker kept from it, and the
+    // member would do nothing: it is told to fetch for itself.
+    const bool fetch = decision == 1 && !keptWorker_ && c_.Has("setObjectUsage");
+    keptWorker_ = false;
+    Answer answer;
+    const bool moved = Move(kind, custId, decision, label, [&] {
+        if (fetch) c_.Call("setObjectUsage", {Value(1)});
+        answer = Ask(member, args);
+        if (fetch) c_.Call("setObjectUsage", {Value(0)});
+        // An upload that sent nothing left nothing half done.
+        return (!answer.failed && NzLong(answer.value) == 1) || (decision == 2 && !answer.sent);
+    });
+    if (moved && !answer.failed && NzLong(answer.value) == 1) {
         ++(decision == 1 ? summary_.downloads : summary_.uploads);
         out_ << label << ": " << (decision == 1 ? "downloaded" : "uploaded") << '\n';
         return decision;

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <iosfwd>
 #include <map>
 #include <optional>
@@ -33,11 +34,12 @@ struct FormOwner {
 // What the run needs of the component; the command line's own one calls the public object
 // by member name, tests give a scripted one.
 // The process's exchanges with the server so far: tried, never answered, and failed
-// (unanswered or refused).
+// (unanswered or refused); and the errors the component reported.
 struct ExchangeCounts {
     std::uint64_t tried = 0;
     std::uint64_t unanswered = 0;
     std::uint64_t failed = 0;
+    std::uint64_t errors = 0;  // errors the component reported, whatever its members returned
 };
 
 // A table of the local databases whose rows the host folds into a customer's fingerprint.
@@ -182,7 +184,7 @@ private:
     // A member's call whose exchanges with the server are watched.
     struct Answer {
         Value value;
-        bool failed = false;  // an exchange of the call failed: its result means nothing
+        bool failed = false;  // an exchange failed or an error was reported: the result means nothing
         bool unanswered = false;
         bool sent = false;  // a request went out
     };
@@ -191,6 +193,13 @@ private:
     bool CallOk(std::string_view member, const std::vector<Value>& args);
     // The comparison of a kind with the journal's word folded in; -1 when it failed.
     int Compare(const SyncKind& kind, std::int32_t custId, const std::vector<Value>& args);
+    // A decision with a move of the kind that a kill cut off folded in.
+    int WithUnfinishedMove(const SyncKind& kind, std::int32_t custId, int decision,
+                           const std::string& label);
+    // Runs a move in `way`, noted in the journal first when the kind's moves commit in two
+    // steps; false when it did not go through.
+    bool Move(const SyncKind& kind, std::int32_t custId, int way, const std::string& label,
+              const std::function<bool()>& move);
     // After moves, every live kind of the scope compared again: what agrees now goes into
     // the journal.
     // True when every kind agrees afterwards.
@@ -215,6 +224,8 @@ private:
     std::vector<std::pair<std::int32_t, DateValue>> settled_;
     SyncJournal journal_;
     SeenStamps lastSeen_;  // what the last comparison saw
+    // The last comparison left the server's data in its worker for the download to use.
+    bool keptWorker_ = false;
     int unansweredInARow_ = 0;
     struct Tally {
         int notCompared = 0;

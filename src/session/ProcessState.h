@@ -80,6 +80,9 @@ public:
     std::int32_t liveObjects = 0;
 
     PendingError err;
+    // Errors the trap reported since the start. A member that carries on past one, as a
+    // download of the kept-worker kind does, gives no sign of it in its result.
+    std::uint64_t trappedErrors = 0;
 
     // The time limit and the failures in a row of the current run of requests.
     TransportRunState transportRun;

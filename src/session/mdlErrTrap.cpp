@@ -51,6 +51,7 @@ void ErrTrap() {
     state.err.Clear();
     if (err.number == errnum::kSilent) return;  // cleared, pointer left alone
     if (err.number != errnum::kNone) {
+        ++state.trappedErrors;
         // Nothing of ours keeps files open between calls: the files of 7 are already shut.
         forms::MessageBoxRequest box;
         box.text = std::to_string(err.number) + kCrLf + ErrTrapMessage(err.number, err.description);

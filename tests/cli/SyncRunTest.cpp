@@ -799,6 +799,11 @@ TEST(SyncJournal, ASideWhoseStampChangedSinceTheLastAgreementHasMoved) {
     for (const Row& r : rows)
         EXPECT_EQ(WithJournal(r.decision, r.agreed, r.seen), r.expected)
             << r.decision << " seen " << r.seen.server << "/" << r.seen.local;
+    // A move cut off is taken up again unless the other side moved since.
+    const int cut[][3] = {{0, 1, 1}, {1, 1, 1}, {2, 1, 3}, {3, 1, 3}, {0, 2, 2},
+                          {2, 2, 2}, {1, 2, 3}, {3, 2, 3}, {2, 0, 2}};
+    for (const auto& [decision, way, expected] : cut)
+        EXPECT_EQ(WithUnfinished(decision, way), expected) << decision << " after way " << way;
 }
 
 TEST(SyncJournal, KeepsItsEntriesAcrossRunsAndSkipsTornLines) {
@@ -811,16 +816,31 @@ TEST(SyncJournal, KeepsItsEntriesAcrossRunsAndSkipsTornLines) {
         j.Agreed(2, "memos", {3, 4});
         j.Forget(2, "memos");
         ASSERT_TRUE(j.Save());
+        // Noted at once, with the agreements as last saved and not those of the run so far:
+        // a kill after this leaves only the note new.
+        j.Agreed(3, "memos", {5, 6});
+        ASSERT_TRUE(j.Begin(4, "delegation records", 1));
+        ASSERT_TRUE(j.Begin(5, "machinery list", 2));
+        ASSERT_TRUE(j.Begin(6, "delegation records", 2));
+        ASSERT_TRUE(j.Finished(6, "delegation records"));
     }
     {
         std::ofstream torn(path, std::ios::app);
-        torn << "7\tmemos\tzz";
+        torn << "8\tmemos\tunfinished\t7\n7\tmemos\tzz";
     }
     SyncJournal again(path);
     EXPECT_EQ(again.Find(1, "memos"), (SeenStamps{0xabc, 0xdef}));
     EXPECT_EQ(again.Find(0, "post master"), (SeenStamps{1, 2}));
     EXPECT_FALSE(again.Find(2, "memos"));
+    EXPECT_FALSE(again.Find(3, "memos"));
     EXPECT_FALSE(again.Find(7, "memos"));
+    EXPECT_EQ(again.Unfinished(4, "delegation records"), 1);
+    EXPECT_EQ(again.Unfinished(5, "machinery list"), 2);
+    EXPECT_EQ(again.Unfinished(6, "delegation records"), 0);
+    EXPECT_EQ(again.Unfinished(8, "memos"), 0);
+    EXPECT_TRUE(again.AnyUnfinished(4));
+    EXPECT_FALSE(again.AnyUnfinished(3));
+    EXPECT_FALSE(again.AnyUnfinished(6));
     for (const auto& entry : std::filesystem::directory_iterator(path.parent_path()))
         EXPECT_EQ(entry.path(), path) << "no temporary file is left";
 }

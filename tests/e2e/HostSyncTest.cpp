@@ -123,6 +123,57 @@ TEST_F(HostSyncTest, AnEditWithinAMinuteOfTheOtherOfficesDownloadIsNeverOverwrit
     EXPECT_EQ(Moves(Sync("b")), 0) << out_;
 }
 
+// A delegation download commits its main row before it rewrites the list, so a run cut off
+// in between leaves a form whose stamps agree with the server's. The next run must take the
+// download up again rather than believe the stamps.
+TEST_F(HostSyncTest, ADelegationDownloadCutBetweenItsTwoCommitsIsTakenUpAgain) {
+    ServerHoldsOfficeA();
+    Advance(2min);
+    MakeOffice("b", FreshHost());
+    ASSERT_TRUE(Login("b"));
+    const auto prefDb = (Db("b").parent_path() / kPrefCustomDatabaseName).string();
+    const auto execute = [&](const std::string& sql) {
+        dao::Workspace ws("", "");
+        ws.OpenDatabase(prefDb).Execute(sql);
+    };
+    const auto list = [&](const std::string& office) {
+        dao::Workspace ws("", "");
+        auto rs = ws.OpenDatabase((Db(office).parent_path() / kPrefCustomDatabaseName).string())
+                      .OpenRecordset(
+                          "SELECT IninTitle, IninDetail0, IninDetail3 FROM t99_ININ_SUB "
+                          "WHERE disabled = 0 ORDER BY id");
+        std::string all;
+        for (; !rs->Eof(); rs->MoveNext())
+            all += NzString((*rs)["IninTitle"]) + "|" + NzString((*rs)["IninDetail0"]) + "|" +
+                   NzString((*rs)["IninDetail3"]) + "\n";
+        return all;
+    };
+    ASSERT_FALSE(list("a").empty());
+    // The list's rewrite fails after the main row went in, as a kill there would leave it.
+    execute("CREATE TRIGGER cut BEFORE INSERT ON t99_ININ_SUB BEGIN SELECT RAISE(ABORT, 'cut'); "
+            "END");
+    const SyncSummary cut = Sync("b");
+    EXPECT_GT(cut.failures, 0) << out_;
+    ASSERT_NE(out_.find("customer 1 delegation records: SyncDownloadP99Inin failed"),
+              std::string::npos)
+        << out_;
+    ASSERT_EQ(list("b"), "");
+    execute("DROP TRIGGER cut");
+
+    Advance(2min);
+    ExpectClean(Sync("b"));
+    EXPECT_NE(out_.find("customer 1 delegation records: the last download was cut off before it "
+                        "finished; it is taken up again"),
+              std::string::npos)
+        << out_;
+    EXPECT_NE(out_.find("customer 1 delegation records: downloaded"), std::string::npos) << out_;
+    EXPECT_EQ(list("b"), list("a")) << out_;
+    Advance(2min);
+    const SyncSummary quiet = Sync("b");
+    ExpectClean(quiet);
+    EXPECT_EQ(Moves(quiet), 0) << out_;
+}
+
 // The server's clock off the offices' by the parameter, in seconds.
 class ClockSkewTest : public HostOfficesTest, public ::testing::WithParamInterface<long> {
 protected:
