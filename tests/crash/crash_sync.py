@@ -466,6 +466,10 @@ def main():
                             print("FAIL %s / %s / %s, kill at %.3f s:\n  %s" %
                                   (scenario.name, kind, where, at, "\n  ".join(problems)),
                                   flush=True)
+                    # A long run by hand tells how far it got as it goes.
+                    row = tally[(scenario.name, kind, where)]
+                    print("  %s / %s / %s: %d trials, %d kills, %d failures" %
+                          (scenario.name, kind, where, *row), flush=True)
         print("\n%-12s %-16s %-20s %7s %6s %9s" %
               ("start", "kind", "temporary folder", "trials", "kills", "failures"))
         totals = [0, 0, 0]
