@@ -97,8 +97,8 @@ void PrintSummary(const SyncSummary& s, std::ostream& out) {
 SyncRun::SyncRun(Component& component, SyncOptions options, std::ostream& out, std::ostream& err)
     : c_(component),
       options_(std::move(options)),
-      out_(out),
-      err_(err),
+      progress_(out, err, options_.progress),
+      out_(progress_.Lines()),
       journal_(options_.journal) {
     const std::filesystem::path dbDir = std::filesystem::path(options_.localDb).parent_path();
     dataDir_ = options_.filesDir.empty() ? dbDir : options_.filesDir;
@@ -890,13 +890,12 @@ void SyncRun::Masters() {
 
 void SyncRun::Progress(std::size_t done, std::size_t total, std::int32_t id) {
     if (!options_.progress || total == 0) return;
+    if (done == total) return progress_.Clear();
     constexpr std::size_t kWidth = 30;
     const std::size_t filled = done * kWidth / total;
-    err_ << "\r[" << std::string(filled, '#') << std::string(kWidth - filled, '.') << "] " << done
-         << '/' << total;
-    if (id != 0) err_ << " customer " << id << "   ";
-    if (done == total) err_ << "             \n";
-    err_ << std::flush;
+    progress_.Show("[" + std::string(filled, '#') + std::string(kWidth - filled, '.') + "] " +
+                   std::to_string(done) + "/" + std::to_string(total) +
+                   (id != 0 ? " customer " + std::to_string(id) : std::string()));
 }
 
 }  // namespace morvane::cli

@@ -13,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "ProgressLine.h"
 #include "SyncJournal.h"
 #include "SyncKinds.h"
 #include "util/DateValue.h"
@@ -94,7 +95,7 @@ struct SyncOptions {
     std::string localDb;  // the customer database; Master.dat lies beside it
     Prefer prefer = Prefer::Ask;
     bool dryRun = false;
-    bool progress = false;  // a progress bar on the error stream
+    bool progress = false;  // a progress bar on the error stream, a terminal
     bool verbose = false;   // every differing table by name, not only their count
     // Every customer walked, even those the snapshot and the journal show unchanged since
     // their last agreement.
@@ -184,7 +185,8 @@ private:
     // A member's call whose exchanges with the server are watched.
     struct Answer {
         Value value;
-        bool failed = false;  // an exchange failed or an error was reported: the result means nothing
+        bool failed =
+            false;  // an exchange failed or an error was reported: the result means nothing
         bool unanswered = false;
         bool sent = false;  // a request went out
     };
@@ -210,8 +212,8 @@ private:
 
     Component& c_;
     SyncOptions options_;
+    ProgressLine progress_;  // before out_, which writes through it
     std::ostream& out_;
-    std::ostream& err_;
     SyncSummary summary_;
     std::filesystem::path dataDir_;  // where relative DataFile names lie: the database's folder
     std::string masterDb_;

@@ -16,7 +16,11 @@ using namespace morvane::cli;
 
 int main(int argc, char** argv) {
     CLI::App app{"Morvane: online backup of the office's databases and data files"};
-    app.require_subcommand(1);
+    app.require_subcommand(0, 1);
+    app.set_version_flag("--version", MORVANE_VERSION);
+    app.footer(
+        "Exit codes: 0 success; 1 failures or conflicts left; 2 usage or local setup errors; "
+        "3 differences no worker can move, or a dry run with moves left.");
     HostOptions host;
     app.add_option("--config", host.configDir,
                    "Settings folder (default: $XDG_CONFIG_HOME or ~/.config)");
@@ -50,7 +54,8 @@ int main(int argc, char** argv) {
     auto* syncCmd = app.add_subcommand(
         "sync",
         "Synchronise a local database with the server (exit 0: all agreed or moved; "
-        "1: failures or conflicts left; 3: differences no worker can move yet)");
+        "1: failures or conflicts left; 2: no database or settings to work with; "
+        "3: differences no worker can move yet, or a dry run with moves left)");
     syncCmd->add_option("--db", sync.localDb, "The customer database (Customer.dat)")->required();
     syncCmd->add_option("--prefer", prefer, "When both sides moved: ask, server, local or skip")
         ->check(CLI::IsMember({"ask", "server", "local", "skip"}));
@@ -73,7 +78,25 @@ int main(int argc, char** argv) {
     demoCmd->add_option("--workdir", demo.workDir, "Work folder to use and keep");
     demoCmd->add_flag("--keep", demo.keep, "Keep the temporary work folder");
 
-    CLI11_PARSE(app, argc, argv);
+    // Only here, so that the commands added above keep refusing words they do not know: an
+    // unknown command is then told as such below, not as a missing one.
+    app.allow_extras();
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        // Help and version end with 0; every usage error with 2.
+        return app.exit(e) == 0 ? 0 : 2;
+    }
+    if (!app.remaining().empty()) {
+        std::cerr << "morvane: unknown " << (app.get_subcommands().empty() ? "command" : "argument")
+                  << " '" << app.remaining().front() << "' (see morvane --help)\n";
+        return 2;
+    }
+    if (app.get_subcommands().empty()) {
+        std::cerr << "morvane: a command is required: init-db, login, status, call, sync or demo "
+                     "(see morvane --help)\n";
+        return 2;
+    }
     try {
         if (*demoCmd) return RunDemo(demo, std::cout);
         if (*initCmd) return RunInitDb(initDir, sample, std::cout, std::cerr);

@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "LoginCommands.h"
+#include "ProgressLine.h"
 #include "ScratchDatabases.h"
 #include "support/MorvaneTest.h"
 
@@ -69,4 +70,31 @@ TEST(ScratchDatabases, CopiesTheThreeDatabasesOnlyAndRemovesThemAtTheEnd) {
 }
 
 }  // namespace
+// Status lines scroll above the bar: each clears it first and draws it again after, and the
+// bar is gone at the end.
+TEST(ProgressLine, KeepsTheBarOffTheStatusLines) {
+    std::ostringstream lines, bar;
+    {
+        cli::ProgressLine line(lines, bar, true);
+        line.Show("[#..] 1/3");
+        line.Lines() << "customer 1 memos: "
+                     << "downloaded\n"
+                     << "customer 2";
+        line.Lines() << " memos: uploaded\n";
+        line.Show("[##.] 2/3");
+    }
+    EXPECT_EQ(lines.str(), "customer 1 memos: downloaded\ncustomer 2 memos: uploaded\n");
+    const std::string erase = "\r\033[K";
+    EXPECT_EQ(bar.str(), erase + "[#..] 1/3" + erase + "[#..] 1/3" + erase + "[#..] 1/3" + erase +
+                             "[##.] 2/3" + erase);
+    std::ostringstream plain, none;
+    {
+        cli::ProgressLine off(plain, none, false);
+        off.Show("[#..] 1/3");
+        off.Lines() << "a line\n";
+    }
+    EXPECT_EQ(plain.str(), "a line\n");
+    EXPECT_EQ(none.str(), "");
+}
+
 }  // namespace morvane::cli

@@ -150,8 +150,9 @@ TEST_F(HostSyncTest, ADelegationDownloadCutBetweenItsTwoCommitsIsTakenUpAgain) {
     };
     ASSERT_FALSE(list("a").empty());
     // The list's rewrite fails after the main row went in, as a kill there would leave it.
-    execute("CREATE TRIGGER cut BEFORE INSERT ON t99_ININ_SUB BEGIN SELECT RAISE(ABORT, 'cut'); "
-            "END");
+    execute(
+        "CREATE TRIGGER cut BEFORE INSERT ON t99_ININ_SUB BEGIN SELECT RAISE(ABORT, 'cut'); "
+        "END");
     const SyncSummary cut = Sync("b");
     EXPECT_GT(cut.failures, 0) << out_;
     ASSERT_NE(out_.find("customer 1 delegation records: SyncDownloadP99Inin failed"),
