@@ -2,6 +2,7 @@
 
 #include <ostream>
 
+#include "ReachReason.h"
 #include "session/ProcessState.h"
 #include "session/basTextEncrypt.h"
 #include "session/ctrlMorvane.h"
@@ -42,14 +43,8 @@ void PrintAccount(const ctrlMorvane& obj, std::ostream& out) {
 
 int RunLogin(const LoginRequest& request, std::ostream& out) {
     ctrlMorvane obj;
-    // As the settings dialog stores them; the server name counts from the next process on,
-    // so this one uses the typed value directly.
-    WriteMorvaneSetting(reg::kEnabledMorvane, "True");
-    WriteMorvaneSetting(reg::kServerName, Trim(request.server));
-    WriteMorvaneSetting(reg::kContractNo, Trim(request.contractNo));
-    WriteMorvaneSetting(reg::kLoginUID, Trim(request.userId));
-    WriteMorvaneSetting(reg::kLoginPWD, request.savePassword ? EncryptText(request.password) : "");
-    WriteMorvaneSetting(reg::kSaveLoginPWD, request.savePassword ? "True" : "False");
+    // The typed values serve this process directly; they are kept for the next ones only once
+    // the server took them.
     State().serverName = Trim(request.server);
     State().contractNo = Trim(request.contractNo);
 
@@ -57,10 +52,20 @@ int RunLogin(const LoginRequest& request, std::ostream& out) {
     DoLogin(Trim(request.userId), request.password, Trim(request.contractNo));
     const int state = obj.LoginState();
     if (State().exchanges.unanswered > unanswered)
-        out << "login: the server did not answer (state " << state << ")\n";
+        out << "login: the server could not be reached: " << UnreachableReason() << " (state "
+            << state << "); nothing was saved\n";
     else
-        out << "login: " << StateText(state) << " (state " << state << "); the server answered\n";
+        out << "login: " << StateText(state) << " (state " << state << "); the server answered"
+            << (state == 1 ? "" : "; nothing was saved") << '\n';
     if (state == 1) {
+        // As the settings dialog stores them.
+        WriteMorvaneSetting(reg::kEnabledMorvane, "True");
+        WriteMorvaneSetting(reg::kServerName, Trim(request.server));
+        WriteMorvaneSetting(reg::kContractNo, Trim(request.contractNo));
+        WriteMorvaneSetting(reg::kLoginUID, Trim(request.userId));
+        WriteMorvaneSetting(reg::kLoginPWD,
+                            request.savePassword ? EncryptText(request.password) : "");
+        WriteMorvaneSetting(reg::kSaveLoginPWD, request.savePassword ? "True" : "False");
         PrintAccount(obj, out);
         SaveLoginInfo(GetLoginID(), GetLoginToken(), std::to_string(state));
     }

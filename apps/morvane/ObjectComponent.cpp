@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "ReachReason.h"
 #include "platform/Dao.h"
 #include "session/DispatchTable.h"
 #include "session/ProcessState.h"
@@ -207,5 +208,7 @@ int ObjectComponent::LiveRows(const LocalTable& t, std::int32_t custId) {
 DateValue ObjectComponent::ServerNow() {
     return DateValue(State().Clock().Now().Days() - State().inetServerTimeOffset);
 }
+
+std::string ObjectComponent::UnreachableReason() { return cli::UnreachableReason(); }
 
 }  // namespace morvane::cli

@@ -26,6 +26,7 @@ public:
         const std::vector<LocalTable>& tables, const std::filesystem::path& filesDir) override;
     int LiveRows(const LocalTable& table, std::int32_t custId) override;
     DateValue ServerNow() override;
+    std::string UnreachableReason() override;
 
 private:
     ctrlMorvane obj_;

@@ -129,8 +129,10 @@ SyncRun::Answer SyncRun::Ask(std::string_view member, const std::vector<Value>& 
         if (unansweredInARow_ >= kUnreachableAfter && !summary_.unreachable) {
             summary_.unreachable = true;
             ++summary_.failures;
+            const std::string why = c_.UnreachableReason();
             out_ << "server: " << unansweredInARow_
-                 << " requests in a row went unanswered; the run stops here\n";
+                 << " requests in a row went unanswered; the run stops here"
+                 << (why.empty() ? std::string() : " (" + why + ")") << '\n';
         }
     }
     return answer;
@@ -295,7 +297,9 @@ SyncSummary SyncRun::Run() {
     if (!summary_.loggedIn) {
         if (after.unanswered > before.unanswered && !summary_.serverAnswered) {
             summary_.unreachable = true;
-            out_ << "login: the server did not answer; not logged in\n";
+            const std::string why = c_.UnreachableReason();
+            out_ << "login: the server could not be reached"
+                 << (why.empty() ? std::string() : ": " + why) << "; not logged in\n";
         } else {
             out_ << "login: not logged in (state " << state
                  << "); run `morvane login` first, or save the password\n";

@@ -89,6 +89,8 @@ public:
     virtual int LiveRows(const LocalTable& table, std::int32_t custId) = 0;
     // The server's clock now, as far as the measured offset tells.
     virtual DateValue ServerNow() = 0;
+    // Why the last request that got no reply got none, in words telling what to do.
+    virtual std::string UnreachableReason() { return {}; }
 };
 
 struct SyncOptions {

@@ -1,6 +1,7 @@
 #include "platform/Http.h"
 
 #include <curl/curl.h>
+#include <openssl/x509_vfy.h>
 
 #include <algorithm>
 #include <chrono>
@@ -79,6 +80,31 @@ int OnProgress(void* user, curl_off_t, curl_off_t dlnow, curl_off_t, curl_off_t 
         return 0;
     }
     return now - watch->lastMove > watch->limit ? 1 : 0;
+}
+
+HttpFailure Classify(CURL* c, CURLcode rc, std::string_view message) {
+    switch (rc) {
+        case CURLE_COULDNT_RESOLVE_HOST:
+            return HttpFailure::NameNotFound;
+        case CURLE_COULDNT_CONNECT:
+            return HttpFailure::Refused;
+        case CURLE_OPERATION_TIMEDOUT:
+            return HttpFailure::TimedOut;
+        case CURLE_PEER_FAILED_VERIFICATION: {
+            long verify = X509_V_OK;
+            curl_easy_getinfo(c, CURLINFO_SSL_VERIFYRESULT, &verify);
+            // curl checks the name itself after the chain passed, so only its text tells.
+            if (verify == X509_V_ERR_CERT_HAS_EXPIRED) return HttpFailure::CertificateExpired;
+            if (verify == X509_V_ERR_HOSTNAME_MISMATCH ||
+                verify == X509_V_ERR_IP_ADDRESS_MISMATCH ||
+                message.find("subject name") != std::string_view::npos ||
+                message.find("does not match") != std::string_view::npos)
+                return HttpFailure::CertificateOtherName;
+            return HttpFailure::CertificateUntrusted;
+        }
+        default:
+            return HttpFailure::Other;
+    }
 }
 
 struct EasyDeleter {
@@ -272,13 +298,21 @@ HttpReply HttpClient::Perform(const std::string& url, const HttpHeaders& headers
         reply.body.clear();
         reply.body.shrink_to_fit();
         reply.bodyFailed = supplier.failed;
-        if (supplier.failed)
+        if (supplier.failed) {
             reply.error = "the request body could not be read whole";
-        else if (collected.overflowed || rc == CURLE_FILESIZE_EXCEEDED)
+            reply.failure = HttpFailure::Other;
+        } else if (collected.overflowed || rc == CURLE_FILESIZE_EXCEEDED) {
             reply.error =
                 "the reply is larger than " + std::to_string(options_.maxReplyBytes) + " bytes";
-        else
+            reply.failure = HttpFailure::Other;
+        } else if (rc == CURLE_ABORTED_BY_CALLBACK) {
+            reply.error =
+                "no byte moved for " + std::to_string(options_.stallTimeoutSeconds) + " s";
+            reply.failure = HttpFailure::TimedOut;
+        } else {
             reply.error = errbuf[0] ? errbuf : curl_easy_strerror(rc);
+            reply.failure = Classify(c, rc, reply.error);
+        }
         return reply;
     }
     curl_easy_getinfo(c, CURLINFO_RESPONSE_CODE, &reply.status);

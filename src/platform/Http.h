@@ -43,11 +43,24 @@ struct HttpBodySource {
 // Takes a reply body piece by piece as it arrives; false stops the exchange, which fails.
 using HttpBodySink = std::function<bool(std::string_view piece)>;
 
+// Why no reply arrived, as far as the user can do something about it.
+enum class HttpFailure {
+    None,
+    NameNotFound,          // the server's name does not resolve
+    Refused,               // nothing listens there, or the host cannot be reached
+    TimedOut,              // connected, or trying to, and nothing came in time
+    CertificateUntrusted,  // signed by no authority the client trusts
+    CertificateExpired,    // out of its validity
+    CertificateOtherName,  // made out for another name than the one asked for
+    Other,
+};
+
 struct HttpReply {
     bool transported = false;  // a reply arrived, whatever its status
     long status = 0;
     std::string body;
-    std::string error;        // why nothing arrived
+    std::string error;  // why nothing arrived
+    HttpFailure failure = HttpFailure::None;
     bool bodyFailed = false;  // the body's source failed: nothing is known of the server
 };
 

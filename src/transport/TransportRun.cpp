@@ -69,6 +69,7 @@ platform::HttpReply RunExchangeWith(
         if (!reply.bodyFailed) {
             ++run.failuresInARow;
             run.lastError = reply.error;
+            run.lastFailure = reply.failure;
         }
     }
     return reply;

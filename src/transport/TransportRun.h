@@ -25,6 +25,7 @@ struct TransportRunState {
     std::optional<std::chrono::steady_clock::time_point> deadline;
     int failuresInARow = 0;
     std::string lastError;
+    platform::HttpFailure lastFailure = platform::HttpFailure::None;  // of the last unanswered
     int cleanups = 0;  // TransportCleanup objects alive
 };
 

@@ -6,11 +6,16 @@
 #include <fstream>
 #include <iterator>
 #include <sstream>
+#include <vector>
 
 #include "LoginCommands.h"
 #include "ProgressLine.h"
 #include "ScratchDatabases.h"
+#include "session/ProcessState.h"
+#include "session/mdlRegConstMorvane.h"
+#include "session/mdlRegControlMorvane.h"
 #include "support/MorvaneTest.h"
+#include "transport/TransportRun.h"
 
 namespace morvane::cli {
 namespace {
@@ -19,22 +24,52 @@ namespace fs = std::filesystem;
 
 class LoginReportTest : public test::MorvaneTest {};
 
-TEST_F(LoginReportTest, SaysWhetherTheServerAnswered) {
+// Each way of not reaching the server is told with what to do about it, and a login that
+// was not verified keeps the settings of the last one that was.
+TEST_F(LoginReportTest, SaysWhyTheServerCouldNotBeReachedAndSavesNothingUnverified) {
     server_->On("login.php", test::LoginReply(1, "T1"));
+    test::TestServer untrusted{test::CertificateSpec{}};
+    test::TestServer expired{test::CertificateSpec{"IP:127.0.0.1", -7200, -3600}};
+    test::TestServer otherName{test::CertificateSpec{"DNS:other.example", -3600, 3600}};
+    test::TestServer slow{std::nullopt};
+    slow.On("login.php", [](const test::RecordedRequest&) {
+        test::PageReply reply{test::LoginReply(1, "T1")};
+        reply.delay = std::chrono::milliseconds(2500);
+        return reply;
+    });
     struct Case {
         std::string server;
+        std::string caFile;
         int state;
-        const char* says;
+        std::vector<std::string> says;
     };
-    const Case cases[] = {
-        {server_->HostName(), 1, "login: logged in (state 1); the server answered"},
-        // Nothing listens on port 1.
-        {"127.0.0.1:1", 0, "login: the server did not answer (state 0)"},
+    const std::string ca = server_->CaFile();
+    const std::vector<Case> cases{
+        {server_->HostName(), ca, 1, {"login: logged in (state 1); the server answered"}},
+        {"127.0.0.1:1", ca, 0, {"nothing answered at 127.0.0.1:1", "nothing was saved"}},
+        {"no-such-server.invalid:443", ca, 0, {"\"no-such-server.invalid\" was not found"}},
+        {untrusted.HostName(),
+         ca,
+         0,
+         {"certificate is not trusted", "--ca-file FILE or MORVANE_CA_FILE"}},
+        {expired.HostName(), expired.CaFile(), 0, {"certificate has expired"}},
+        {otherName.HostName(),
+         otherName.CaFile(),
+         0,
+         {"certificate is made out for another name than \"127.0.0.1\""}},
+        {slow.HostName(), slow.CaFile(), 0, {"did not answer in time", "--stall-timeout"}},
     };
     for (const Case& c : cases) {
+        platform::HttpOptions http = State().HttpOptions();
+        http.caFile = c.caFile;
+        http.stallTimeoutSeconds = 1;
+        State().SetHttpOptions(http);
+        BeginTransportRun();
         std::ostringstream out;
         EXPECT_EQ(RunLogin({c.server, "C-1001", "user1", "pass1", false}, out), c.state);
-        EXPECT_NE(out.str().find(c.says), std::string::npos) << out.str();
+        for (const std::string& says : c.says)
+            EXPECT_NE(out.str().find(says), std::string::npos) << c.server << ": " << out.str();
+        EXPECT_EQ(ReadMorvaneSetting(reg::kServerName), server_->HostName()) << c.server;
     }
 }
 

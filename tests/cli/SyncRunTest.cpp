@@ -742,7 +742,7 @@ TEST(SyncRun, TheLoginSaysWhetherTheServerWasReached) {
     silent.unanswered.insert("login");
     silent.loginState = 0;
     const Outcome n = RunWith(silent);
-    EXPECT_TRUE(Says(n, "login: the server did not answer")) << n.out;
+    EXPECT_TRUE(Says(n, "login: the server could not be reached")) << n.out;
     EXPECT_TRUE(Says(n, "server:      unreachable")) << n.out;
     EXPECT_TRUE(silent.calls.empty());
     EXPECT_EQ(ExitCode(n.summary), 1);

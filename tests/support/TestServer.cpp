@@ -41,44 +41,45 @@ void WritePem(const std::string& path, const std::function<int(FILE*)>& write) {
     if (!ok) throw std::runtime_error("cannot write PEM " + path);
 }
 
-// A self-signed certificate for 127.0.0.1 and localhost, made once per test program.
-const Certificate& SharedCertificate() {
-    static Certificate cert;
-    static const bool made = [] {
-        Certificate& c = cert;
-        KeyPtr key(EVP_RSA_gen(2048));
-        CertPtr x509(X509_new());
-        if (!key || !x509) throw std::runtime_error("OpenSSL allocation failed");
-        X509_set_version(x509.get(), 2);
-        ASN1_INTEGER_set(X509_get_serialNumber(x509.get()), 1);
-        X509_gmtime_adj(X509_getm_notBefore(x509.get()), -3600);
-        X509_gmtime_adj(X509_getm_notAfter(x509.get()), 7L * 24 * 3600);
-        X509_set_pubkey(x509.get(), key.get());
-        X509_NAME* name = X509_get_subject_name(x509.get());
-        X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC,
-                                   reinterpret_cast<const unsigned char*>("127.0.0.1"), -1, -1, 0);
-        X509_set_issuer_name(x509.get(), name);
-        X509V3_CTX ctx;
-        X509V3_set_ctx_nodb(&ctx);
-        X509V3_set_ctx(&ctx, x509.get(), x509.get(), nullptr, nullptr, 0);
-        for (const auto& [nid, value] :
-             {std::pair{NID_subject_alt_name, "IP:127.0.0.1,DNS:localhost"},
-              std::pair{NID_basic_constraints, "critical,CA:TRUE"}}) {
-            ExtPtr ext(X509V3_EXT_conf_nid(nullptr, &ctx, nid, value));
-            if (!ext) throw std::runtime_error("OpenSSL extension failed");
-            X509_add_ext(x509.get(), ext.get(), -1);
-        }
-        if (!X509_sign(x509.get(), key.get(), EVP_sha256()))
-            throw std::runtime_error("OpenSSL signing failed");
-        c.certFile = (c.dir.Path() / "cert.pem").string();
-        c.keyFile = (c.dir.Path() / "key.pem").string();
-        WritePem(c.certFile, [&](FILE* f) { return PEM_write_X509(f, x509.get()); });
-        WritePem(c.keyFile, [&](FILE* f) {
-            return PEM_write_PrivateKey(f, key.get(), nullptr, nullptr, 0, nullptr, nullptr);
-        });
-        return true;
-    }();
-    (void)made;
+// A self-signed certificate as the spec asks.
+std::shared_ptr<const Certificate> MakeCertificate(const CertificateSpec& spec) {
+    auto made = std::make_shared<Certificate>();
+    Certificate& c = *made;
+    KeyPtr key(EVP_RSA_gen(2048));
+    CertPtr x509(X509_new());
+    if (!key || !x509) throw std::runtime_error("OpenSSL allocation failed");
+    X509_set_version(x509.get(), 2);
+    ASN1_INTEGER_set(X509_get_serialNumber(x509.get()), 1);
+    X509_gmtime_adj(X509_getm_notBefore(x509.get()), spec.validFromSeconds);
+    X509_gmtime_adj(X509_getm_notAfter(x509.get()), spec.validToSeconds);
+    X509_set_pubkey(x509.get(), key.get());
+    X509_NAME* name = X509_get_subject_name(x509.get());
+    X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC,
+                               reinterpret_cast<const unsigned char*>("morvane test"), -1, -1, 0);
+    X509_set_issuer_name(x509.get(), name);
+    X509V3_CTX ctx;
+    X509V3_set_ctx_nodb(&ctx);
+    X509V3_set_ctx(&ctx, x509.get(), x509.get(), nullptr, nullptr, 0);
+    for (const auto& [nid, value] : {std::pair{NID_subject_alt_name, spec.altNames.c_str()},
+                                     std::pair{NID_basic_constraints, "critical,CA:TRUE"}}) {
+        ExtPtr ext(X509V3_EXT_conf_nid(nullptr, &ctx, nid, value));
+        if (!ext) throw std::runtime_error("OpenSSL extension failed");
+        X509_add_ext(x509.get(), ext.get(), -1);
+    }
+    if (!X509_sign(x509.get(), key.get(), EVP_sha256()))
+        throw std::runtime_error("OpenSSL signing failed");
+    c.certFile = (c.dir.Path() / "cert.pem").string();
+    c.keyFile = (c.dir.Path() / "key.pem").string();
+    WritePem(c.certFile, [&](FILE* f) { return PEM_write_X509(f, x509.get()); });
+    WritePem(c.keyFile, [&](FILE* f) {
+        return PEM_write_PrivateKey(f, key.get(), nullptr, nullptr, 0, nullptr, nullptr);
+    });
+    return made;
+}
+
+// The usual certificate, made once per test program: RSA keys take a while.
+std::shared_ptr<const Certificate> SharedCertificate() {
+    static const std::shared_ptr<const Certificate> cert = MakeCertificate({});
     return cert;
 }
 
@@ -90,9 +91,12 @@ std::string RecordedRequest::Header(const std::string& lowerName) const {
 }
 
 struct TestServer::Impl {
-    explicit Impl(const Certificate& cert)
-        : server(cert.certFile.c_str(), cert.keyFile.c_str()), caFile(cert.certFile) {}
+    explicit Impl(std::shared_ptr<const Certificate> certificate)
+        : cert(std::move(certificate)),
+          server(cert->certFile.c_str(), cert->keyFile.c_str()),
+          caFile(cert->certFile) {}
 
+    std::shared_ptr<const Certificate> cert;
     httplib::SSLServer server;
     std::string caFile;
     std::thread thread;
@@ -102,7 +106,10 @@ struct TestServer::Impl {
     std::vector<RecordedRequest> requests;
 };
 
-TestServer::TestServer() : impl_(std::make_unique<Impl>(SharedCertificate())) {
+TestServer::TestServer() : TestServer(std::nullopt) {}
+
+TestServer::TestServer(const std::optional<CertificateSpec>& spec)
+    : impl_(std::make_unique<Impl>(spec ? MakeCertificate(*spec) : SharedCertificate())) {
     if (!impl_->server.is_valid()) throw std::runtime_error("test server: bad certificate");
     impl_->server.Post(R"(/(.*))", [this](const httplib::Request& req, httplib::Response& res) {
         RecordedRequest rec;

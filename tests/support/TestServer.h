@@ -34,11 +34,20 @@ struct PageReply {
     std::optional<std::size_t> dropAfter{};
 };
 
+// The certificate a server shows, made for it alone; without one it shows a shared one for
+// 127.0.0.1 and localhost, valid now.
+struct CertificateSpec {
+    std::string altNames = "IP:127.0.0.1,DNS:localhost";
+    long validFromSeconds = -3600;  // from now
+    long validToSeconds = 7L * 24 * 3600;
+};
+
 class TestServer {
 public:
     using Handler = std::function<PageReply(const RecordedRequest&)>;
 
     TestServer();
+    explicit TestServer(const std::optional<CertificateSpec>& spec);
     ~TestServer();
     TestServer(const TestServer&) = delete;
     TestServer& operator=(const TestServer&) = delete;
