@@ -43,7 +43,11 @@ Value ObjectComponent::Call(std::string_view member, const std::vector<Value>& a
 int ObjectComponent::LoginFromSettings() {
     LoadLoginInfo();
     if (obj_.LoginState() == 1) return 1;
-    // A saved password logs in afresh, as the login dialog would with it filled in.
+    return LoginWithSavedPassword();
+}
+
+int ObjectComponent::LoginWithSavedPassword() {
+    // As the login dialog would with the saved password filled in.
     if (ReadMorvaneSetting(reg::kSaveLoginPWD) != "True") return obj_.LoginState();
     const std::string password = DecryptText(ReadMorvaneSetting(reg::kLoginPWD));
     DoLogin(ReadMorvaneSetting(reg::kLoginUID), password, ReadMorvaneSetting(reg::kContractNo));

@@ -12,6 +12,7 @@ public:
     bool Has(std::string_view member) const override;
     Value Call(std::string_view member, const std::vector<Value>& args) override;
     int LoginFromSettings() override;
+    int LoginWithSavedPassword() override;
     int LoginState() const override;
     ExchangeCounts Exchanges() const override;
     SeenStamps TakeComparedStamps() override;

@@ -306,10 +306,10 @@ SyncSummary SyncRun::Run() {
         }
         return summary_;
     }
-    out_ << (after.tried > before.tried
-                 ? "login: logged in (the server answered)\n"
-                 : "login: the saved login, not yet confirmed by the server\n");
-    if (!Roster()) return summary_;
+    const bool savedLogin = after.tried == before.tried;
+    out_ << (savedLogin ? "login: the saved login, not yet confirmed by the server\n"
+                        : "login: logged in (the server answered)\n");
+    if (!RosterWithFreshLogin(savedLogin)) return summary_;
     BackupTargets();
     const std::vector<std::int32_t> ids =
         Stopped() ? std::vector<std::int32_t>{} : CustomersToWalk();
@@ -347,6 +347,21 @@ SyncSummary SyncRun::Run() {
     return summary_;
 }
 
+bool SyncRun::RosterWithFreshLogin(bool savedLogin) {
+    loginRefused_ = false;
+    if (Roster()) return true;
+    if (!loginRefused_) return false;
+    // A saved login lapses at the server once idle for a while, as a daily run finds it.
+    if (savedLogin && !Stopped() && (c_.LoginState() == 1 || c_.LoginWithSavedPassword() == 1)) {
+        out_ << "login: logged in afresh (the saved login had lapsed)\n";
+        --summary_.failures;  // the refusal, now answered
+        loginRefused_ = false;
+        if (Roster()) return true;
+    }
+    if (loginRefused_) out_ << "  nothing is compared without the roster\n";
+    return false;
+}
+
 bool SyncRun::Roster() {
     const std::vector<Value> db{Value(options_.localDb)};
     const Answer compared = Ask("CompareCustomerList", db);
@@ -355,10 +370,13 @@ bool SyncRun::Roster() {
         if (Stopped() || (compared.unanswered && !summary_.serverAnswered)) {
             summary_.unreachable = true;
             out_ << "roster: the server did not answer\n";
-        } else if (c_.LoginState() != 1)
+        } else if (c_.LoginState() != 1) {
+            loginRefused_ = true;
             out_ << "roster: the server refused the login (state " << c_.LoginState() << ")\n";
-        else
+            return false;  // the caller may log in afresh
+        } else {
             out_ << "roster: the server's roster could not be read\n";
+        }
         out_ << "  nothing is compared without the roster\n";
         return false;
     }

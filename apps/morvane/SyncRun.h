@@ -61,6 +61,8 @@ public:
     virtual Value Call(std::string_view member, const std::vector<Value>& args) = 0;
     // The login from the saved settings; the login state.
     virtual int LoginFromSettings() = 0;
+    // A login afresh with the saved password, when one is saved; the login state.
+    virtual int LoginWithSavedPassword() = 0;
     virtual int LoginState() const = 0;
     virtual ExchangeCounts Exchanges() const = 0;
     // The stamps the comparisons saw since the last call.
@@ -209,6 +211,8 @@ private:
     // True when every kind agrees afterwards.
     bool Settle(KindScope scope, std::int32_t custId, const std::vector<Value>& args);
     bool Stopped() const { return summary_.unreachable || summary_.stopped; }
+    // The roster, once more after a fresh login when the saved one turned out to have lapsed.
+    bool RosterWithFreshLogin(bool savedLogin);
     void Progress(std::size_t done, std::size_t total, std::int32_t id);
     bool Live(const SyncKind& kind) const;
 
@@ -231,6 +235,7 @@ private:
     // The last comparison left the server's data in its worker for the download to use.
     bool keptWorker_ = false;
     int unansweredInARow_ = 0;
+    bool loginRefused_ = false;  // a reply refused the login
     struct Tally {
         int notCompared = 0;
         std::map<int, int> differ;  // decision code -> customers

@@ -107,6 +107,14 @@ public:
         }
         return loginState;
     }
+    // With a saved password a fresh login is taken and its token accepted.
+    bool passwordSaved = false;
+    int LoginWithSavedPassword() override {
+        if (!passwordSaved) return loginState;
+        ++exchanges.tried;
+        refused.erase("CompareCustomerList");
+        return loginState = 1;
+    }
     int LoginState() const override { return loginState; }
     ExchangeCounts Exchanges() const override { return exchanges; }
     SeenStamps TakeComparedStamps() override { return std::exchange(pendingStamps, {}); }
@@ -736,6 +744,17 @@ TEST(SyncRun, TheLoginSaysWhetherTheServerWasReached) {
     ScriptedComponent asked;
     asked.loginAsks = true;
     EXPECT_TRUE(Says(RunWith(asked), "login: logged in (the server answered)"));
+
+    // A saved login that lapsed at the server while the office was away: with the password
+    // saved, a fresh login and the run goes on.
+    ScriptedComponent lapsed;
+    lapsed.refused.insert("CompareCustomerList");
+    lapsed.loginStateAfterRefusal = 0;
+    lapsed.passwordSaved = true;
+    const Outcome l = RunWith(lapsed);
+    EXPECT_TRUE(Says(l, "login: logged in afresh (the saved login had lapsed)")) << l.out;
+    EXPECT_EQ(l.summary.failures, 0) << l.out;
+    EXPECT_TRUE(lapsed.Called("CustmerBackupedTableSyncFlag")) << l.out;
 
     ScriptedComponent silent;
     silent.loginAsks = true;

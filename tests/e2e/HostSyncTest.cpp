@@ -123,6 +123,20 @@ TEST_F(HostSyncTest, AnEditWithinAMinuteOfTheOtherOfficesDownloadIsNeverOverwrit
     EXPECT_EQ(Moves(Sync("b")), 0) << out_;
 }
 
+// The next day's run finds yesterday's login lapsed at the server; the saved password renews
+// it without anyone at the screen.
+TEST_F(HostSyncTest, ALoginThatLapsedOvernightIsRenewedWithTheSavedPassword) {
+    MakeOffice("a", Generated(1));
+    ASSERT_TRUE(Login("a"));
+    ExpectClean(Sync("a"));
+    Advance(std::chrono::hours(20));
+    const SyncSummary next = Sync("a");
+    ExpectClean(next);
+    EXPECT_NE(out_.find("login: logged in afresh (the saved login had lapsed)"), std::string::npos)
+        << out_;
+    EXPECT_EQ(Moves(next), 0) << out_;
+}
+
 // A delegation download commits its main row before it rewrites the list, so a run cut off
 // in between leaves a form whose stamps agree with the server's. The next run must take the
 // download up again rather than believe the stamps.
