@@ -209,6 +209,20 @@ int ObjectComponent::LiveRows(const LocalTable& t, std::int32_t custId) {
     }
 }
 
+int ObjectComponent::RowCount(const LocalTable& t, std::int32_t custId) {
+    if (t.index < 0) return -1;
+    try {
+        dao::Workspace ws("", "");
+        dao::Database& db = ws.OpenDatabase(t.db);
+        auto rs = db.OpenRecordset(BackupTableStatement(t.index, custId));
+        int rows = 0;
+        for (; !rs->Eof(); rs->MoveNext()) ++rows;
+        return rows;
+    } catch (const std::exception&) {
+        return -1;
+    }
+}
+
 DateValue ObjectComponent::ServerNow() {
     return DateValue(State().Clock().Now().Days() - State().inetServerTimeOffset);
 }

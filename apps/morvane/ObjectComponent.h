@@ -28,6 +28,7 @@ public:
     int LiveRows(const LocalTable& table, std::int32_t custId) override;
     DateValue ServerNow() override;
     std::string UnreachableReason() override;
+    int RowCount(const LocalTable& table, std::int32_t custId) override;
 
 private:
     ctrlMorvane obj_;

@@ -36,13 +36,18 @@ int RunSync(const SyncOptions& options, std::ostream& out, std::ostream& err) {
     }
     SyncSummary summary;
     try {
-        summary = SyncLocal(options, out, err);
+        // With --json the document alone goes to stdout.
+        summary = SyncLocal(options, options.json ? err : out, err);
     } catch (const std::filesystem::filesystem_error& e) {
         err << "morvane: " << e.what() << '\n';
         return 2;
     }
-    PrintSummary(summary, out);
-    return ExitCode(summary);
+    const int code = ExitCode(summary);
+    if (options.json)
+        PrintJson(summary, code, out);
+    else
+        PrintSummary(summary, out);
+    return code;
 }
 
 }  // namespace morvane::cli

@@ -29,7 +29,7 @@ void SyncRun::Form(const SyncKind& kind, std::int32_t id, const std::vector<int>
         if (decision < 0) {
             ++summary_.failures;
             out_ << label << ": the comparison failed\n";
-            return;
+            return;  // noted by the comparison
         }
         // Every live row counts as the one form, and a download leaves its rows to no one:
         // a customer holding no rows of it, for whom the server holds no form either, has
@@ -59,6 +59,7 @@ void SyncRun::Form(const SyncKind& kind, std::int32_t id, const std::vector<int>
         } else {
             ++summary_.conflicts;
             out_ << label << ": both sides moved; left as it is (only --prefer local sends it)\n";
+            Event(id, &kind, kind.name, "conflict", "both sides moved");
             return;
         }
     }
@@ -66,6 +67,7 @@ void SyncRun::Form(const SyncKind& kind, std::int32_t id, const std::vector<int>
         summary_.unsupported.push_back(
             {label, "the server's copy is newer, but a machinery list can only be sent up"});
         out_ << label << ": the server's copy is newer; it cannot be downloaded\n";
+        Event(id, &kind, kind.name, "not supported", "the server's copy is newer");
         return;
     }
     const auto send = [&] {
@@ -77,15 +79,18 @@ void SyncRun::Form(const SyncKind& kind, std::int32_t id, const std::vector<int>
             if (options_.dryRun) {
                 ++summary_.planned;
                 out_ << what << ": would upload\n";
+                Event(id, &kind, kind.name, "would upload", what);
                 continue;
             }
             if (CallOk(kind.upload,
                        {Value(prefDb), Value(id), Value(owner.dataId), Value(owner.kessan)})) {
                 ++summary_.uploads;
                 out_ << what << ": uploaded\n";
+                Event(id, &kind, kind.name, "uploaded", what);
             } else {
                 ++summary_.failures;
                 out_ << what << ": " << kind.upload << " failed\n";
+                Event(id, &kind, kind.name, "failed", what + ": " + kind.upload + " failed");
                 all = false;
             }
         }

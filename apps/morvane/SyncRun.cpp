@@ -1,6 +1,7 @@
 #include "SyncRun.h"
 
 #include <algorithm>
+#include <ctime>
 #include <filesystem>
 #include <map>
 #include <ostream>
@@ -100,10 +101,49 @@ SyncRun::SyncRun(Component& component, SyncOptions options, std::ostream& out, s
       progress_(out, err, options_.progress),
       out_(progress_.Lines()),
       journal_(options_.journal) {
+    if (!options_.runLog.empty() && !options_.dryRun) log_.emplace(options_.runLog);
     const std::filesystem::path dbDir = std::filesystem::path(options_.localDb).parent_path();
     dataDir_ = options_.filesDir.empty() ? dbDir : options_.filesDir;
     masterDb_ = (dbDir / "Master.dat").string();
     prefDb_ = (dbDir / kPrefCustomDatabaseName).string();
+}
+
+void SyncRun::Event(std::int32_t customer, const SyncKind* kind, const std::string& name,
+                    std::string outcome, std::string detail, std::string file) {
+    RunEvent e;
+    e.customer = customer;
+    e.kind = name;
+    e.outcome = std::move(outcome);
+    e.detail = std::move(detail);
+    e.file = std::move(file);
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    char text[32] = {0};
+    if (localtime_r(&now, &local)) std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &local);
+    e.time = text;
+    if (kind) {
+        if (kind->scope == KindScope::CustomerFile) e.tables.push_back(kind->fileTable);
+        for (int t : kind->tables)
+            e.tables.push_back(std::string(BackupTables()[static_cast<std::size_t>(t)].name));
+        if (Wrote(e) && customer != 0 && e.file.empty()) {
+            int rows = 0;
+            for (int t : kind->tables) {
+                const int n = c_.RowCount(TableOf(t), customer);
+                if (n < 0) {
+                    rows = -1;
+                    break;
+                }
+                rows += n;
+            }
+            e.rows = rows;
+        }
+    }
+    if (log_ && Wrote(e) &&
+        !log_->Append(e, std::filesystem::absolute(options_.localDb).string()) && !logFailed_) {
+        logFailed_ = true;
+        out_ << "run log: " << options_.runLog.string() << " could not be written\n";
+    }
+    summary_.events.push_back(std::move(e));
 }
 
 bool SyncRun::Live(const SyncKind& kind) const {
@@ -148,7 +188,10 @@ int SyncRun::Compare(const SyncKind& kind, std::int32_t custId, const std::vecto
     const Answer answer = Ask(kind.compare, args);
     const SeenStamps seen = c_.TakeComparedStamps();
     lastSeen_ = seen;
-    if (answer.failed) return -1;
+    if (answer.failed) {
+        Event(custId, &kind, kind.name, "failed", "the comparison failed");
+        return -1;
+    }
     const int decision = NzLong(answer.value);
     keptWorker_ = decision != 0;
     const std::optional<SeenStamps> agreed = journal_.Find(custId, kind.name);
@@ -159,7 +202,10 @@ int SyncRun::Compare(const SyncKind& kind, std::int32_t custId, const std::vecto
         out_ << label << ": " << (agreed->server != seen.server ? "the server" : "the local side")
              << " changed since the last agreement (" << Way(decision) << " by the stamps)\n";
     folded = WithUnfinishedMove(kind, custId, folded, label);
-    if (folded == 0 && !options_.dryRun) journal_.Agreed(custId, kind.name, seen);
+    if (folded == 0) {
+        Event(custId, &kind, kind.name, "agreed");
+        if (!options_.dryRun) journal_.Agreed(custId, kind.name, seen);
+    }
     return folded;
 }
 
@@ -370,12 +416,14 @@ bool SyncRun::Roster() {
         if (Stopped() || (compared.unanswered && !summary_.serverAnswered)) {
             summary_.unreachable = true;
             out_ << "roster: the server did not answer\n";
+            Event(0, nullptr, "roster", "failed", "the server did not answer");
         } else if (c_.LoginState() != 1) {
             loginRefused_ = true;
             out_ << "roster: the server refused the login (state " << c_.LoginState() << ")\n";
             return false;  // the caller may log in afresh
         } else {
             out_ << "roster: the server's roster could not be read\n";
+            Event(0, nullptr, "roster", "failed", "the server's roster could not be read");
         }
         out_ << "  nothing is compared without the roster\n";
         return false;
@@ -499,14 +547,16 @@ bool SyncRun::RunRosterPlan(const RosterPlan& plan) {
     }
     bool allMoved = true;
     const auto move = [&](const char* member, std::vector<Value> args, const std::string& what) {
+        const auto id = static_cast<std::int32_t>(NzLong(args.back()));
         if (CallOk(member, args)) {
             ++summary_.uploads;
             out_ << "  roster: " << what << '\n';
+            Event(id, nullptr, "roster", "uploaded", what);
         } else {
             ++summary_.failures;
             allMoved = false;
-            out_ << "  roster: " << member << " failed for customer " << args.back().ToText()
-                 << '\n';
+            out_ << "  roster: " << member << " failed for customer " << id << '\n';
+            Event(id, nullptr, "roster", "failed", std::string(member) + " failed");
         }
     };
     for (std::int32_t id : plan.addServer) {
@@ -527,6 +577,7 @@ bool SyncRun::RunRosterPlan(const RosterPlan& plan) {
     if (CallOk("SyncDownloadCustomerList", {Value(options_.localDb)})) {
         ++summary_.downloads;
         out_ << "  roster: took the server's roster\n";
+        Event(0, nullptr, "roster", "downloaded", "took the server's roster");
     } else {
         ++summary_.failures;
         out_ << "  roster: download failed\n";
@@ -618,6 +669,7 @@ void SyncRun::Customer(std::int32_t id) {
         } else {
             ++summary_.failures;
             out_ << "customer " << id << ": lock refused\n";
+            Event(id, nullptr, "customer", "failed", "lock refused");
         }
     }
     // The snapshot's word on every table first, as it stood before anything moved.
@@ -708,6 +760,7 @@ void SyncRun::Customer(std::int32_t id) {
     if (locked && !CallOk("UnlockCoustomer", {Value(id)})) {
         ++summary_.failures;
         out_ << "customer " << id << ": unlock failed\n";
+        Event(id, nullptr, "customer", "failed", "unlock failed");
     }
 }
 
@@ -723,6 +776,7 @@ void SyncRun::Files(const SyncKind& kind, std::int32_t id, bool recordsSentUp) {
         if (compared.failed) {
             ++summary_.failures;
             out_ << "customer " << id << " file " << name << ": the comparison failed\n";
+            Event(id, &kind, kind.name, "failed", "the comparison failed", name);
             if (Stopped()) return;
             continue;
         }
@@ -738,6 +792,7 @@ void SyncRun::Files(const SyncKind& kind, std::int32_t id, bool recordsSentUp) {
         if (options_.dryRun) {
             ++summary_.planned;
             out_ << label << ": would " << (down ? "download" : "upload") << '\n';
+            Event(id, &kind, kind.name, down ? "would download" : "would upload", {}, name);
             continue;
         }
         // A download answers 1 even when no whole file came: the copies are compared again.
@@ -747,11 +802,16 @@ void SyncRun::Files(const SyncKind& kind, std::int32_t id, bool recordsSentUp) {
             }()) {
             ++(down ? summary_.downloads : summary_.uploads);
             out_ << label << ": " << (down ? "downloaded" : "uploaded") << '\n';
+            Event(id, &kind, kind.name, down ? "downloaded" : "uploaded", {}, name);
             sentAlone = sentAlone || (!down && !recordsSentUp);
         } else {
             ++summary_.failures;
             out_ << label << ": the " << (down ? "download" : "upload")
                  << " did not leave both copies the same\n";
+            Event(id, &kind, kind.name, "failed",
+                  std::string("the ") + (down ? "download" : "upload") +
+                      " did not leave both copies the same",
+                  name);
         }
     }
     // A file carries no stamp of its own on the server: its records go up again, so that
@@ -784,6 +844,7 @@ int SyncRun::Decide(const SyncKind& kind, int decision, const std::vector<Value>
         if (decision == 0) {
             ++summary_.conflicts;
             out_ << label << ": both sides moved; left as it is\n";
+            Event(custId, &kind, kind.name, "conflict", "both sides moved");
             return 0;
         }
     }
@@ -791,6 +852,7 @@ int SyncRun::Decide(const SyncKind& kind, int decision, const std::vector<Value>
     if (options_.dryRun) {
         ++summary_.planned;
         out_ << label << ": would " << (decision == 1 ? "download" : "upload") << '\n';
+        Event(custId, &kind, kind.name, decision == 1 ? "would download" : "would upload");
         return decision;
     }
     const std::string& member = decision == 1 ? kind.download : kind.upload;
@@ -809,6 +871,7 @@ int SyncRun::Decide(const SyncKind& kind, int decision, const std::vector<Value>
     if (moved && !answer.failed && NzLong(answer.value) == 1) {
         ++(decision == 1 ? summary_.downloads : summary_.uploads);
         out_ << label << ": " << (decision == 1 ? "downloaded" : "uploaded") << '\n';
+        Event(custId, &kind, kind.name, decision == 1 ? "downloaded" : "uploaded");
         return decision;
     }
     // An upload that sent nothing because the customer has no live row of the kind here: a
@@ -820,10 +883,12 @@ int SyncRun::Decide(const SyncKind& kind, int decision, const std::vector<Value>
         out_ << label << ": no local row to send (deleted or hidden here); the server keeps "
              << "its copy\n";
         if (!options_.journal.empty()) journal_.Agreed(custId, kind.name + " kept", lastSeen_);
+        Event(custId, &kind, kind.name, "kept on server", "no local row to send");
         return 0;
     }
     ++summary_.failures;
     out_ << label << ": " << member << " failed\n";
+    Event(custId, &kind, kind.name, "failed", member + " failed");
     return 0;
 }
 
@@ -860,6 +925,7 @@ void SyncRun::Masters() {
             } else {
                 ++summary_.failures;
                 out_ << "masters: lock refused\n";
+                Event(0, nullptr, "masters", "failed", "lock refused");
             }
         }
         for (auto [k, decision] : differing) {

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "ProgressLine.h"
+#include "RunReport.h"
 #include "SyncJournal.h"
 #include "SyncKinds.h"
 #include "util/DateValue.h"
@@ -91,6 +92,9 @@ public:
     virtual int LiveRows(const LocalTable& table, std::int32_t custId) = 0;
     // The server's clock now, as far as the measured offset tells.
     virtual DateValue ServerNow() = 0;
+    // How many rows of the table count for the customer (live, not hidden, not blank); -1
+    // when unknown.
+    virtual int RowCount(const LocalTable&, std::int32_t) { return -1; }
     // Why the last request that got no reply got none, in words telling what to do.
     virtual std::string UnreachableReason() { return {}; }
 };
@@ -108,6 +112,9 @@ struct SyncOptions {
     std::filesystem::path filesDir;
     // The host's record of the last agreements; empty: none kept.
     std::filesystem::path journal;
+    // Where each write of the run is logged, one JSON line each; empty: not logged.
+    std::filesystem::path runLog;
+    bool json = false;  // the outcome as one JSON document on stdout, status lines on stderr
 };
 
 // A kind, or a roster step, that differed or could not be compared, and why it stayed.
@@ -135,6 +142,7 @@ struct SyncSummary {
     std::vector<Unsupported> unsupported;
     // Tables no member of the component moves: told, never an outcome of the run.
     std::vector<Unsupported> outside;
+    std::vector<RunEvent> events;  // what was found and done, in order
 };
 
 // 0: everything agreed or moved. 1: a failure or an unresolved conflict. 3: data that
@@ -215,6 +223,10 @@ private:
     bool RosterWithFreshLogin(bool savedLogin);
     void Progress(std::size_t done, std::size_t total, std::int32_t id);
     bool Live(const SyncKind& kind) const;
+    // Notes what the run found or did to a kind of the customer's (0: office-wide); a write
+    // goes to the run log as well.
+    void Event(std::int32_t customer, const SyncKind* kind, const std::string& name,
+               std::string outcome, std::string detail = {}, std::string file = {});
 
     Component& c_;
     SyncOptions options_;
@@ -231,6 +243,8 @@ private:
     // Customers whose moves all settled, with the server's time when they did.
     std::vector<std::pair<std::int32_t, DateValue>> settled_;
     SyncJournal journal_;
+    std::optional<RunLog> log_;
+    bool logFailed_ = false;
     SeenStamps lastSeen_;  // what the last comparison saw
     // The last comparison left the server's data in its worker for the download to use.
     bool keptWorker_ = false;

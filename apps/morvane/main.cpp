@@ -10,6 +10,7 @@
 #include "Host.h"
 #include "InitDbCommand.h"
 #include "LoginCommands.h"
+#include "RunReport.h"
 #include "SyncCommand.h"
 
 using namespace morvane::cli;
@@ -64,6 +65,12 @@ int main(int argc, char** argv) {
                       "Walk every customer, also those unchanged on both sides since they last "
                       "agreed");
     syncCmd->add_flag("--verbose", sync.verbose, "Name every table that differs");
+    syncCmd->add_flag("--json", sync.json,
+                      "Print the outcome as JSON on stdout, customer by customer and kind by "
+                      "kind; status lines go to stderr");
+    syncCmd->add_option("--log", sync.runLog,
+                        "Append each write of the run to this file, one JSON line each "
+                        "(default: $XDG_STATE_HOME/morvane/sync-log.jsonl)");
     syncCmd
         ->add_option("--stall-timeout", host.stallTimeout,
                      "Give up a request after this many seconds with no byte moving (default 60)")
@@ -111,6 +118,7 @@ int main(int argc, char** argv) {
         if (*syncCmd) {
             sync.prefer = ParsePrefer(prefer).value_or(Prefer::Ask);
             sync.progress = ::isatty(STDERR_FILENO);
+            if (sync.runLog.empty()) sync.runLog = RunLog::DefaultPath();
             return RunSync(sync, std::cout, std::cerr);
         }
         if (*callCmd) {

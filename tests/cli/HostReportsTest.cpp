@@ -2,6 +2,7 @@
 // and the scratch copies a dry run compares against.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -10,11 +11,13 @@
 
 #include "LoginCommands.h"
 #include "ProgressLine.h"
+#include "RunReport.h"
 #include "ScratchDatabases.h"
 #include "session/ProcessState.h"
 #include "session/mdlRegConstMorvane.h"
 #include "session/mdlRegControlMorvane.h"
 #include "support/MorvaneTest.h"
+#include "support/TempDir.h"
 #include "transport/TransportRun.h"
 
 namespace morvane::cli {
@@ -130,6 +133,33 @@ TEST(ProgressLine, KeepsTheBarOffTheStatusLines) {
     }
     EXPECT_EQ(plain.str(), "a line\n");
     EXPECT_EQ(none.str(), "");
+}
+
+// Each run appends its writes; a run that finds the log past its size starts a new one and
+// keeps a few old ones, the oldest dropped.
+TEST(RunLog, AppendsOneLinePerWriteAndRotatesBetweenRuns) {
+    test::TempDir dir;
+    const fs::path file = dir.Path() / "state" / "sync-log.jsonl";
+    RunEvent e;
+    e.customer = 7;
+    e.kind = "memos";
+    e.outcome = "uploaded";
+    e.tables = {"tCustomerHistory"};
+    e.rows = 2;
+    e.time = "2026-11-24T09:00:00";
+    for (int run = 0; run < 5; ++run) {
+        RunLog log(file, 300, 2);
+        for (int i = 0; i < 3; ++i) ASSERT_TRUE(log.Append(e, "/office/Customer.dat"));
+    }
+    const std::string last = Read(file);
+    EXPECT_EQ(std::count(last.begin(), last.end(), '\n'), 3) << "one run, never split";
+    EXPECT_NE(last.find(R"({"customer":7,"database":"/office/Customer.dat","direction":"up",)"
+                        R"("kind":"memos","outcome":"uploaded","rows":2,)"),
+              std::string::npos)
+        << last;
+    EXPECT_TRUE(fs::exists(file.string() + ".1"));
+    EXPECT_TRUE(fs::exists(file.string() + ".2"));
+    EXPECT_FALSE(fs::exists(file.string() + ".3"));
 }
 
 }  // namespace morvane::cli
