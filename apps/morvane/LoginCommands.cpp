@@ -10,6 +10,8 @@
 #include "session/mdlLoginInfo.h"
 #include "session/mdlRegConstMorvane.h"
 #include "session/mdlRegControlMorvane.h"
+#include "transport/mdlServerCommon.h"
+#include "transport/mdlServerConst.h"
 #include "util/Text.h"
 
 namespace morvane::cli {
@@ -79,9 +81,15 @@ int RunStatus(std::ostream& out) {
     out << "server:      " << ReadMorvaneSetting(reg::kServerName) << '\n'
         << "contract no: " << ReadMorvaneSetting(reg::kContractNo) << '\n'
         << "user ID:     " << GetLoginID() << '\n'
-        << "login:       " << StateText(state) << " (state " << state << ")\n";
+        << "login:       " << StateText(state) << " (state " << state << ", as saved)\n";
     if (state == 1) PrintAccount(obj, out);
-    return state == 1 ? 0 : 1;
+    if (GetServerName().empty()) return 1;
+    // Whether the server can be reached now: its clock, which needs no login.
+    const std::uint64_t unanswered = State().exchanges.unanswered;
+    PostToServer(page::kGetTime, "");
+    const bool reached = State().exchanges.unanswered == unanswered;
+    out << "reachable:   " << (reached ? "yes" : "no: " + UnreachableReason()) << '\n';
+    return state == 1 && reached ? 0 : 1;
 }
 
 }  // namespace morvane::cli

@@ -74,6 +74,20 @@ TEST_F(LoginReportTest, SaysWhyTheServerCouldNotBeReachedAndSavesNothingUnverifi
             EXPECT_NE(out.str().find(says), std::string::npos) << c.server << ": " << out.str();
         EXPECT_EQ(ReadMorvaneSetting(reg::kServerName), server_->HostName()) << c.server;
     }
+    // status asks the server's clock, with the same words when it cannot.
+    platform::HttpOptions http = State().HttpOptions();
+    http.caFile = ca;
+    State().SetHttpOptions(http);
+    server_->On("gettime.php", "<root><datetime>2026/11/24 09:00:00</datetime></root>");
+    for (const auto& [where, says] :
+         {std::pair{server_->HostName(), "reachable:   yes"},
+          std::pair{std::string("127.0.0.1:1"), "reachable:   no: nothing answered at"}}) {
+        State().serverName = where;
+        BeginTransportRun();
+        std::ostringstream out;
+        RunStatus(out);
+        EXPECT_NE(out.str().find(says), std::string::npos) << out.str();
+    }
 }
 
 std::string Read(const fs::path& path) {
