@@ -1,6 +1,7 @@
 // morvane-qt-demo: opens each dialog of the component as a real Qt window, or with
 // --screenshot DIR renders them to PNG files without a person at the screen.
 #include <QApplication>
+#include <QCommandLineParser>
 #include <QDir>
 #include <QLabel>
 #include <QPushButton>
@@ -93,18 +94,30 @@ int Screenshots(morvane::qt::QtToolkit& kit, const QString& dir) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    QString screenshotDir;
-    for (int i = 1; i < argc; ++i) {
-        const std::string arg = argv[i];
-        if (arg == "--screenshot" && i + 1 < argc) {
-            screenshotDir = QString::fromLocal8Bit(argv[++i]);
-        } else {
-            std::fprintf(stderr,
-                         "usage: morvane-qt-demo [--screenshot DIR]\n"
-                         "  without arguments: a window with one button per dialog\n");
-            return 2;
-        }
+    // Parsed before the application exists: the platform depends on the options.
+    constexpr const char* kUsage =
+        "usage: morvane-qt-demo [--screenshot DIR]\n"
+        "  without arguments: a window with one button per dialog\n"
+        "  --screenshot DIR: every dialog rendered to a PNG file in DIR, no display needed\n";
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
+    QCommandLineParser parser;
+    const QCommandLineOption help({"h", "help"}, "Show this help.");
+    const QCommandLineOption screenshot("screenshot", "Render every dialog into DIR.", "DIR");
+    parser.addOption(help);
+    parser.addOption(screenshot);
+    if (!parser.parse(arguments) || !parser.positionalArguments().isEmpty()) {
+        const QString why = parser.errorText().isEmpty()
+                                ? "unexpected argument " + parser.positionalArguments().first()
+                                : parser.errorText();
+        std::fprintf(stderr, "morvane-qt-demo: %s\n%s", qPrintable(why), kUsage);
+        return 2;
     }
+    if (parser.isSet(help)) {
+        std::fputs(kUsage, stdout);
+        return 0;
+    }
+    const QString screenshotDir = parser.value(screenshot);
     if (!screenshotDir.isEmpty() && !HaveDisplay()) qputenv("QT_QPA_PLATFORM", "offscreen");
     if (screenshotDir.isEmpty() && !HaveDisplay()) {
         std::fprintf(stderr, "morvane-qt-demo: no display; use --screenshot DIR\n");
