@@ -1,5 +1,6 @@
 #include "util/DateValue.h"
 
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <ctime>
@@ -9,40 +10,30 @@
 namespace morvane {
 namespace {
 
+namespace chr = std::chrono;
+
 // Days from 1970-01-01 to a civil date (proleptic Gregorian).
 long DaysFromCivil(int y, int m, int d) {
-    y -= m <= 2;
-    const long era = (y >= 0 ? y : y - 399) / 400;
-    const long yoe = y - era * 400;
-    const long doy = (153 * (m + (m > 2 ? -3 : 9)) + 2) / 5 + d - 1;
-    const long doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
-    return era * 146097 + doe - 719468;
+    const chr::year_month_day date{chr::year{y}, chr::month{static_cast<unsigned>(m)},
+                                   chr::day{static_cast<unsigned>(d)}};
+    return static_cast<long>(chr::sys_days{date}.time_since_epoch().count());
 }
 
 void CivilFromDays(long z, int& y, int& m, int& d) {
-    z += 719468;
-    const long era = (z >= 0 ? z : z - 146096) / 146097;
-    const long doe = z - era * 146097;
-    const long yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
-    const long doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
-    const long mp = (5 * doy + 2) / 153;
-    d = static_cast<int>(doy - (153 * mp + 2) / 5 + 1);
-    m = static_cast<int>(mp < 10 ? mp + 3 : mp - 9);
-    y = static_cast<int>(yoe + era * 400 + (m <= 2));
+    const chr::year_month_day date{chr::sys_days{chr::days{z}}};
+    y = static_cast<int>(date.year());
+    m = static_cast<int>(static_cast<unsigned>(date.month()));
+    d = static_cast<int>(static_cast<unsigned>(date.day()));
 }
 
 constexpr long kEpochOffset = 25569;  // 1899-12-30 to 1970-01-01
 
-int DaysInMonth(int y, int m) {
-    static constexpr int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    const bool leap = (y % 4 == 0 && y % 100 != 0) || y % 400 == 0;
-    return m == 2 && leap ? 29 : kDays[m - 1];
-}
-
 bool Valid(const CivilTime& t) {
-    return t.year >= 100 && t.year <= 9999 && t.month >= 1 && t.month <= 12 && t.day >= 1 &&
-           t.day <= DaysInMonth(t.year, t.month) && t.hour >= 0 && t.hour <= 23 && t.minute >= 0 &&
-           t.minute <= 59 && t.second >= 0 && t.second <= 59;
+    const chr::year_month_day date{chr::year{t.year}, chr::month{static_cast<unsigned>(t.month)},
+                                   chr::day{static_cast<unsigned>(t.day)}};
+    return t.year >= 100 && t.year <= 9999 && t.month >= 1 && t.day >= 1 && date.ok() &&
+           t.hour >= 0 && t.hour <= 23 && t.minute >= 0 && t.minute <= 59 && t.second >= 0 &&
+           t.second <= 59;
 }
 
 // Reads an unsigned decimal number of 1 to maxDigits digits at pos.
