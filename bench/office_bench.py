@@ -15,13 +15,15 @@ import json
 import os
 import re
 import shutil
-import signal
 import sqlite3
 import subprocess
 import sys
 import tempfile
 import time
 from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "tests" / "support"))
+from reference_server import Failure, ReferenceServer  # noqa: E402
 
 CONTRACT = "BENCH-0001"
 PASSWORDS = {"office-a": "bench-password-a", "office-b": "bench-password-b"}
@@ -51,44 +53,11 @@ BLANK_GRID = ("KikanName", "Kubun") + tuple("Nendo%d" % i for i in range(1, 11))
 TICK = os.sysconf("SC_CLK_TCK")
 
 
-class Failure(Exception):
-    pass
-
-
-class Server:
-    """`morvane-server serve` as a child, with its CPU, peak memory and answered requests."""
+class Server(ReferenceServer):
+    """The server with its CPU, peak memory and answered requests."""
 
     def __init__(self, bin_dir: Path, work: Path, customers: int):
-        self.bin = bin_dir
-        self.data = work / "server-data"
-        self.data.mkdir(parents=True)
-        self.log_path = work / "server.log"
-        self.log = open(self.log_path, "ab")
-        self.tool(["add-account", "--contractor-name", "bench", "--contract-begin", "2026/04/01",
-                   "--contract-end", "2027/03/31", "--shared-count", "2",
-                   "--max-customer", str(max(customers, 10))])
-        for user, password in PASSWORDS.items():
-            self.tool(["add-user", "--user", user, "--user-name", user, "--password-stdin"],
-                      password + "\n")
-        port_file = work / "port"
-        self.proc = subprocess.Popen(
-            [str(bin_dir / "morvane-server"), "serve", "--data", str(self.data), "--address",
-             "127.0.0.1", "--port", "0", "--port-file", str(port_file)],
-            stdout=self.log, stderr=self.log)
-        deadline = time.monotonic() + 30
-        while not port_file.exists() or not port_file.read_text().strip():
-            if self.proc.poll() is not None or time.monotonic() > deadline:
-                raise Failure("morvane-server did not start; see " + str(self.log_path))
-            time.sleep(0.05)
-        self.name = "127.0.0.1:" + port_file.read_text().strip()
-        self.cert = self.data / "cert.pem"
-
-    def tool(self, args, stdin=""):
-        done = subprocess.run([str(self.bin / "morvane-server"), args[0], "--data",
-                               str(self.data), "--contract", CONTRACT] + args[1:],
-                              input=stdin.encode(), stdout=self.log, stderr=self.log)
-        if done.returncode != 0:
-            raise Failure("morvane-server " + args[0] + " failed")
+        super().__init__(bin_dir, work, CONTRACT, PASSWORDS, max(customers, 10))
 
     def cpu(self) -> float:
         fields = Path("/proc/%d/stat" % self.proc.pid).read_text().rsplit(")", 1)[1].split()
@@ -111,15 +80,6 @@ class Server:
         with open(self.log_path, "rb") as f:
             return sum(1 for line in f if b" POST /" in line)
 
-    def close(self):
-        self.proc.send_signal(signal.SIGTERM)
-        try:
-            self.proc.wait(timeout=10)
-        except subprocess.TimeoutExpired:
-            self.proc.kill()
-            self.proc.wait()
-        self.log.close()
-
 
 class Office:
     def __init__(self, server: Server, root: Path, user: str):
@@ -141,8 +101,7 @@ class Office:
         return self.root / "sync-log.jsonl"
 
     def command(self, args):
-        return [str(self.server.bin / "morvane"), "--config", str(self.root / "config"),
-                "--ca-file", str(self.server.cert)] + args
+        return self.server.host_command(self.root / "config", args)
 
     def run(self, args, stdin="", ok=(0,), log_name="last-run"):
         """The host run as a child: its output, wall time, CPU and peak memory, and its exit

@@ -29,15 +29,14 @@ import time
 from collections import defaultdict
 from pathlib import Path
 
+sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "support"))
+from reference_server import Failure, ReferenceServer  # noqa: E402
+
 CONTRACT = "CRASH-0001"
 PASSWORDS = {"office-a": "crash-password-a", "office-b": "crash-password-b"}
 DATABASES = ("Customer.dat", "Master.dat", "prefcustom.dat")
 # Written by an interrupted replace beside the file it was to replace.
 LEFTOVER = re.compile(r"^\..+\.[0-9a-f]{16}\.new$")
-
-
-class Failure(Exception):
-    pass
 
 
 class Rig:
@@ -46,28 +45,10 @@ class Rig:
     def __init__(self, bin_dir: Path, work: Path, big_mib: int):
         self.bin = bin_dir
         self.work = work
-        self.server_data = work / "server-data"
-        self.server_data.mkdir(parents=True)
-        self.log = open(work / "server.log", "ab")
-        for args in (["add-account", "--contractor-name", "crash", "--contract-begin",
-                      "2026/04/01", "--contract-end", "2027/03/31", "--shared-count", "2",
-                      "--max-customer", "100"],):
-            self.server_tool(args)
-        for user, password in PASSWORDS.items():
-            self.server_tool(["add-user", "--user", user, "--user-name", user,
-                              "--password-stdin"], password + "\n")
-        port_file = work / "port"
-        self.server = subprocess.Popen(
-            [str(bin_dir / "morvane-server"), "serve", "--data", str(self.server_data),
-             "--address", "127.0.0.1", "--port", "0", "--port-file", str(port_file), "--quiet"],
-            stdout=self.log, stderr=self.log)
-        deadline = time.monotonic() + 30
-        while not port_file.exists() or not port_file.read_text().strip():
-            if self.server.poll() is not None or time.monotonic() > deadline:
-                raise Failure("morvane-server did not start")
-            time.sleep(0.05)
-        self.server_name = "127.0.0.1:" + port_file.read_text().strip()
-        self.cert = self.server_data / "cert.pem"
+        self.server = ReferenceServer(bin_dir, work, CONTRACT, PASSWORDS, quiet=True)
+        self.server_data = self.server.data
+        self.server_name = self.server.name
+        self.cert = self.server.cert
 
         office_a = work / "office-a"
         self.host(office_a, ["init-db", str(office_a / "data"), "--sample", "3"])
@@ -77,24 +58,10 @@ class Rig:
         self.make_big_files(big_mib)
 
     def close(self):
-        self.server.send_signal(signal.SIGTERM)
-        try:
-            self.server.wait(timeout=10)
-        except subprocess.TimeoutExpired:
-            self.server.kill()
-            self.server.wait()
-        self.log.close()
-
-    def server_tool(self, args, stdin=""):
-        full = [str(self.bin / "morvane-server"), args[0], "--data", str(self.server_data),
-                "--contract", CONTRACT] + args[1:]
-        done = subprocess.run(full, input=stdin.encode(), stdout=self.log, stderr=self.log)
-        if done.returncode != 0:
-            raise Failure("morvane-server " + args[0] + " failed")
+        self.server.close()
 
     def command(self, office: Path, args):
-        return [str(self.bin / "morvane"), "--config", str(office / "config"), "--ca-file",
-                str(self.cert)] + args
+        return self.server.host_command(office / "config", args)
 
     def host(self, office: Path, args, stdin="", ok=(0,), env=None):
         done = subprocess.run(self.command(office, args), input=stdin.encode(),
