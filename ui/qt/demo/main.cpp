@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QLabel>
 #include <QPushButton>
+#include <QTemporaryDir>
 #include <QVBoxLayout>
 #include <QWidget>
 #include <cstdio>
@@ -15,11 +16,18 @@
 #include <vector>
 
 #include "qt/QtToolkit.h"
+#include "roster/cCustList.h"
+#include "roster/frmSelectCompareCustList.h"
+#include "roster/frmSelectCompareCustListAll.h"
+#include "roster/frmSelectEnabledCustList.h"
+#include "roster/frmSelectEnabledCustListMsg.h"
 #include "session/ProcessState.h"
 #include "session/ctrlMorvane.h"
 #include "session/frmLogin.h"
 #include "session/frmMorvaneSetting.h"
 #include "session/mdlLogin.h"
+#include "store/LocalDatabases.h"
+#include "store/cCustListSync.h"
 #include "store/frmSelectCompareMsg.h"
 
 namespace {
@@ -32,6 +40,39 @@ struct Dialog {
     std::function<std::unique_ptr<morvane::forms::Form>(morvane::forms::Toolkit&)> make;
     std::function<void(ctrlMorvane&)> open;
 };
+
+// An office of three customers and a server that holds two of them and a third of its own,
+// for the roster and backup-target dialogs to show.
+struct SampleOffice {
+    SampleOffice() {
+        db =
+            morvane::CreateLocalDatabases(dir.path().toStdString(), SampleData()).customer.string();
+        for (int id : {1, 2, 7}) {
+            morvane::cCustListItem& item = server.Add(id);
+            item.Code = "C" + std::to_string(id);
+            item.CorpName0 = "モルヴェイン建設" + std::to_string(id) + "株式会社";
+            item.CorpKanaS = "ﾓﾙｳﾞｪｲﾝｹﾝｾﾂ";
+            morvane::cCustListSyncItem& flags = targets.Add("K" + std::to_string(id), id);
+            flags.Code = item.Code;
+            flags.CorpName0 = item.CorpName0;
+            flags.InetEnableFlag = id == 7 ? 0 : 1;
+        }
+    }
+    static morvane::SampleDataOptions SampleData() {
+        morvane::SampleDataOptions data;
+        data.customers = 3;
+        return data;
+    }
+    QTemporaryDir dir;
+    std::string db;
+    morvane::cCustList server;
+    morvane::cCustListSync targets;
+};
+
+SampleOffice& Office() {
+    static SampleOffice office;
+    return office;
+}
 
 std::vector<Dialog> Dialogs() {
     return {
@@ -62,6 +103,40 @@ std::vector<Dialog> Dialogs() {
              std::printf("ShowCompareMsgDlg -> %d\n",
                          morvane::ShowCompareMsgDlg(nullptr, "基本情報"));
          }},
+        {"roster-all",
+         "顧客一覧の確認 (全体)",
+         [](auto& kit) {
+             auto form = std::make_unique<morvane::frmSelectCompareCustListAll>(kit);
+             form->SetLocalDB(Office().db);
+             form->SetServerData(&Office().server);
+             return form;
+         },
+         {}},
+        {"roster-each",
+         "顧客一覧の確認 (顧客ごと)",
+         [](auto& kit) {
+             auto form = std::make_unique<morvane::frmSelectCompareCustList>(kit);
+             form->SetLocalDB(Office().db);
+             form->SetServerData(&Office().server);
+             form->SetOnlyLc_IDs("3");
+             form->SetOnlySv_IDs("7");
+             return form;
+         },
+         {}},
+        {"targets",
+         "バックアップ対象の選択",
+         [](auto& kit) {
+             auto form = std::make_unique<morvane::frmSelectEnabledCustList>(kit);
+             form->LocalDB = Office().db;
+             form->ServerData = &Office().targets;
+             form->Showtype = "1";
+             return form;
+         },
+         {}},
+        {"targets-confirm",
+         "バックアップ対象の確定",
+         [](auto& kit) { return std::make_unique<morvane::frmSelectEnabledCustListMsg>(kit); },
+         {}},
     };
 }
 
@@ -135,7 +210,12 @@ int main(int argc, char** argv) {
     layout->addWidget(new QLabel("開くダイアログを選んでください", &launcher));
     for (const auto& d : Dialogs()) {
         auto* button = new QPushButton(QString::fromUtf8(d.title), &launcher);
-        QObject::connect(button, &QPushButton::clicked, [&obj, open = d.open] { open(obj); });
+        QObject::connect(button, &QPushButton::clicked, [&obj, &kit, d] {
+            if (d.open) return d.open(obj);
+            // Dialogs that a member opens only halfway through a synchronisation.
+            auto form = d.make(*kit);
+            form->ShowModal(nullptr);
+        });
         layout->addWidget(button);
     }
     auto* quit = new QPushButton("終了", &launcher);
