@@ -253,6 +253,15 @@ std::vector<std::vector<Control*>> LayoutRows(const Form& form) {
     return lines;
 }
 
+std::vector<std::vector<Control*>> LayoutRowsIn(const Form& form, const Control* container) {
+    std::vector<std::vector<Control*>> lines;
+    for (auto& line : LayoutRows(form)) {
+        std::erase_if(line, [container](const Control* c) { return c->Container() != container; });
+        if (!line.empty()) lines.push_back(std::move(line));
+    }
+    return lines;
+}
+
 // ---- HeadlessToolkit
 
 void HeadlessToolkit::RunModal(Form& form, Form* /*owner*/) {

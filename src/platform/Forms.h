@@ -83,6 +83,9 @@ public:
     // Layout hint for toolkits: the row of the form this control sits in (0 based).
     int Row() const { return row_; }
     void SetRow(int row) { row_ = row; }
+    // The frame that holds the control, none when the form itself does.
+    const Control* Container() const { return container_; }
+    void SetContainer(const Control* frame) { container_ = frame; }
 
     // Event handlers, set by the form that declares the control.
     std::function<void()> onClick;
@@ -105,6 +108,7 @@ private:
     bool visible_ = true;
     int tabIndex_ = 0;
     int row_ = -1;
+    const Control* container_ = nullptr;
 };
 
 class Label final : public Control {
@@ -345,6 +349,8 @@ private:
 // The form's controls (timers aside) in lines for a toolkit to lay out: the lines of the row
 // hints in row order, then one line per control without a hint, neighbouring buttons sharing.
 std::vector<std::vector<Control*>> LayoutRows(const Form& form);
+// The same lines, with only the controls that `container` holds (nullptr: the form itself).
+std::vector<std::vector<Control*>> LayoutRowsIn(const Form& form, const Control* container);
 
 // What renders forms and runs the message loop. One per process, chosen by the host.
 class Toolkit {

@@ -32,15 +32,17 @@ frmSelectEnabledCustList::frmSelectEnabledCustList(forms::Toolkit& toolkit)
         "んでした。\r\n"
         "　バックアップを行う顧客を選択しなおしていただき、利用可能な顧客数となるように設定して"
         "ください。");
-    AddAt<forms::Frame>(3, "fraInfo", "バックアップご利用状況");
-    AddAt<forms::Label>(4, "lblInfoT(0)", "ご契約のバックアップ可能顧客数：");
-    AddAt<forms::Label>(4, "lblInfo(0)");
-    AddAt<forms::Label>(5, "lblInfoT(1)", "全顧客数：");
-    AddAt<forms::Label>(5, "lblInfo(1)");
-    AddAt<forms::Label>(6, "lblInfoT(2)", "ご利用中の顧客数：");
-    AddAt<forms::Label>(6, "lblInfo(2)");
-    AddAt<forms::Label>(7, "lblInfoT(3)", "現在、「バックアップする」顧客は");
-    AddAt<forms::Label>(7, "lblInfo(3)");
+    const auto& fraInfo = AddAt<forms::Frame>(3, "fraInfo", "バックアップご利用状況");
+    for (forms::Label* info :
+         {&AddAt<forms::Label>(4, "lblInfoT(0)", "ご契約のバックアップ可能顧客数："),
+          &AddAt<forms::Label>(4, "lblInfo(0)"),
+          &AddAt<forms::Label>(5, "lblInfoT(1)", "全顧客数："),
+          &AddAt<forms::Label>(5, "lblInfo(1)"),
+          &AddAt<forms::Label>(6, "lblInfoT(2)", "ご利用中の顧客数："),
+          &AddAt<forms::Label>(6, "lblInfo(2)"),
+          &AddAt<forms::Label>(7, "lblInfoT(3)", "現在、「バックアップする」顧客は"),
+          &AddAt<forms::Label>(7, "lblInfo(3)")})
+        info->SetContainer(&fraInfo);
     grid_ = &AddAt<forms::Grid>(8, "vfaData");
     AddAt<forms::Label>(9, "lblSetAll", "バックアップする顧客を一括で ⇒ ");
     auto& cmdAllSel = AddAt<forms::Button>(9, "cmdAllSel", " 全て対象 ");

@@ -18,15 +18,19 @@ frmSelectEnabledCustListMsg::frmSelectEnabledCustListMsg(forms::Toolkit& toolkit
         "ご契約変更（利用制限顧客数を変更）した場合は、「バックアップしない」とした顧客も");
     AddAt<forms::Label>(3, "lblMsg(3)", "あらためて、バックアップすることができるようになります。");
     AddAt<forms::Label>(4, "lblMsg(4)", "バックアップする顧客を設定してよろしいですか？");
-    AddAt<forms::Frame>(5, "Frame1", "【モルヴェインする顧客の件数を増やしたい場合】");
-    AddAt<forms::Label>(6, "Label8",
-                        "現在のバックアップ利用制限顧客数を変更されたい場合は、以下からご契約内容"
-                        "の変更依頼をお願いいたします。");
-    AddAt<forms::Label>(7, "Label9", "・モルヴェイン契約変更依頼： ");
+    const auto& frame =
+        AddAt<forms::Frame>(5, "Frame1", "【モルヴェインする顧客の件数を増やしたい場合】");
+    auto& label8 = AddAt<forms::Label>(6, "Label8",
+                                       "現在のバックアップ利用制限顧客数を変更されたい場合は、以下"
+                                       "からご契約内容の変更依頼をお願いいたします。");
+    auto& label9 = AddAt<forms::Label>(7, "Label9", "・モルヴェイン契約変更依頼： ");
     auto& lblURL = AddAt<forms::Panel>(7, "lblURL", " こちら（管理サイトを表示） ");
-    AddAt<forms::Label>(8, "Label2",
-                        "※もし上記から契約変更を実施していただいた場合は、システムを一旦終了して"
-                        "、再起動してください。");
+    auto& label2 = AddAt<forms::Label>(8, "Label2",
+                                       "※もし上記から契約変更を実施していただいた場合は、システム"
+                                       "を一旦終了して、再起動してください。");
+    for (forms::Control* inside :
+         std::initializer_list<forms::Control*>{&label8, &label9, &lblURL, &label2})
+        inside->SetContainer(&frame);
     auto& cmdOK = AddAt<forms::Button>(9, "cmdOK", "OK");
     auto& cmdClose = AddAt<forms::Button>(9, "cmdClose", "キャンセル");
     cmdClose.SetCancel(true);

@@ -27,11 +27,12 @@ frmSelectCompareMsg::frmSelectCompareMsg(forms::Toolkit& toolkit)
         "Label3",
         "【注意】\r\n選択した方のデータでもう一方のデータを更新(上書き)します。\r\n"
         "ローカルのデータを確認するには、一旦、キャンセルしてデータをご確認ください。");
-    Add<forms::Frame>("Frame1", "データの更新日時");
-    Add<forms::Label>("lblDataInfo(0)", "バックアップサーバーのデータ");
-    Add<forms::Label>("lblDataInfo(1)");
-    Add<forms::Label>("lblDataInfo(3)", "ローカルの保存先のデータ");
-    Add<forms::Label>("lblDataInfo(4)");
+    const auto& frame = Add<forms::Frame>("Frame1", "データの更新日時");
+    for (auto* info : {&Add<forms::Label>("lblDataInfo(0)", "バックアップサーバーのデータ"),
+                       &Add<forms::Label>("lblDataInfo(1)"),
+                       &Add<forms::Label>("lblDataInfo(3)", "ローカルの保存先のデータ"),
+                       &Add<forms::Label>("lblDataInfo(4)")})
+        info->SetContainer(&frame);
     Add<forms::Button>("cmdSel(0)", "サーバーを採用").onClick = [this] { Select(0); };
     Add<forms::Button>("cmdSel(1)", "ローカルを採用").onClick = [this] { Select(1); };
     auto& cancel = Add<forms::Button>("cmdCancel", "キャンセル");

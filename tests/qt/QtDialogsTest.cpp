@@ -25,6 +25,7 @@
 #include <vector>
 
 #include "qt/QtToolkit.h"
+#include "roster/frmSelectEnabledCustListMsg.h"
 #include "session/ProcessState.h"
 #include "session/basTextEncrypt.h"
 #include "session/ctrlMorvane.h"
@@ -125,6 +126,22 @@ protected:
             ++texts;
         }
         EXPECT_GE(texts, minTexts);
+
+        // Nothing is cut off by the window, and a frame holds its controls inside its box.
+        const QRect whole(QPoint(0, 0), window->size());
+        for (const auto& c : form.Controls()) {
+            auto* w = window->findChild<QWidget*>(QString::fromStdString(c->Name()));
+            if (!w || !w->isVisible()) continue;
+            const QRect r(w->mapTo(window.get(), QPoint(0, 0)), w->size());
+            EXPECT_TRUE(whole.contains(r)) << c->Name() << " runs out of the window";
+            if (!c->Container()) continue;
+            auto* frame =
+                window->findChild<QWidget*>(QString::fromStdString(c->Container()->Name()));
+            ASSERT_NE(frame, nullptr) << c->Container()->Name();
+            EXPECT_TRUE(frame->isAncestorOf(w)) << c->Name();
+            EXPECT_TRUE(QRect(frame->mapTo(window.get(), QPoint(0, 0)), frame->size()).contains(r))
+                << c->Name() << " lies outside its frame " << c->Container()->Name();
+        }
     }
 
     std::shared_ptr<qt::QtToolkit> qt_;
@@ -150,6 +167,11 @@ TEST_F(QtDialogsTest, CompareDialogRendersItsTexts) {
     frmSelectCompareMsg form(*qt_);
     form.SetData("基本情報", "2024/05/01 10:00:00", "2024/04/01 09:00:00", "");
     Screenshot(form, "frmSelectCompareMsg.png", 10);
+}
+
+TEST_F(QtDialogsTest, BackupTargetWarningRendersItsTextsInsideItsFrame) {
+    frmSelectEnabledCustListMsg form(*qt_);
+    Screenshot(form, "frmSelectEnabledCustListMsg.png", 10);
 }
 
 TEST_F(QtDialogsTest, LoginThroughTheRealWidgets) {

@@ -38,16 +38,30 @@ FormWindow::~FormWindow() { kit_.Unregister(form_, this); }
 void FormWindow::Build() {
     auto* outer = new QVBoxLayout(this);  // owned by the window
     auto* grid = new QGridLayout();       // owned by outer once added
-    grid->setColumnStretch(1, 1);
     outer->addLayout(grid);
+    Fill(grid, this, nullptr);
+    for (const auto& [control, binding] : bindings_) {
+        const auto* button = dynamic_cast<const forms::Button*>(control);
+        if (button && button->IsDefault())
+            static_cast<QPushButton*>(binding.widget)->setDefault(true);
+    }
+}
+
+// The lines of the controls `container` holds, into `grid` on `parent`; a frame takes the
+// lines of its own controls in a grid of its own.
+void FormWindow::Fill(QGridLayout* grid, QWidget* parent, const forms::Control* container) {
+    grid->setColumnStretch(1, 1);
     int line = 0;
-    for (const auto& controls : forms::LayoutRows(form_)) {
+    for (const auto& controls : forms::LayoutRowsIn(form_, container)) {
         std::vector<QWidget*> widgets;
         for (forms::Control* c : controls) {
-            ControlBinding binding = BuildWidget(*c, this);
+            ControlBinding binding = BuildWidget(*c, parent);
             if (!binding.widget) continue;
             widgets.push_back(binding.widget);
+            QWidget* widget = binding.widget;
             bindings_[c] = std::move(binding);
+            if (c->Kind() == forms::ControlKind::Frame)
+                Fill(new QGridLayout(widget), widget, c);  // owned by the frame's widget
         }
         if (widgets.empty()) continue;
         if (controls.size() == 2 && controls[0]->Kind() == forms::ControlKind::Label &&
@@ -64,11 +78,6 @@ void FormWindow::Build() {
             grid->addLayout(box, line, 0, 1, 2);
         }
         ++line;
-    }
-    for (const auto& [control, binding] : bindings_) {
-        const auto* button = dynamic_cast<const forms::Button*>(control);
-        if (button && button->IsDefault())
-            static_cast<QPushButton*>(binding.widget)->setDefault(true);
     }
 }
 

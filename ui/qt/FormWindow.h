@@ -8,6 +8,8 @@
 #include "platform/Forms.h"
 #include "qt/WidgetBuilders.h"
 
+class QGridLayout;
+
 namespace morvane::qt {
 
 class QtToolkit;
@@ -34,6 +36,7 @@ protected:
 
 private:
     void Build();
+    void Fill(QGridLayout* grid, QWidget* parent, const forms::Control* container);
 
     QtToolkit& kit_;
     forms::Form& form_;
