@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <filesystem>
+#include <limits>
 #include <system_error>
 
 #include "ReachReason.h"
@@ -196,31 +197,32 @@ std::map<std::int32_t, std::uint64_t> ObjectComponent::LocalFingerprints(
     return folds;
 }
 
-int ObjectComponent::LiveRows(const LocalTable& t, std::int32_t custId) {
-    if (t.index < 0) return -1;
-    try {
-        dao::Workspace ws("", "");
-        dao::Database& db = ws.OpenDatabase(t.db);
-        // The snapshot's own statement: a row when the customer has rows that count.
-        auto rs = db.OpenRecordset(BackupTableStatement(t.index, custId));
-        return rs->Eof() ? 0 : 1;
-    } catch (const std::exception&) {
-        return -1;  // unknown: never taken for "nothing to send"
-    }
-}
+namespace {
 
-int ObjectComponent::RowCount(const LocalTable& t, std::int32_t custId) {
+// The customer's rows of the table that count, by the snapshot's own statement, up to `most`;
+// -1 when unknown, which is never taken for "nothing to send".
+int CountRows(const LocalTable& t, std::int32_t custId, int most) {
     if (t.index < 0) return -1;
     try {
         dao::Workspace ws("", "");
         dao::Database& db = ws.OpenDatabase(t.db);
         auto rs = db.OpenRecordset(BackupTableStatement(t.index, custId));
         int rows = 0;
-        for (; !rs->Eof(); rs->MoveNext()) ++rows;
+        for (; rows < most && !rs->Eof(); rs->MoveNext()) ++rows;
         return rows;
     } catch (const std::exception&) {
         return -1;
     }
+}
+
+}  // namespace
+
+int ObjectComponent::LiveRows(const LocalTable& t, std::int32_t custId) {
+    return CountRows(t, custId, 1);
+}
+
+int ObjectComponent::RowCount(const LocalTable& t, std::int32_t custId) {
+    return CountRows(t, custId, std::numeric_limits<int>::max());
 }
 
 DateValue ObjectComponent::ServerNow() {

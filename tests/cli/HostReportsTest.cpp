@@ -31,9 +31,9 @@ class LoginReportTest : public test::MorvaneTest {};
 // was not verified keeps the settings of the last one that was.
 TEST_F(LoginReportTest, SaysWhyTheServerCouldNotBeReachedAndSavesNothingUnverified) {
     server_->On("login.php", test::LoginReply(1, "T1"));
-    test::TestServer untrusted{test::CertificateSpec{}};
-    test::TestServer expired{test::CertificateSpec{"IP:127.0.0.1", -7200, -3600}};
-    test::TestServer otherName{test::CertificateSpec{"DNS:other.example", -3600, 3600}};
+    test::TestServer untrusted{test::CertificateOptions{}};
+    test::TestServer expired{test::CertificateOptions{"IP:127.0.0.1", -7200, -3600}};
+    test::TestServer otherName{test::CertificateOptions{"DNS:other.example", -3600, 3600}};
     test::TestServer slow{std::nullopt};
     slow.On("login.php", [](const test::RecordedRequest&) {
         test::PageReply reply{test::LoginReply(1, "T1")};

@@ -41,8 +41,8 @@ void WritePem(const std::string& path, const std::function<int(FILE*)>& write) {
     if (!ok) throw std::runtime_error("cannot write PEM " + path);
 }
 
-// A self-signed certificate as the spec asks.
-std::shared_ptr<const Certificate> MakeCertificate(const CertificateSpec& spec) {
+// A self-signed certificate with the names and validity the test asks for.
+std::shared_ptr<const Certificate> MakeCertificate(const CertificateOptions& options) {
     auto made = std::make_shared<Certificate>();
     Certificate& c = *made;
     KeyPtr key(EVP_RSA_gen(2048));
@@ -50,8 +50,8 @@ std::shared_ptr<const Certificate> MakeCertificate(const CertificateSpec& spec) 
     if (!key || !x509) throw std::runtime_error("OpenSSL allocation failed");
     X509_set_version(x509.get(), 2);
     ASN1_INTEGER_set(X509_get_serialNumber(x509.get()), 1);
-    X509_gmtime_adj(X509_getm_notBefore(x509.get()), spec.validFromSeconds);
-    X509_gmtime_adj(X509_getm_notAfter(x509.get()), spec.validToSeconds);
+    X509_gmtime_adj(X509_getm_notBefore(x509.get()), options.validFromSeconds);
+    X509_gmtime_adj(X509_getm_notAfter(x509.get()), options.validToSeconds);
     X509_set_pubkey(x509.get(), key.get());
     X509_NAME* name = X509_get_subject_name(x509.get());
     X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC,
@@ -60,7 +60,7 @@ std::shared_ptr<const Certificate> MakeCertificate(const CertificateSpec& spec) 
     X509V3_CTX ctx;
     X509V3_set_ctx_nodb(&ctx);
     X509V3_set_ctx(&ctx, x509.get(), x509.get(), nullptr, nullptr, 0);
-    for (const auto& [nid, value] : {std::pair{NID_subject_alt_name, spec.altNames.c_str()},
+    for (const auto& [nid, value] : {std::pair{NID_subject_alt_name, options.altNames.c_str()},
                                      std::pair{NID_basic_constraints, "critical,CA:TRUE"}}) {
         ExtPtr ext(X509V3_EXT_conf_nid(nullptr, &ctx, nid, value));
         if (!ext) throw std::runtime_error("OpenSSL extension failed");
@@ -108,8 +108,8 @@ struct TestServer::Impl {
 
 TestServer::TestServer() : TestServer(std::nullopt) {}
 
-TestServer::TestServer(const std::optional<CertificateSpec>& spec)
-    : impl_(std::make_unique<Impl>(spec ? MakeCertificate(*spec) : SharedCertificate())) {
+TestServer::TestServer(const std::optional<CertificateOptions>& options)
+    : impl_(std::make_unique<Impl>(options ? MakeCertificate(*options) : SharedCertificate())) {
     if (!impl_->server.is_valid()) throw std::runtime_error("test server: bad certificate");
     impl_->server.Post(R"(/(.*))", [this](const httplib::Request& req, httplib::Response& res) {
         RecordedRequest rec;

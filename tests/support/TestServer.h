@@ -36,7 +36,7 @@ struct PageReply {
 
 // The certificate a server shows, made for it alone; without one it shows a shared one for
 // 127.0.0.1 and localhost, valid now.
-struct CertificateSpec {
+struct CertificateOptions {
     std::string altNames = "IP:127.0.0.1,DNS:localhost";
     long validFromSeconds = -3600;  // from now
     long validToSeconds = 7L * 24 * 3600;
@@ -47,7 +47,7 @@ public:
     using Handler = std::function<PageReply(const RecordedRequest&)>;
 
     TestServer();
-    explicit TestServer(const std::optional<CertificateSpec>& spec);
+    explicit TestServer(const std::optional<CertificateOptions>& options);
     ~TestServer();
     TestServer(const TestServer&) = delete;
     TestServer& operator=(const TestServer&) = delete;
