@@ -135,7 +135,8 @@ TEST(SyncProgram, RefusesAMissingDatabaseAndAMissingLogin) {
     fs::remove_all(pattern);
 }
 
-// Usage errors end with 2 and say what was wrong; help and the version with 0.
+// Usage errors end with 2 and say what was wrong; help and the version with 0; a login that
+// reached no server with 1.
 TEST(Program, FollowsTheUsualConventions) {
     struct Case {
         std::string args;
@@ -154,6 +155,8 @@ TEST(Program, FollowsTheUsualConventions) {
         {"sync --db x --time-limit soon", 2, "--time-limit"},
         {"--config /nonexistent/morvane sync --db none.dat --stall-timeout 5 --time-limit 600", 2,
          "no customer database"},
+        {"--config /nonexistent/morvane login --server 127.0.0.1:1 --contract C --user U", 1,
+         "nothing answered at 127.0.0.1:1"},
     };
     for (const Case& c : cases) {
         const ProgramRun run = RunCli(c.args + " 2>&1");
