@@ -13,11 +13,15 @@ frmLoginProgress::frmLoginProgress(forms::Toolkit& toolkit)
 
 void frmLoginProgress::OnLoad() { PlaceOnWorkArea(); }
 
+void frmLoginProgress::ShowWorking() {
+    lblInfo_.SetText("データサーバーにログインしています・・・");
+}
+
 void frmLoginProgress::OnActivate() {
     if (shown_) return;
     shown_ = true;
     Kit().DoEvents();  // paint the form before the blocking exchange
-    lblInfo_.SetText("データサーバーにログインしています・・・");
+    ShowWorking();
     DoLogin(id_, password_, contractNo_);
     Hide();
 }

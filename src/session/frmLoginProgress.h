@@ -15,6 +15,8 @@ public:
     void SetId(std::string id) { id_ = std::move(id); }
     void SetPassword(std::string password) { password_ = std::move(password); }
     void SetContractNo(std::string contractNo) { contractNo_ = std::move(contractNo); }
+    // The text the form shows while the exchange runs.
+    void ShowWorking();
 
 protected:
     void OnLoad() override;

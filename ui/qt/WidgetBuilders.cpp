@@ -12,10 +12,12 @@
 #include <QPalette>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSignalBlocker>
 #include <QTableWidget>
 #include <QTimer>
 #include <QTreeWidget>
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <optional>
@@ -172,6 +174,16 @@ ControlBinding BuildComboBox(forms::Control& c, QWidget* parent) {
             }};
 }
 
+// A table asks for the width of its columns, so that none is cut off behind a scroll bar,
+// up to what a 1280-pixel screen leaves beside the window's margins.
+template <typename View>
+void WidenToColumns(View* w, int header) {
+    constexpr int kLeast = 420, kMost = 1200;
+    int width = header + 2 * w->frameWidth() + w->verticalScrollBar()->sizeHint().width();
+    for (int col = 0; col < w->columnCount(); ++col) width += w->columnWidth(col);
+    w->setMinimumWidth(std::clamp(width, kLeast, kMost));
+}
+
 ControlBinding BuildListView(forms::Control& c, QWidget* parent) {
     auto& list = static_cast<forms::ListView&>(c);
     auto* w = Child<QTreeWidget>(parent);
@@ -206,6 +218,8 @@ ControlBinding BuildListView(forms::Control& c, QWidget* parent) {
                         row->setCheckState(0, item.checked ? Qt::Checked : Qt::Unchecked);
                     row->setSelected(item.selected);
                 }
+                for (int col = 0; col < w->columnCount(); ++col) w->resizeColumnToContents(col);
+                WidenToColumns(w, 0);
             }};
 }
 
@@ -265,6 +279,7 @@ ControlBinding BuildGrid(forms::Control& c, QWidget* parent) {
                     }
                 }
                 w->resizeColumnsToContents();
+                WidenToColumns(w, w->verticalHeader()->sizeHint().width());
             }};
 }
 
