@@ -11,6 +11,7 @@
 #include "platform/AtomicFile.h"
 #include "platform/Trash.h"
 #include "platform/Xml.h"
+#include "session/ProcessState.h"
 #include "session/mdlErrTrap.h"
 #include "session/mdlLogin.h"
 #include "transport/RequestBody.h"
@@ -151,7 +152,7 @@ std::int32_t cCustDataFile::SyncDownloadFile(DataFileKind kind, std::int32_t cus
         MakePath(GetParentPath(localFile));
         // The new version is opened beside the file before anything moves: should the process
         // die during the transfer, it is left there and tells the next run so.
-        auto incoming = platform::AtomicFile::Create(localFile);
+        auto incoming = platform::AtomicFile::Create(localFile, 0666, &State().Env());
         if (!incoming) FailOn("cannot write beside", localFile);
         // The reply is written into the new version as it arrives: no copy in between.
         const std::string result = ServerDownloadFile(

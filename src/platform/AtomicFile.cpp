@@ -11,6 +11,8 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/Env.h"
+
 namespace morvane::platform {
 namespace {
 
@@ -54,9 +56,11 @@ fs::path FolderOf(const fs::path& target) {
     return parent.empty() ? fs::path(".") : parent;
 }
 
-bool WriteAll(int fd, const char* data, size_t size) {
+}  // namespace
+
+bool AtomicFile::WriteAll(const char* data, size_t size) {
     while (size > 0) {
-        const ssize_t n = ::write(fd, data, size);
+        const ssize_t n = env_ ? env_->Write(fd_, data, size) : ::write(fd_, data, size);
         if (n < 0 && errno == EINTR) continue;
         if (n < 0) return false;
         data += n;
@@ -65,9 +69,7 @@ bool WriteAll(int fd, const char* data, size_t size) {
     return true;
 }
 
-}  // namespace
-
-std::optional<AtomicFile> AtomicFile::Create(const fs::path& target, mode_t mode) {
+std::optional<AtomicFile> AtomicFile::Create(const fs::path& target, mode_t mode, Env* env) {
     if (target.filename().empty()) {
         errno = EISDIR;
         return std::nullopt;
@@ -81,7 +83,7 @@ std::optional<AtomicFile> AtomicFile::Create(const fs::path& target, mode_t mode
             ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
         if (fd < 0 && errno == EEXIST) continue;
         if (fd < 0) return std::nullopt;
-        AtomicFile file(target, temp, fd);
+        AtomicFile file(target, temp, fd, env);
         // The old file's mode is kept exactly, whatever the umask says.
         if (hasOld && ::fchmod(fd, old.st_mode & 07777) != 0) {
             const int err = errno;
@@ -95,13 +97,14 @@ std::optional<AtomicFile> AtomicFile::Create(const fs::path& target, mode_t mode
     return std::nullopt;
 }
 
-AtomicFile::AtomicFile(fs::path target, fs::path temp, int fd)
-    : target_(std::move(target)), temp_(std::move(temp)), fd_(fd) {}
+AtomicFile::AtomicFile(fs::path target, fs::path temp, int fd, Env* env)
+    : target_(std::move(target)), temp_(std::move(temp)), fd_(fd), env_(env) {}
 
 AtomicFile::AtomicFile(AtomicFile&& other) noexcept
     : target_(std::move(other.target_)),
       temp_(std::move(other.temp_)),
       fd_(std::exchange(other.fd_, -1)),
+      env_(other.env_),
       written_(other.written_),
       committed_(std::exchange(other.committed_, true)) {}
 
@@ -116,7 +119,7 @@ void AtomicFile::Discard() {
 }
 
 bool AtomicFile::Write(std::string_view bytes) {
-    if (fd_ < 0 || !WriteAll(fd_, bytes.data(), bytes.size())) return false;
+    if (fd_ < 0 || !WriteAll(bytes.data(), bytes.size())) return false;
     written_ += bytes.size();
     return true;
 }
@@ -135,7 +138,7 @@ bool AtomicFile::CopyFrom(const fs::path& source) {
             ok = n == 0;
             break;
         }
-        ok = WriteAll(fd_, buf, static_cast<size_t>(n));
+        ok = WriteAll(buf, static_cast<size_t>(n));
         if (ok) written_ += static_cast<std::uint64_t>(n);
     }
     const int saved = errno;
@@ -153,7 +156,7 @@ bool AtomicFile::SetModified(timespec modified) {
 
 int AtomicFile::Commit(const std::function<int()>& beforeReplace) {
     if (fd_ < 0 || committed_) return EBADF;
-    if (::fsync(fd_) != 0 || ::close(std::exchange(fd_, -1)) != 0) {
+    if ((env_ ? env_->Sync(fd_) : ::fsync(fd_)) != 0 || ::close(std::exchange(fd_, -1)) != 0) {
         const int err = errno;
         Discard();
         return err;
@@ -164,7 +167,7 @@ int AtomicFile::Commit(const std::function<int()>& beforeReplace) {
             return err;
         }
     }
-    if (::rename(temp_.c_str(), target_.c_str()) != 0) {
+    if ((env_ ? env_->Rename(temp_, target_) : ::rename(temp_.c_str(), target_.c_str())) != 0) {
         const int err = errno;
         Discard();
         return err;
@@ -174,8 +177,8 @@ int AtomicFile::Commit(const std::function<int()>& beforeReplace) {
     return SyncFolder(FolderOf(target_));
 }
 
-int WriteFileAtomically(const fs::path& target, std::string_view bytes, mode_t mode) {
-    auto file = AtomicFile::Create(target, mode);
+int WriteFileAtomically(const fs::path& target, std::string_view bytes, mode_t mode, Env* env) {
+    auto file = AtomicFile::Create(target, mode, env);
     if (!file) return errno ? errno : EIO;
     if (!file->Write(bytes)) return errno ? errno : EIO;
     return file->Commit();

@@ -14,13 +14,16 @@
 
 namespace morvane::platform {
 
+class Env;
+
 class AtomicFile {
 public:
     // Opens the new version beside target: created exclusively, no link followed. It takes
     // the old file's mode when there is one, else `mode` (under the umask). Nothing when the
-    // folder cannot take it; errno tells why.
-    static std::optional<AtomicFile> Create(const std::filesystem::path& target,
-                                            mode_t mode = 0666);
+    // folder cannot take it; errno tells why. Its writes, flush and rename go through env
+    // when one is given, else straight to the system.
+    static std::optional<AtomicFile> Create(const std::filesystem::path& target, mode_t mode = 0666,
+                                            Env* env = nullptr);
     AtomicFile(AtomicFile&& other) noexcept;
     AtomicFile& operator=(AtomicFile&&) = delete;
     AtomicFile(const AtomicFile&) = delete;
@@ -49,19 +52,21 @@ public:
     const std::filesystem::path& TempPath() const { return temp_; }
 
 private:
-    AtomicFile(std::filesystem::path target, std::filesystem::path temp, int fd);
+    AtomicFile(std::filesystem::path target, std::filesystem::path temp, int fd, Env* env);
     void Discard();
+    bool WriteAll(const char* data, std::size_t size);
 
     std::filesystem::path target_;
     std::filesystem::path temp_;
     int fd_ = -1;
+    Env* env_ = nullptr;
     std::uint64_t written_ = 0;
     bool committed_ = false;
 };
 
 // Replaces target with bytes as above. 0 on success, else an errno value.
 int WriteFileAtomically(const std::filesystem::path& target, std::string_view bytes,
-                        mode_t mode = 0666);
+                        mode_t mode = 0666, Env* env = nullptr);
 
 // New versions of target that a killed process left beside it: while one is there, a write
 // of target was under way and never finished.

@@ -14,6 +14,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "platform/Env.h"
 #include "util/Nz.h"
 #include "util/RuntimeError.h"
 #include "util/Text.h"
@@ -566,6 +567,11 @@ void ConnectionPool::Clear() {
     impl_->counts = {};
 }
 
+void ConnectionPool::SetEnv(platform::Env* env) {
+    Clear();
+    env_ = env;
+}
+
 void ConnectionPool::CountOpened() {
     std::lock_guard lock(impl_->mutex);
     ++impl_->counts.opened;
@@ -634,7 +640,9 @@ Database::Database(std::string path, bool exclusive, bool readOnly, ConnectionPo
         sqlite3* opened = nullptr;
         const int flags =
             (readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) | SQLITE_OPEN_NOMUTEX;
-        const int rc = sqlite3_open_v2(path_.c_str(), &opened, flags, nullptr);
+        platform::Env* env = pool_ ? pool_->env_ : nullptr;
+        const int rc = env ? env->OpenDatabase(path_, flags, &opened)
+                           : sqlite3_open_v2(path_.c_str(), &opened, flags, nullptr);
         db_.reset(opened);
         if (rc != SQLITE_OK) {
             db_.reset();

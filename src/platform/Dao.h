@@ -15,6 +15,10 @@
 
 struct sqlite3;
 
+namespace morvane::platform {
+class Env;
+}
+
 namespace morvane::dao {
 
 // The host's constants, with its numbers.
@@ -76,9 +80,13 @@ public:
     void SetCapacity(size_t capacity);
     // Closes every kept connection and zeroes the counts.
     void Clear();
+    // Where its databases are opened; none: straight through SQLite. Kept connections were
+    // opened elsewhere and are closed.
+    void SetEnv(platform::Env* env);
 
 private:
     friend class Database;
+    platform::Env* env_ = nullptr;
     Connection Take(const std::string& key);
     void Keep(const std::string& key, Connection db) noexcept;
     void CountOpened();

@@ -181,26 +181,29 @@ HttpClient::~HttpClient() = default;
 
 HttpReply HttpClient::Post(const std::string& url, const HttpHeaders& headers,
                            std::string_view body) {
-    return Perform(url, headers, {body}, false);
+    return Send({url, headers, body});
 }
 
 HttpReply HttpClient::PostRaw(const std::string& url, const HttpHeaders& headers,
                               std::string_view body) {
-    return Perform(url, headers, {body}, true);
+    return Send({url, headers, body, nullptr, true});
 }
 
 HttpReply HttpClient::PostRawFrom(const std::string& url, const HttpHeaders& headers,
                                   const HttpBodySource& body) {
-    return Perform(url, headers, {{}, &body}, true);
+    return Send({url, headers, {}, &body, true});
 }
 
 HttpReply HttpClient::PostInto(const std::string& url, const HttpHeaders& headers,
                                std::string_view body, const HttpBodySink& sink) {
-    return Perform(url, headers, {body}, false, &sink);
+    return Send({url, headers, body, nullptr, false, &sink});
 }
 
-HttpReply HttpClient::Perform(const std::string& url, const HttpHeaders& headers, Body body,
-                              bool exactHeaders, const HttpBodySink* sink) {
+HttpReply HttpClient::Send(const HttpRequest& request) {
+    const std::string& url = request.url;
+    const HttpHeaders& headers = request.headers;
+    const bool exactHeaders = request.exactHeaders;
+    const HttpBodySink* sink = request.sink;
     HttpReply reply;
     EasyHandle curl(pool_ ? &pool_->impl_->easy : nullptr,
                     pool_ ? &pool_->impl_->easyBusy : nullptr);
@@ -242,18 +245,18 @@ HttpReply HttpClient::Perform(const std::string& url, const HttpHeaders& headers
     char errbuf[CURL_ERROR_SIZE] = {0};
     curl_easy_setopt(c, CURLOPT_URL, url.c_str());
     curl_easy_setopt(c, CURLOPT_POST, 1L);
-    Supplier supplier{body.source};
-    if (body.source) {
+    Supplier supplier{request.source};
+    if (request.source) {
         curl_easy_setopt(c, CURLOPT_READFUNCTION, Supply);
         curl_easy_setopt(c, CURLOPT_READDATA, &supplier);
         curl_easy_setopt(c, CURLOPT_POSTFIELDS, nullptr);
         curl_easy_setopt(c, CURLOPT_UPLOAD_BUFFERSIZE, kStreamBufferBytes);
         curl_easy_setopt(c, CURLOPT_POSTFIELDSIZE_LARGE,
-                         static_cast<curl_off_t>(body.source->size));
+                         static_cast<curl_off_t>(request.source->size));
     } else {
-        curl_easy_setopt(c, CURLOPT_POSTFIELDS, body.bytes.data());
+        curl_easy_setopt(c, CURLOPT_POSTFIELDS, request.body.data());
         curl_easy_setopt(c, CURLOPT_POSTFIELDSIZE_LARGE,
-                         static_cast<curl_off_t>(body.bytes.size()));
+                         static_cast<curl_off_t>(request.body.size()));
     }
     if (sink) curl_easy_setopt(c, CURLOPT_BUFFERSIZE, kStreamBufferBytes);
     curl_easy_setopt(c, CURLOPT_HTTPHEADER, list.get());

@@ -64,6 +64,19 @@ struct HttpReply {
     bool bodyFailed = false;  // the body's source failed: nothing is known of the server
 };
 
+// One POST: its headers, and a body given whole or read from a source as it is sent.
+struct HttpRequest {
+    std::string url;
+    HttpHeaders headers;
+    std::string_view body;
+    const HttpBodySource* source = nullptr;
+    // Headers go exactly as given: no Content-Type is added, so raw bytes can go without
+    // one, and a Content-Length given stands for the computed one.
+    bool exactHeaders = false;
+    // Where the reply body goes instead of the reply, when set.
+    const HttpBodySink* sink = nullptr;
+};
+
 // Open connections and TLS sessions kept between POSTs, so that a synchronisation of many
 // small requests does not pay a TLS handshake for each. A connection is reused only for the
 // same server under the same TLS settings.
@@ -99,15 +112,10 @@ public:
     // as for a reply kept.
     HttpReply PostInto(const std::string& url, const HttpHeaders& headers, std::string_view body,
                        const HttpBodySink& sink);
+    // The one exchange each of the above makes.
+    HttpReply Send(const HttpRequest& request);
 
 private:
-    struct Body {
-        std::string_view bytes;
-        const HttpBodySource* source = nullptr;
-    };
-    HttpReply Perform(const std::string& url, const HttpHeaders& headers, Body body,
-                      bool exactHeaders, const HttpBodySink* sink = nullptr);
-
     HttpOptions options_;
     HttpConnectionPool* pool_;
 };

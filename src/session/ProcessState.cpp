@@ -6,7 +6,9 @@
 
 namespace morvane {
 
-ProcessState::ProcessState() = default;
+ProcessState::ProcessState() : system_(std::make_shared<platform::SystemEnv>()) {
+    databasePool_.SetEnv(system_.get());
+}
 
 // Forms go before the services they were built on.
 ProcessState::~ProcessState() {
@@ -20,13 +22,13 @@ ProcessState& State() {
     return state;
 }
 
-forms::Toolkit& ProcessState::Toolkit() {
-    if (!toolkit_) toolkit_ = std::make_shared<forms::HeadlessToolkit>();
-    return *toolkit_;
+void ProcessState::SetEnv(std::shared_ptr<platform::Env> env) {
+    env_ = std::move(env);
+    databasePool_.SetEnv(&Env());
 }
 
 void ProcessState::SetToolkit(std::shared_ptr<forms::Toolkit> toolkit) {
-    toolkit_ = std::move(toolkit);
+    system_->SetToolkit(std::move(toolkit));
 }
 
 const platform::SettingsStore& ProcessState::Settings() {
@@ -36,12 +38,9 @@ const platform::SettingsStore& ProcessState::Settings() {
 
 void ProcessState::SetSettingsRoot(const std::filesystem::path& root) { settings_.emplace(root); }
 
-const platform::Clock& ProcessState::Clock() {
-    if (!clock_) clock_ = std::make_shared<platform::SystemClock>();
-    return *clock_;
+void ProcessState::SetClock(std::shared_ptr<platform::Clock> clock) {
+    system_->SetClock(std::move(clock));
 }
-
-void ProcessState::SetClock(std::shared_ptr<platform::Clock> clock) { clock_ = std::move(clock); }
 
 platform::HttpOptions ProcessState::HttpOptions() {
     if (httpOptions_) return *httpOptions_;
@@ -57,11 +56,6 @@ platform::HttpOptions ProcessState::HttpOptions() {
 
 void ProcessState::SetHttpOptions(std::optional<platform::HttpOptions> options) {
     httpOptions_ = std::move(options);
-}
-
-platform::HttpConnectionPool& ProcessState::HttpPool() {
-    if (!httpPool_) httpPool_ = std::make_unique<platform::HttpConnectionPool>();
-    return *httpPool_;
 }
 
 dao::ConnectionPool& ProcessState::DatabasePool() { return databasePool_; }
@@ -88,12 +82,11 @@ void ProcessState::Reset() {
     err.Clear();
     transportRun = TransportRunState{};
     lastFileSent.reset();
-    toolkit_.reset();
     settings_.reset();
-    clock_.reset();
     httpOptions_.reset();
-    httpPool_.reset();
-    databasePool_.Clear();
+    env_.reset();
+    system_ = std::make_shared<platform::SystemEnv>();
+    databasePool_.SetEnv(system_.get());
     databasePool_.SetCapacity(dao::ConnectionPool::kDefaultCapacity);
 }
 

@@ -1,6 +1,6 @@
 // The one process-wide state of the component: the login record, the compare stamps, the
-// clock offsets, the object usage option, the lock states, the pending error, and the
-// platform services (toolkit, settings store, clock, HTTP options) the host or a test set.
+// clock offsets, the object usage option, the lock states, the pending error, the settings
+// and HTTP options, and the environment through which the component meets the outside world.
 #pragma once
 
 #include <cstdint>
@@ -10,6 +10,7 @@
 
 #include "platform/Clock.h"
 #include "platform/Dao.h"
+#include "platform/Env.h"
 #include "platform/FileReader.h"
 #include "platform/Forms.h"
 #include "platform/Http.h"
@@ -95,20 +96,23 @@ public:
     };
     std::optional<FileCrc> lastFileSent;
 
-    // Platform services. The host may replace them before the first call.
-    forms::Toolkit& Toolkit();
+    // The outside world: the system's, unless a test put another in its place (null puts
+    // the system's back). Kept database connections of the other are closed.
+    platform::Env& Env() { return env_ ? *env_ : *system_; }
+    void SetEnv(std::shared_ptr<platform::Env> env);
+    // The toolkit and clock of the environment in use; the host may choose the system's
+    // before the first call (null: the defaults).
+    forms::Toolkit& Toolkit() { return Env().Toolkit(); }
     void SetToolkit(std::shared_ptr<forms::Toolkit> toolkit);
+    const platform::Clock& Clock() { return Env().Clock(); }
+    void SetClock(std::shared_ptr<platform::Clock> clock);
     const platform::SettingsStore& Settings();
     void SetSettingsRoot(const std::filesystem::path& root);
-    const platform::Clock& Clock();
-    void SetClock(std::shared_ptr<platform::Clock> clock);
     // Connect and stall time-outs, and the CA file: the environment variable
     // MORVANE_CA_FILE, else the setting "CAFile"; the stall time-out from the setting
     // "StallTimeout" (seconds) when it holds a positive number.
     platform::HttpOptions HttpOptions();
     void SetHttpOptions(std::optional<platform::HttpOptions> options);
-    // Connections kept open between the requests of this process.
-    platform::HttpConnectionPool& HttpPool();
     // Database connections kept open between the opens of this process.
     dao::ConnectionPool& DatabasePool();
 
@@ -116,11 +120,10 @@ public:
     void Reset();
 
 private:
-    std::shared_ptr<forms::Toolkit> toolkit_;
+    std::shared_ptr<platform::SystemEnv> system_;
+    std::shared_ptr<platform::Env> env_;
     std::optional<platform::SettingsStore> settings_;
-    std::shared_ptr<platform::Clock> clock_;
     std::optional<platform::HttpOptions> httpOptions_;
-    std::unique_ptr<platform::HttpConnectionPool> httpPool_;
     // Emptied by Reset, never replaced: open workspaces point at it.
     dao::ConnectionPool databasePool_;
 };

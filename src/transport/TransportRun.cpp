@@ -31,17 +31,7 @@ std::string TransportStopReason() {
     return {};
 }
 
-platform::HttpReply RunExchange(const std::string& url, const platform::HttpHeaders& headers,
-                                std::string_view body, bool exactHeaders,
-                                std::size_t maxReplyBytes) {
-    return RunExchangeWith(maxReplyBytes, [&](platform::HttpClient& client) {
-        return exactHeaders ? client.PostRaw(url, headers, body) : client.Post(url, headers, body);
-    });
-}
-
-platform::HttpReply RunExchangeWith(
-    std::size_t maxReplyBytes,
-    const std::function<platform::HttpReply(platform::HttpClient&)>& send) {
+platform::HttpReply RunExchange(const platform::HttpRequest& request, std::size_t maxReplyBytes) {
     ProcessState& state = State();
     ++state.exchanges.tried;
     if (std::string reason = TransportStopReason(); !reason.empty()) {
@@ -58,8 +48,7 @@ platform::HttpReply RunExchangeWith(
                                            std::chrono::seconds(options.stallTimeoutSeconds));
     if (deadline && (!options.deadline || *deadline < *options.deadline))
         options.deadline = deadline;
-    platform::HttpClient client(options, &state.HttpPool());
-    platform::HttpReply reply = send(client);
+    platform::HttpReply reply = state.Env().Exchange(request, options);
     TransportRunState& run = state.transportRun;
     if (reply.transported) {
         run.failuresInARow = 0;

@@ -50,14 +50,8 @@ bool TransportTimeUp();
 // Why the run stopped sending, for the host's report; "" while it still sends.
 std::string TransportStopReason();
 
-// One POST under the run's limits: refused at once once the run has stopped, else sent
-// with what is left of the time limit, and counted.
-platform::HttpReply RunExchange(const std::string& url, const platform::HttpHeaders& headers,
-                                std::string_view body, bool exactHeaders,
-                                std::size_t maxReplyBytes);
-// The same for an exchange of another shape: send runs it on a client set to the limits.
-platform::HttpReply RunExchangeWith(
-    std::size_t maxReplyBytes,
-    const std::function<platform::HttpReply(platform::HttpClient&)>& send);
+// One POST under the run's limits, through the process's environment: refused at once once
+// the run has stopped, else sent with what is left of the time limit, and counted.
+platform::HttpReply RunExchange(const platform::HttpRequest& request, std::size_t maxReplyBytes);
 
 }  // namespace morvane

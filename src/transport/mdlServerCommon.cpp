@@ -35,7 +35,7 @@ platform::HttpReply PostWithHeaders(const std::string& url, const platform::Http
                                     std::string_view body, std::size_t maxReplyBytes) {
     platform::HttpHeaders headers = StandardHeaders();
     headers.insert(headers.end(), extra.begin(), extra.end());
-    return RunExchange(url, headers, body, false, maxReplyBytes);
+    return RunExchange({url, std::move(headers), body}, maxReplyBytes);
 }
 
 std::string PostToServer(std::string_view path, std::string_view postData) {

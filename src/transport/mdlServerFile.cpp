@@ -22,10 +22,8 @@ bool ServerDownloadInto(std::string_view url, std::string_view postData,
             return into.Write(piece);
         };
         const std::string whole = GetServerBaseURL() + std::string(url);
-        const platform::HttpReply reply =
-            RunExchangeWith(kMaxFileReplyBytes, [&](platform::HttpClient& client) {
-                return client.PostInto(whole, StandardHeaders(), postData, write);
-            });
+        const platform::HttpReply reply = RunExchange(
+            {whole, StandardHeaders(), postData, nullptr, false, &write}, kMaxFileReplyBytes);
         return reply.transported && into.Written() > before;
     } catch (...) {
         return false;
@@ -40,7 +38,7 @@ bool ServerDownloadFileDirect(std::string_view url, std::string_view postData,
             std::string(downloadPath) + kPathSeparator + std::string(fileTitle);
         // A new file under a fresh name, renamed over any earlier one: a link planted at the
         // target is replaced, never written through.
-        auto file = platform::AtomicFile::Create(target);
+        auto file = platform::AtomicFile::Create(target, 0666, &State().Env());
         return file && ServerDownloadInto(url, postData, *file) && file->Commit() == 0;
     } catch (...) {
         return false;
@@ -100,11 +98,9 @@ std::string ServerUploadFileDirect(std::string_view url, std::string_view userId
             reader->Opened().size,
             [&](char* into, std::size_t max) { return reader->ReadAsOpened(into, max); }};
         const std::string whole = GetServerBaseURL() + std::string(url);
-        platform::HttpReply reply =
-            RunExchangeWith(kMaxXmlReplyBytes, [&](platform::HttpClient& client) {
-                return client.PostRawFrom(
-                    whole, UploadHeaders(userId, token, customerId, fileName, body.size), body);
-            });
+        platform::HttpReply reply = RunExchange(
+            {whole, UploadHeaders(userId, token, customerId, fileName, body.size), {}, &body, true},
+            kMaxXmlReplyBytes);
         if (!reply.transported) return {};
         // The check value came with the send: the comparison after it need not read again.
         if (reader->Consumed() == body.size)

@@ -107,10 +107,12 @@ TEST_F(RunLimitsTest, ABodyThatCannotBeReadFailsItsRequestButNotTheServer) {
     const platform::HttpBodySource unreadable{
         100, [](char*, std::size_t) -> std::ptrdiff_t { return -1; }};
     for (int i = 0; i < kMaxTransportFailures; ++i) {
-        const auto reply = RunExchangeWith(kMaxXmlReplyBytes, [&](platform::HttpClient& client) {
-            return client.PostRawFrom("https://" + server_->HostName() + "/" + kPage,
-                                      {{"Content-Length", "100"}}, unreadable);
-        });
+        const auto reply = RunExchange({"https://" + server_->HostName() + "/" + kPage,
+                                        {{"Content-Length", "100"}},
+                                        {},
+                                        &unreadable,
+                                        true},
+                                       kMaxXmlReplyBytes);
         EXPECT_FALSE(reply.transported);
         EXPECT_TRUE(reply.bodyFailed);
     }

@@ -1,0 +1,135 @@
+// What a member leaves behind when the outside world breaks half way: a write that fails, a
+// disk that fills up, a rename refused, a request never sent or its answer lost. The good
+// copy stays whole every time, and the same call does its work once the fault is gone.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/AtomicFile.h"
+#include "record/KihonTestUtil.h"
+#include "session/ProcessState.h"
+#include "session/ctrlMorvane.h"
+#include "support/FaultEnv.h"
+#include "support/MorvaneTest.h"
+#include "util/basGetCRC.h"
+
+namespace morvane::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Fault {
+    const char* name;
+    std::function<void(FaultEnv&)> set;
+};
+
+class FaultsTest : public MorvaneTest {
+protected:
+    void SetUp() override {
+        MorvaneTest::SetUp();
+        faults_ = std::make_shared<FaultEnv>(State().Env());
+        State().SetEnv(faults_);
+    }
+    void TearDown() override {
+        State().SetEnv(nullptr);
+        MorvaneTest::TearDown();
+    }
+    std::shared_ptr<FaultEnv> faults_;
+};
+
+std::string Read(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+TEST_F(FaultsTest, ADataFileDownloadThatBreaksAnywhereLeavesTheLocalFileWhole) {
+    const std::string incoming(200000, 'n');
+    const std::string described =
+        "<Customer><CustomerID>7</CustomerID><KessanFileList><KessanFileItem><FileName>a.pdf"
+        "</FileName><FileSize>" +
+        std::to_string(incoming.size()) +
+        "</FileSize><LastModified>2024/03/04 05:06:07</LastModified><hash>" + GetCRC(incoming) +
+        "</hash></KessanFileItem></KessanFileList></Customer>";
+    server_->On("customer/getKessanFileHash.php", Envelope(1, "T2", described));
+    server_->On("customer/getKessanFile.php", incoming);
+    const std::vector<Fault> faults{
+        {"the first write fails", [](FaultEnv& f) { f.FailWriteAt(1); }},
+        {"a later write fails", [](FaultEnv& f) { f.FailWriteAt(3); }},
+        {"the disk fills half way", [](FaultEnv& f) { f.FillDiskAfter(100000); }},
+        {"the rename is refused", [](FaultEnv& f) { f.FailRenameAt(1); }},
+        {"the request never goes",
+         [](FaultEnv& f) { f.DropExchangeAt(1, FaultEnv::Drop::BeforeSending); }},
+        {"the answer is lost",
+         [](FaultEnv& f) { f.DropExchangeAt(1, FaultEnv::Drop::AfterAnswer); }},
+    };
+    const fs::path local = temp_.Path() / "data" / "a.pdf";
+    fs::create_directories(local.parent_path());
+    ctrlMorvane m;
+    LogIn();
+    for (const Fault& fault : faults) {
+        SCOPED_TRACE(fault.name);
+        std::ofstream(local, std::ios::binary) << "old content";
+        fs::last_write_time(local, fs::last_write_time(local) - std::chrono::days(3650));
+        ASSERT_EQ(m.CompareCustomerKessanFile(7, local.string()), 1);
+        fault.set(*faults_);
+        m.SyncDownloadCustomerKessanFile(7, local.string(), nullptr);
+        faults_->Heal();
+        EXPECT_EQ(Read(local), "old content");
+        EXPECT_TRUE(platform::LeftoverVersions(local).empty());
+        // The difference is still there for the next run to take.
+        ASSERT_EQ(m.CompareCustomerKessanFile(7, local.string()), 1);
+        EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local.string(), nullptr), 1);
+        EXPECT_EQ(Read(local), incoming) << "taken once the fault is gone";
+    }
+}
+
+TEST_F(FaultsTest, ARecordDownloadThatBreaksInTheDatabaseLeavesTheRowAsItWas) {
+    std::shared_ptr<FixedClock> clock;
+    const std::string db = EmptyCustomerDb(temp_.Path() / "db", clock).string();
+    Sql(db,
+        "INSERT INTO tCustomer (id, disabled, Code, ZipCode0, TAddr0, RecordUpdate, "
+        "InetCheckDate) VALUES (7, 0, 'C7', '999', 'old', '2024-05-01 09:00:00', "
+        "'2024-05-01 09:00:00');");
+    Tags tags = RequiredTags();
+    tags.push_back({"TAddr0", "new"});
+    server_->On("customer/getCompKihon.php",
+                Envelope(1, "T2", KihonPayload(tags, "2024/05/01 09:05:00")));
+    const std::vector<Fault> faults{
+        {"the first write fails", [](FaultEnv& f) { f.FailWriteAt(1); }},
+        {"the disk is full", [](FaultEnv& f) { f.FillDiskAfter(0); }},
+        {"the disk fills half way", [](FaultEnv& f) { f.FillDiskAfter(3000); }},
+        {"the answer is lost",
+         [](FaultEnv& f) { f.DropExchangeAt(1, FaultEnv::Drop::AfterAnswer); }},
+    };
+    const auto row = [&] {
+        return One(db, "SELECT ZipCode0 FROM tCustomer WHERE id = 7") + "|" +
+               One(db, "SELECT TAddr0 FROM tCustomer WHERE id = 7");
+    };
+    ctrlMorvane m;
+    LogIn();
+    for (const Fault& fault : faults) {
+        SCOPED_TRACE(fault.name);
+        ASSERT_EQ(m.CompareCustomerKihon(db, 7), 1);
+        fault.set(*faults_);
+        const std::size_t told = kit_->Boxes().size();
+        m.SyncDownloadCustomerKihon(db, 7);
+        faults_->Heal();
+        EXPECT_GT(kit_->Boxes().size(), told) << "the user is told";
+        EXPECT_EQ(row(), "999|old");
+        EXPECT_EQ(One(db, "PRAGMA integrity_check"), "ok");
+    }
+    ASSERT_EQ(m.CompareCustomerKihon(db, 7), 1);
+    EXPECT_EQ(m.SyncDownloadCustomerKihon(db, 7), 1);
+    EXPECT_EQ(row(), "100|new");
+    EXPECT_EQ(m.CompareCustomerKihon(db, 7), 0);
+}
+
+}  // namespace
+}  // namespace morvane::test
