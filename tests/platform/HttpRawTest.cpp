@@ -49,8 +49,9 @@ protected:
                                                     meddle();
                                                 return n;
                                             }};
-        const auto reply = platform::HttpClient(Options(), &pool_).PostRawFrom(
-            Url(), {{"Content-Length", std::to_string(body.size)}}, body);
+        const auto reply =
+            platform::HttpClient(Options(), &pool_)
+                .PostRawFrom(Url(), {{"Content-Length", std::to_string(body.size)}}, body);
         lastCrc_ = reader->Crc();
         return reply;
     }

@@ -47,16 +47,6 @@ TEST(SettingsStoreTest, ValuesRoundTripAndMissingOnesAreAbsent) {
     EXPECT_FALSE(store.Write(kKey, "bad=name", "x"));
 }
 
-TEST(SettingsStoreTest, SecondInstanceSeesEveryWriteAtOnce) {
-    TempDir dir;
-    SettingsStore first(dir.Path());
-    SettingsStore second(dir.Path());
-    ASSERT_TRUE(first.Write(kKey, "Param2", "TOKEN-1"));
-    EXPECT_EQ(second.Read(kKey, "Param2"), "TOKEN-1");
-    ASSERT_TRUE(second.Write(kKey, "Param2", "TOKEN-2"));
-    EXPECT_EQ(first.Read(kKey, "Param2"), "TOKEN-2");
-}
-
 struct stat StatOf(const std::filesystem::path& file) {
     struct stat st {};
     EXPECT_EQ(::stat(file.c_str(), &st), 0) << file;

@@ -11,6 +11,7 @@
 #include "platform/AtomicFile.h"
 #include "platform/Forms.h"
 #include "platform/Trash.h"
+#include "support/ScopedEnv.h"
 #include "support/TempDir.h"
 
 namespace morvane::test {
@@ -20,17 +21,6 @@ namespace fs = std::filesystem;
 
 class TrashTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        const char* old = std::getenv("XDG_DATA_HOME");
-        saved_ = old ? old : "";
-        ::setenv("XDG_DATA_HOME", (dir_.Path() / "data").c_str(), 1);
-    }
-    void TearDown() override {
-        if (saved_.empty())
-            ::unsetenv("XDG_DATA_HOME");
-        else
-            ::setenv("XDG_DATA_HOME", saved_.c_str(), 1);
-    }
     fs::path Write(const std::string& name, const std::string& text) {
         const fs::path p = dir_.Path() / "work" / name;
         fs::create_directories(p.parent_path());
@@ -45,7 +35,7 @@ protected:
     }
 
     TempDir dir_;
-    std::string saved_;
+    ScopedEnv dataHome_{"XDG_DATA_HOME", (dir_.Path() / "data").string()};
 };
 
 TEST_F(TrashTest, FileMovesWithItsNoteAndNamesNeverCollide) {

@@ -64,16 +64,6 @@ TEST_F(ServerTest, EveryJudgedReplyRenewsTheTokenAndOnlyTheLastTwoAreTaken) {
     EXPECT_EQ(Flags(madeUp, "customer/getCompList.php", ""), 0);
 }
 
-TEST_F(ServerTest, IdleLoginLapsesWithFlagsZero) {
-    Login u = LogIn();
-    clock_->Advance(29min);
-    EXPECT_EQ(Flags(u, "master/getKessanTaioh.php", ""), 1) << "keep-alive";
-    clock_->Advance(31min);
-    Reply r = Call(u, "master/getKessanTaioh.php", "");
-    EXPECT_EQ(r.Flags(), 0);
-    EXPECT_EQ(r.Token(), "");
-}
-
 TEST_F(ServerTest, SecondLoginGetsFlagsTwoOnlyWhereTheAccountSaysSo) {
     LogIn("u1");
     EXPECT_EQ(Post("login.php", "no=K100&ID=u1&PW=secret&").Flags(), 1)
