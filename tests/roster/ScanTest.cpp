@@ -37,8 +37,10 @@ protected:
               (3, '2024-05-01 10:00:00', '2024-05-01 10:00:00');
             INSERT INTO tCustomerKyokaHistory (CustomerID, Ver511HideFlag, RecordUpdate) VALUES
               (1, 1, '2024-06-01 00:00:00'), (2, 0, '2024-04-01 00:00:00');
+            INSERT INTO tCustomerNyusatsuKanri (CustomerID, RecordUpdate) VALUES
+              (1, '2024-06-01 00:00:00');
             INSERT INTO tCustomerNyusatsuKanri (CustomerID, Nendo3, RecordUpdate) VALUES
-              (1, NULL, '2024-06-01 00:00:00'), (2, '2023', '2024-03-01 00:00:00');)");
+              (2, '2023', '2024-03-01 00:00:00');)");
         Sql(paths_.prefcustom, R"(
             INSERT INTO t28_KYOKA_SHINSEI_HYOSHI (CustomerID, RecordUpdate, InetCheckDate) VALUES
               (1, '2024-05-01 10:00:00', '2024-05-01 10:00:00');

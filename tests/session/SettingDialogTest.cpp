@@ -155,7 +155,7 @@ TEST_F(SettingDialogTest, MissingSavedPasswordStopsAfterTheConnectionValuesAreSt
         EXPECT_FALSE(f.Visible());
     }));
     EXPECT_EQ(Told(*kit_), std::vector<std::string>{"パスワードを記入してください。"});
-    EXPECT_EQ(Stored(), "|srv.example.jp|C-9|u9||");
+    EXPECT_EQ(Stored(), "True|srv.example.jp|C-9|u9||");
 }
 
 TEST_F(SettingDialogTest, CancelWritesNothing) {
