@@ -45,7 +45,7 @@ TEST_F(LoginTest, WithoutAnAccountFlagsOneOrTwoLogInButReportFalse) {
         EXPECT_FALSE(DoLogin("user1", "pw", "C-1001"));
         EXPECT_EQ(obj.LoginState(), flags);
         EXPECT_EQ(GetLoginToken(), "TOKEN-" + std::to_string(flags));
-        EXPECT_EQ(Account(obj), "|||||0");
+        EXPECT_EQ(Account(obj), "||||0|0");
     }
 }
 
