@@ -5,10 +5,10 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
 #include "platform/AtomicFile.h"
 #include "session/ProcessState.h"
+#include "support/FileBytes.h"
 #include "support/MorvaneTest.h"
 #include "support/Told.h"
 #include "transport/mdlServerFile.h"
@@ -30,13 +30,7 @@ protected:
         fs::create_directories(folder_);
     }
     std::string Write(const std::string& name, const std::string& bytes) {
-        const std::string path = folder_ + "/" + name;
-        std::ofstream(path, std::ios::binary) << bytes;
-        return path;
-    }
-    static std::string Read(const std::string& path) {
-        std::ifstream in(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+        return WriteBytes(folder_ + "/" + name, bytes).string();
     }
     std::string folder_;
 };
@@ -49,7 +43,7 @@ TEST_F(FileTransferTest, DownloadPostsTheFormBodyAndSavesTheBytes) {
     EXPECT_EQ(
         ServerDownloadFile(kGet, "ID=user1&token=T1&FileName=a.pdf&", folder_, "a.pdf", nullptr),
         "True");
-    EXPECT_EQ(Read(folder_ + "/a.pdf"), bytes);
+    EXPECT_EQ(ReadBytes(folder_ + "/a.pdf"), bytes);
     const auto req = server_->RequestsTo(kGet).at(0);
     EXPECT_EQ(req.body, "ID=user1&token=T1&FileName=a.pdf&");
     EXPECT_EQ(req.Header("content-type"), "application/x-www-form-urlencoded");
@@ -65,10 +59,10 @@ TEST_F(FileTransferTest, EmptyBodyKeepsTheOldFileAndAnErrorPageIsSaved) {
     const std::string old = Write("a.pdf", "old");
     server_->OnSequence(kGet, {"", "<html>500</html>"});
     EXPECT_EQ(ServerDownloadFile(kGet, "x=1&", folder_, "a.pdf", nullptr), "False");
-    EXPECT_EQ(Read(old), "old");
+    EXPECT_EQ(ReadBytes(old), "old");
     State().objectUsage = 1;
     EXPECT_TRUE(ServerDownloadFileDirect(kGet, "x=1&", folder_ + "/", "a.pdf"));
-    EXPECT_EQ(Read(old), "<html>500</html>");
+    EXPECT_EQ(ReadBytes(old), "<html>500</html>");
     EXPECT_EQ(kit_->ShownForms().size(), 1u);  // the second went without a form
     EXPECT_FALSE(ServerDownloadFileDirect(kGet, "x=1&", folder_ + "/none", "a.pdf"));
 }
@@ -173,12 +167,12 @@ TEST_F(FileTransferTest, FilesPastOneReadPieceGoUpAndComeDownByteForByte) {
     EXPECT_EQ(GetFileCRC(path), GetCRC(bytes));
     std::fstream(path, std::ios::in | std::ios::out | std::ios::binary) << "changed";
     fs::last_write_time(path, fs::last_write_time(path) - std::chrono::hours(1));
-    EXPECT_EQ(GetFileCRC(path), GetCRC(Read(path)));
+    EXPECT_EQ(GetFileCRC(path), GetCRC(ReadBytes(path)));
     EXPECT_NE(GetFileCRC(path), GetCRC(bytes));
 
     Write("down.bin", "old");
     EXPECT_EQ(ServerDownloadFile(kGet, "x=1&", folder_, "down.bin", nullptr), "True");
-    EXPECT_TRUE(Read(folder_ + "/down.bin") == bytes);
+    EXPECT_TRUE(ReadBytes(folder_ + "/down.bin") == bytes);
     EXPECT_TRUE(platform::LeftoverVersions(folder_ + "/down.bin").empty());
 }
 
@@ -196,7 +190,7 @@ TEST_F(FileTransferTest, ADownloadCutOffOrUnansweredLeavesTheOldFileAndNothingBe
     }
     State().serverName = "127.0.0.1:1";  // nobody listens there
     EXPECT_FALSE(ServerDownloadFileDirect(kGet, "x=1&", folder_, "a.pdf"));
-    EXPECT_EQ(Read(old), "old");
+    EXPECT_EQ(ReadBytes(old), "old");
     EXPECT_TRUE(platform::LeftoverVersions(old).empty());
 }
 
