@@ -8,13 +8,13 @@
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <optional>
 #include <vector>
 
 #include "platform/AtomicFile.h"
 #include "platform/SettingsStore.h"
+#include "support/FileBytes.h"
 #include "support/TempDir.h"
 
 namespace morvane::test {
@@ -111,11 +111,7 @@ TEST(SettingsStoreTest, RunFileThatFailsItsChecksumCountsAsEmpty) {
     ASSERT_TRUE(store.Write(kKey, "ServerName", "backup.example.jp"));
     ASSERT_TRUE(store.Write(kKey, "Param2", "T1", SettingsStore::Durability::Replaceable));
     const auto run = store.RunFileFor(kKey);
-    std::string whole;
-    {
-        std::ifstream in(run, std::ios::binary);
-        whole.assign(std::istreambuf_iterator<char>(in), {});
-    }
+    const std::string whole = ReadBytes(run);
     ASSERT_NE(whole.find("Param2=T1\n#crc32 "), std::string::npos) << whole;
     struct Case {
         const char* name;
