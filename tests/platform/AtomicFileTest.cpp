@@ -7,11 +7,11 @@
 
 #include <cerrno>
 #include <fstream>
-#include <iterator>
 #include <set>
 #include <string>
 
 #include "platform/AtomicFile.h"
+#include "support/FileBytes.h"
 #include "support/LeftoverWrite.h"
 #include "support/TempDir.h"
 
@@ -23,14 +23,9 @@ namespace fs = std::filesystem;
 class AtomicFileTest : public ::testing::Test {
 protected:
     fs::path Write(const std::string& name, const std::string& bytes, mode_t mode = 0644) {
-        const fs::path p = dir_.Path() / name;
-        std::ofstream(p, std::ios::binary) << bytes;
+        const fs::path p = WriteBytes(dir_.Path() / name, bytes);
         fs::permissions(p, static_cast<fs::perms>(mode));
         return p;
-    }
-    static std::string Read(const fs::path& p) {
-        std::ifstream in(p, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
     }
     static mode_t ModeOf(const fs::path& p) {
         struct stat st {};
@@ -52,7 +47,7 @@ protected:
 TEST_F(AtomicFileTest, ReplacementKeepsTheOldModeAndANewFileTakesTheGivenOne) {
     const fs::path old = Write("決算.pdf", "old", 0640);
     ASSERT_EQ(platform::WriteFileAtomically(old, "new bytes", 0600), 0);
-    EXPECT_EQ(Read(old), "new bytes");
+    EXPECT_EQ(ReadBytes(old), "new bytes");
     EXPECT_EQ(ModeOf(old), 0640u);
 
     const mode_t mask = ::umask(022);
@@ -77,10 +72,10 @@ TEST_F(AtomicFileTest, TheNewVersionIsUnseenUntilCommittedAndCarriesItsTime) {
     const fs::path source = Write("source", "and more");
     ASSERT_TRUE(next->CopyFrom(source));
     ASSERT_TRUE(next->SetModified(timespec{1700000000, 0}));
-    EXPECT_EQ(Read(file), "old");
+    EXPECT_EQ(ReadBytes(file), "old");
     EXPECT_EQ(platform::LeftoverVersions(file), std::vector<fs::path>{next->TempPath()});
     ASSERT_EQ(next->Commit(), 0);
-    EXPECT_EQ(Read(file), "new and more");
+    EXPECT_EQ(ReadBytes(file), "new and more");
     struct stat st {};
     ASSERT_EQ(::stat(file.c_str(), &st), 0);
     EXPECT_EQ(st.st_mtim.tv_sec, 1700000000);
@@ -126,7 +121,7 @@ TEST_F(AtomicFileTest, AnythingThatFailsLeavesTheOldFileAndNoLeftover) {
         EXPECT_EQ(err, EFBIG);
     }
     EXPECT_EQ(platform::WriteFileAtomically(dir_.Path() / "no such folder" / "a.pdf", "x"), ENOENT);
-    EXPECT_EQ(Read(file), "old");
+    EXPECT_EQ(ReadBytes(file), "old");
     EXPECT_EQ(Others({"a.pdf"}), std::set<std::string>{});
 }
 
@@ -136,8 +131,8 @@ TEST_F(AtomicFileTest, ALinkAtTheTargetIsReplacedNeverWrittenThrough) {
     fs::create_symlink(victim, target);
     ASSERT_EQ(platform::WriteFileAtomically(target, "downloaded"), 0);
     EXPECT_FALSE(fs::is_symlink(target));
-    EXPECT_EQ(Read(target), "downloaded");
-    EXPECT_EQ(Read(victim), "precious");
+    EXPECT_EQ(ReadBytes(target), "downloaded");
+    EXPECT_EQ(ReadBytes(victim), "precious");
 }
 
 TEST_F(AtomicFileTest, AWriterKilledHalfWayLeavesTheOldFileAndAVersionThatIsFound) {
@@ -151,11 +146,11 @@ TEST_F(AtomicFileTest, AWriterKilledHalfWayLeavesTheOldFileAndAVersionThatIsFoun
     LeaveUnfinishedWrite(file);
     const auto left = platform::LeftoverVersions(file);
     ASSERT_EQ(left.size(), 2u);
-    EXPECT_EQ(Read(left[0]), "half of");
-    EXPECT_EQ(Read(file), "old");
+    EXPECT_EQ(ReadBytes(left[0]), "half of");
+    EXPECT_EQ(ReadBytes(file), "old");
     platform::RemoveLeftoverVersions(file);
     EXPECT_TRUE(platform::LeftoverVersions(file).empty());
-    EXPECT_EQ(Read(file), "old");
+    EXPECT_EQ(ReadBytes(file), "old");
     EXPECT_EQ(Others({"a.pdf"}).size(), 4u);
 }
 

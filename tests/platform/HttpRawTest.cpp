@@ -9,13 +9,13 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <string>
 
 #include "platform/AtomicFile.h"
 #include "platform/Checksum.h"
 #include "platform/FileReader.h"
 #include "platform/Http.h"
+#include "support/FileBytes.h"
 #include "support/TempDir.h"
 #include "support/TestServer.h"
 
@@ -49,8 +49,9 @@ protected:
                                                     meddle();
                                                 return n;
                                             }};
-        const auto reply = platform::HttpClient(Options(), &pool_).PostRawFrom(
-            Url(), {{"Content-Length", std::to_string(body.size)}}, body);
+        const auto reply =
+            platform::HttpClient(Options(), &pool_)
+                .PostRawFrom(Url(), {{"Content-Length", std::to_string(body.size)}}, body);
         lastCrc_ = reader->Crc();
         return reply;
     }
@@ -62,13 +63,7 @@ protected:
         return bytes;
     }
     fs::path Write(const std::string& name, const std::string& bytes) {
-        const fs::path path = dir_.Path() / name;
-        std::ofstream(path, std::ios::binary) << bytes;
-        return path;
-    }
-    static std::string Read(const fs::path& path) {
-        std::ifstream in(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+        return WriteBytes(dir_.Path() / name, bytes);
     }
     TestServer server_;
     // One pool for the test's requests, so the reused handle is what they go through.
@@ -166,7 +161,7 @@ TEST_F(HttpRawTest, AFileStreamsUpAndAReplyStreamsIntoANewVersionByteForByte) {
     EXPECT_TRUE(got.body.empty());
     EXPECT_EQ(version->Written(), bytes.size());
     ASSERT_EQ(version->Commit(), 0);
-    EXPECT_TRUE(Read(target) == bytes);
+    EXPECT_TRUE(ReadBytes(target) == bytes);
 }
 
 TEST_F(HttpRawTest, AStreamedReplyCutOffRefusedOrTooLargeLeavesTheOldFileAndNothingBeside) {
@@ -202,7 +197,7 @@ TEST_F(HttpRawTest, AStreamedReplyCutOffRefusedOrTooLargeLeavesTheOldFileAndNoth
             EXPECT_FALSE(reply.transported);
             EXPECT_FALSE(reply.error.empty());
         }
-        EXPECT_EQ(Read(target), "old");
+        EXPECT_EQ(ReadBytes(target), "old");
         EXPECT_TRUE(platform::LeftoverVersions(target).empty());
     }
 }

@@ -5,12 +5,13 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
 #include <vector>
 
 #include "platform/AtomicFile.h"
 #include "platform/Forms.h"
 #include "platform/Trash.h"
+#include "support/FileBytes.h"
+#include "support/ScopedEnv.h"
 #include "support/TempDir.h"
 
 namespace morvane::test {
@@ -20,32 +21,12 @@ namespace fs = std::filesystem;
 
 class TrashTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        const char* old = std::getenv("XDG_DATA_HOME");
-        saved_ = old ? old : "";
-        ::setenv("XDG_DATA_HOME", (dir_.Path() / "data").c_str(), 1);
-    }
-    void TearDown() override {
-        if (saved_.empty())
-            ::unsetenv("XDG_DATA_HOME");
-        else
-            ::setenv("XDG_DATA_HOME", saved_.c_str(), 1);
-    }
     fs::path Write(const std::string& name, const std::string& text) {
-        const fs::path p = dir_.Path() / "work" / name;
-        fs::create_directories(p.parent_path());
-        std::ofstream(p) << text;
-        return p;
-    }
-    static std::string Read(const fs::path& p) {
-        std::ifstream in(p);
-        std::stringstream s;
-        s << in.rdbuf();
-        return s.str();
+        return WriteBytes(dir_.Path() / "work" / name, text);
     }
 
     TempDir dir_;
-    std::string saved_;
+    ScopedEnv dataHome_{"XDG_DATA_HOME", (dir_.Path() / "data").string()};
 };
 
 TEST_F(TrashTest, FileMovesWithItsNoteAndNamesNeverCollide) {
@@ -54,8 +35,8 @@ TEST_F(TrashTest, FileMovesWithItsNoteAndNamesNeverCollide) {
     const fs::path first = Write("決算 2024.pdf", "one");
     ASSERT_EQ(platform::MoveToTrash(first), 0);
     EXPECT_FALSE(fs::exists(first));
-    EXPECT_EQ(Read(trash / "files" / "決算 2024.pdf"), "one");
-    const std::string note = Read(trash / "info" / "決算 2024.pdf.trashinfo");
+    EXPECT_EQ(ReadBytes(trash / "files" / "決算 2024.pdf"), "one");
+    const std::string note = ReadBytes(trash / "info" / "決算 2024.pdf.trashinfo");
     EXPECT_NE(note.find("[Trash Info]\nPath="), std::string::npos);
     EXPECT_NE(note.find("%E6%B1%BA%E7%AE%97%202024.pdf"), std::string::npos);
     EXPECT_NE(note.find("DeletionDate="), std::string::npos);
@@ -64,8 +45,8 @@ TEST_F(TrashTest, FileMovesWithItsNoteAndNamesNeverCollide) {
     const fs::path second = Write("決算 2024.pdf", "two");
     forms::HeadlessToolkit kit;
     ASSERT_EQ(kit.MoveToTrash(second.string()), 0);
-    EXPECT_EQ(Read(trash / "files" / "決算 2024.pdf"), "one");
-    EXPECT_EQ(Read(trash / "files" / "決算 2024.pdf.2"), "two");
+    EXPECT_EQ(ReadBytes(trash / "files" / "決算 2024.pdf"), "one");
+    EXPECT_EQ(ReadBytes(trash / "files" / "決算 2024.pdf.2"), "two");
 }
 
 TEST_F(TrashTest, ACopyStaysWholeInTheTrashWhenTheFileIsThenReplaced) {
@@ -84,9 +65,9 @@ TEST_F(TrashTest, ACopyStaysWholeInTheTrashWhenTheFileIsThenReplaced) {
         const fs::path file = Write("a.pdf", "old copy");
         ASSERT_EQ(platform::CopyToTrash(file), 0);
         ASSERT_EQ(platform::WriteFileAtomically(file, "new copy"), 0);
-        EXPECT_EQ(Read(file), "new copy");
-        EXPECT_EQ(Read(data / "Trash" / "files" / "a.pdf"), "old copy");
-        EXPECT_NE(Read(data / "Trash" / "info" / "a.pdf.trashinfo").find("a.pdf"),
+        EXPECT_EQ(ReadBytes(file), "new copy");
+        EXPECT_EQ(ReadBytes(data / "Trash" / "files" / "a.pdf"), "old copy");
+        EXPECT_NE(ReadBytes(data / "Trash" / "info" / "a.pdf.trashinfo").find("a.pdf"),
                   std::string::npos);
     }
     if (otherFs) fs::remove_all(shm);

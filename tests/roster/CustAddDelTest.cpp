@@ -19,10 +19,10 @@ protected:
     void SetUp() override {
         MorvaneTest::SetUp();
         paths_ = CreateLocalDatabases(temp_.Path() / "data");
-        Sql(paths_.customer,
-            "INSERT INTO tCustomer (id, Code, CorpName0, CorpKanaS, CorpKana0, disabled) VALUES "
-            "(5, 'A&B=1', '株式会社テスト', 'ﾃｽﾄ', 'ﾃｽﾄｶﾌﾞｼｷｶﾞｲｼｬ', 0),"
-            "(6, NULL, '削除済', NULL, NULL, 1);");
+        Sql(paths_.customer, R"(
+            INSERT INTO tCustomer (id, Code, CorpName0, CorpKanaS, CorpKana0, disabled) VALUES
+              (5, 'A&B=1', '株式会社テスト', 'ﾃｽﾄ', 'ﾃｽﾄｶﾌﾞｼｷｶﾞｲｼｬ', 0),
+              (6, NULL, '削除済', NULL, NULL, 1);)");
         server_->On(kCreate, Envelope(1, "T2"));
         server_->On(kDelete, Envelope(1, "T2"));
         LogIn();

@@ -2,8 +2,6 @@
 // snapshot they leave, the roster download and its rollback, the IDs to upload.
 #include <gtest/gtest.h>
 
-#include "session/DispatchTable.h"
-
 #include "RosterTestUtil.h"
 #include "session/ProcessState.h"
 #include "session/ctrlMorvane.h"
@@ -117,23 +115,21 @@ TEST_F(RosterTest, SnapshotMembersAfterTheComparison) {
     one.enableFlag = 0;
     Serve({one, Entry(2)});
     EXPECT_EQ(obj.CompareCustomerList(Db()), 0);
-    EXPECT_EQ(obj.CustmerBackupedTableSyncFlag(1, 0), 0);
-    EXPECT_EQ(obj.CustmerBackupedTableSyncFlag(1, 52), 2);
-    EXPECT_TRUE(obj.CustmerBackupedTable(1, 0));
-    EXPECT_FALSE(obj.CustmerBackupedTable(1, 52));
+    EXPECT_EQ(obj.CustmerBackupedTableSyncFlag(1, 0) * 10 + obj.CustmerBackupedTableSyncFlag(1, 52),
+              2);
+    std::string backed;
+    for (int i : {0, 52, 99, -1}) backed += obj.CustmerBackupedTable(1, i) ? "+" : "-";
+    EXPECT_EQ(backed, "+-+-");
     EXPECT_FALSE(obj.CustmerBackuped(1));
-    EXPECT_TRUE(obj.CustmerBackupedTable(1, 99));
-    EXPECT_FALSE(obj.CustmerBackupedTable(1, -1));
     EXPECT_EQ(obj.CustmerRecordUpdateTable_Local(1, 52), "2024/07/01 8:00:00");
     EXPECT_EQ(obj.CustmerRecordUpdateTable_Server(1, 52), "2024/06/01 09:00:00");
     EXPECT_EQ(obj.CustmerRecordUpdateTable_Comper(1, 0), "2024/05/01 10:00:00");
     EXPECT_EQ(obj.CustmerRecordUpdate_Local(1), "2024/07/01 08:00:00");
     EXPECT_EQ(obj.CustmerRecordUpdate_Server(1), "2024/06/01 09:00:00");
     // Stamps on or before 2000/01/01 count as none; customer 0 has no answer.
-    EXPECT_EQ(obj.CustmerRecordUpdate_Local(2), "");
-    EXPECT_EQ(obj.CustmerRecordUpdate_Server(2), "");
-    EXPECT_EQ(obj.CustmerRecordUpdate_Local(0), "");
-    EXPECT_EQ(obj.CustmerRecordUpdateTable_Local(3, 0), "");
+    EXPECT_EQ(obj.CustmerRecordUpdate_Local(2) + obj.CustmerRecordUpdate_Server(2) +
+                  obj.CustmerRecordUpdate_Local(0) + obj.CustmerRecordUpdateTable_Local(3, 0),
+              "");
     // The refresh of one customer keeps the others and re-reads its own tables.
     Sql(paths_.prefcustom,
         "UPDATE t13_HENKOTODOKE_TEISEI SET RecordUpdate = '2024-08-01 00:00:00';");
@@ -201,17 +197,7 @@ TEST_F(RosterTest, UploadIDsAfterADifferingComparison) {
     EXPECT_EQ(obj.CompareCustomerList(Db()), 3);
     std::string add = "x", del, upd;
     EXPECT_EQ(obj.GetUploadCustomerListIDs(Db(), add, del, upd), 1);
-    EXPECT_EQ(add, "3");
-    EXPECT_EQ(del, "4,5");
-    EXPECT_EQ(upd, "2");
-
-    // By name, the three texts come back in the arguments.
-    std::vector<DispatchArg> args{{Value(Db())}, {Value("")}, {Value("")}, {Value("")}};
-    EXPECT_EQ(DispatchTable::Instance().Invoke(obj, "GetUploadCustomerListIDs", args),
-              Value(std::int32_t{1}));
-    EXPECT_EQ(args[1].value, Value("3"));
-    EXPECT_EQ(args[2].value, Value("4,5"));
-    EXPECT_EQ(args[3].value, Value("2"));
+    EXPECT_EQ(add + "|" + del + "|" + upd, "3|4,5|2");
 }
 
 }  // namespace

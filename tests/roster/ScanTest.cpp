@@ -22,38 +22,30 @@ protected:
     void SetUp() override {
         MorvaneTest::SetUp();
         paths_ = CreateLocalDatabases(temp_.Path() / "data");
-        const std::string t = "'2024-05-01 10:00:00'";
-        Sql(paths_.customer,
-            "INSERT INTO tCustomer (id, disabled, RecordUpdate, InetCheckDate) VALUES "
-            "(1, 0, " +
-                t + ", " + t + "), (2, 0, " + t + ", " + t + "), (3, 0, " + t + ", " + t +
-                ");"
-                "INSERT INTO tCustomerGyoshu (CustomerID, RecordUpdate, InetCheckDate) VALUES "
-                "(1, " +
-                t + ", " + t + "), (2, " + t + ", " + t +
-                ");"
-                "INSERT INTO tCustomerHistory (CustomerID, RecordUpdate, InetCheckDate) VALUES "
-                "(1, " +
-                t + ", " + t + "), (3, " + t + ", " + t +
-                ");"
-                // A hidden permit row of 1, a visible one of 2.
-                "INSERT INTO tCustomerKyokaHistory (CustomerID, Ver511HideFlag, RecordUpdate) "
-                "VALUES "
-                "(1, 1, '2024-06-01 00:00:00'), (2, 0, '2024-04-01 00:00:00');"
-                // A wholly blank bidding row of 1 with a stamp, a filled one of 2.
-                "INSERT INTO tCustomerNyusatsuKanri (CustomerID, RecordUpdate) VALUES "
-                "(1, '2024-06-01 00:00:00');"
-                "INSERT INTO tCustomerNyusatsuKanri (CustomerID, Nendo3, RecordUpdate) VALUES "
-                "(2, '2023', '2024-03-01 00:00:00');");
-        Sql(paths_.prefcustom,
-            "INSERT INTO t28_KYOKA_SHINSEI_HYOSHI (CustomerID, RecordUpdate, InetCheckDate) "
-            "VALUES (1, " +
-                t + ", " + t +
-                ");"
-                "INSERT INTO t99_PRINT_CUSTOMERDATA (CustomerID, RecordUpdate, InetCheckDate) "
-                "VALUES "
-                "(1, " +
-                t + ", " + t + ");");
+        // A hidden permit row of 1, a visible one of 2; a wholly blank bidding row of 1 with a
+        // stamp, a filled one of 2.
+        Sql(paths_.customer, R"(
+            INSERT INTO tCustomer (id, disabled, RecordUpdate, InetCheckDate) VALUES
+              (1, 0, '2024-05-01 10:00:00', '2024-05-01 10:00:00'),
+              (2, 0, '2024-05-01 10:00:00', '2024-05-01 10:00:00'),
+              (3, 0, '2024-05-01 10:00:00', '2024-05-01 10:00:00');
+            INSERT INTO tCustomerGyoshu (CustomerID, RecordUpdate, InetCheckDate) VALUES
+              (1, '2024-05-01 10:00:00', '2024-05-01 10:00:00'),
+              (2, '2024-05-01 10:00:00', '2024-05-01 10:00:00');
+            INSERT INTO tCustomerHistory (CustomerID, RecordUpdate, InetCheckDate) VALUES
+              (1, '2024-05-01 10:00:00', '2024-05-01 10:00:00'),
+              (3, '2024-05-01 10:00:00', '2024-05-01 10:00:00');
+            INSERT INTO tCustomerKyokaHistory (CustomerID, Ver511HideFlag, RecordUpdate) VALUES
+              (1, 1, '2024-06-01 00:00:00'), (2, 0, '2024-04-01 00:00:00');
+            INSERT INTO tCustomerNyusatsuKanri (CustomerID, RecordUpdate) VALUES
+              (1, '2024-06-01 00:00:00');
+            INSERT INTO tCustomerNyusatsuKanri (CustomerID, Nendo3, RecordUpdate) VALUES
+              (2, '2023', '2024-03-01 00:00:00');)");
+        Sql(paths_.prefcustom, R"(
+            INSERT INTO t28_KYOKA_SHINSEI_HYOSHI (CustomerID, RecordUpdate, InetCheckDate) VALUES
+              (1, '2024-05-01 10:00:00', '2024-05-01 10:00:00');
+            INSERT INTO t99_PRINT_CUSTOMERDATA (CustomerID, RecordUpdate, InetCheckDate) VALUES
+              (1, '2024-05-01 10:00:00', '2024-05-01 10:00:00');)");
         // The server moved customer 1 everywhere, customer 2 in its trades and permit form.
         RosterEntry one{1, "C1", "一", "ｲﾁ", 1, {}};
         for (int i : {0, 2, 3, 8, 25, 42}) one.stamps[i] = kLater;
@@ -72,44 +64,43 @@ protected:
     cCustListSync sync_;
 };
 
+// One customer's answers for a table: flag, local, server and compared stamps, backed up.
+std::string Answers(const cCustListSyncItem& c, int i) {
+    return std::to_string(c.SyncFlag(i)) + "|" + c.RecordUpdate_lc(i) + "|" + c.RecordUpdate_sv(i) +
+           "|" + c.RecordUpdate_comp(i) + "|" + (c.Backuped(i) ? "+" : "-");
+}
+
 TEST_F(ScanTest, ExceptionsOfTheBackedUpRule) {
     Scan(0);
-    const auto& one = Item(1);
-    const auto& two = Item(2);
-    EXPECT_EQ(one.SyncFlag(0), 1);
-    EXPECT_FALSE(one.Backuped(0));
-    // Trades follow the customer's own row: 1 is not backed up there, 2 is.
-    EXPECT_EQ(one.SyncFlag(2), 1);
-    EXPECT_FALSE(one.Backuped(2));
-    EXPECT_EQ(two.SyncFlag(0), 0);
-    EXPECT_EQ(two.SyncFlag(2), 1);
-    EXPECT_TRUE(two.Backuped(2));
-    // An ordinary table with a difference is not backed up.
-    EXPECT_EQ(one.SyncFlag(3), 1);
-    EXPECT_FALSE(one.Backuped(3));
-    // The print table always counts as backed up; the permit form when it has rows.
-    EXPECT_EQ(one.SyncFlag(42), 1);
-    EXPECT_TRUE(one.Backuped(42));
-    EXPECT_EQ(one.SyncFlag(25), 1);
-    EXPECT_TRUE(one.Backuped(25));
-    // Hidden permit rows and blank bidding rows are not looked at.
-    EXPECT_EQ(one.RecordUpdate_lc(5), "");
-    EXPECT_EQ(two.RecordUpdate_lc(5), "2024/04/01");
-    EXPECT_EQ(two.SyncFlag(5), 2);
-    EXPECT_EQ(one.RecordUpdate_lc(8), "");
-    EXPECT_TRUE(one.Backuped(8));
-    EXPECT_EQ(two.RecordUpdate_lc(8), "2024/03/01");
-    // Stamps as the fields and the roster gave them.
-    EXPECT_EQ(one.RecordUpdate_lc(0), "2024/05/01 10:00:00");
-    EXPECT_EQ(one.RecordUpdate_comp(0), "2024/05/01 10:00:00");
-    EXPECT_EQ(one.RecordUpdate_sv(0), kLater);
-    EXPECT_FALSE(one.AllBackuped());
+    const std::string t = kT, later = kLater;
+    const struct {
+        int id, table;
+        std::string answers;
+    } rows[] = {
+        {1, 0, "1|" + t + "|" + later + "|" + t + "|-"},
+        // Trades follow the customer's own row: 1 is not backed up there, 2 is.
+        {1, 2, "1|" + t + "|" + later + "|" + t + "|-"},
+        {2, 0, "0|" + t + "|" + t + "|" + t + "|+"},
+        {2, 2, "1|" + t + "|" + later + "|" + t + "|+"},
+        // An ordinary table with a difference is not backed up.
+        {1, 3, "1|" + t + "|" + later + "|" + t + "|-"},
+        // The print table always counts as backed up; the permit form when it has rows.
+        {1, 42, "1|" + t + "|" + later + "|" + t + "|+"},
+        {1, 25, "1|" + t + "|" + later + "|" + t + "|+"},
+        // Hidden permit rows and blank bidding rows are not looked at.
+        {1, 5, "0||||+"},
+        {2, 5, "2|2024/04/01|||-"},
+        {1, 8, "0||||+"},
+        {2, 8, "2|2024/03/01|||-"},
+        // Indexes outside the table: unknown ones count as backed up, negative ones do not.
+        {1, 53, "0||||+"},
+        {1, -1, "0||||-"},
+    };
+    for (const auto& r : rows)
+        EXPECT_EQ(Answers(Item(r.id), r.table), r.answers) << r.id << "/" << r.table;
+    EXPECT_FALSE(Item(1).AllBackuped());
     // Customer 3 is not on the server: none of its rows reached the snapshot.
     EXPECT_EQ(sync_.FindById(3), nullptr);
-    // Indexes outside the table: unknown ones count as backed up, negative ones do not.
-    EXPECT_TRUE(one.Backuped(53));
-    EXPECT_FALSE(one.Backuped(-1));
-    EXPECT_EQ(one.SyncFlag(60), 0);
 }
 
 TEST_F(ScanTest, ScanOfOneJudgesMissingTablesTheScanOfAllLeaves) {
@@ -137,11 +128,7 @@ TEST_F(ScanTest, ScanOfOneJudgesMissingTablesTheScanOfAllLeaves) {
 
 TEST_F(ScanTest, RemovingACustomerLeavesTheOthersAnswersInPlace) {
     Scan(0);
-    auto answers = [&](int i) {
-        const auto& two = Item(2);
-        return std::to_string(two.SyncFlag(i)) + two.RecordUpdate_lc(i) + two.RecordUpdate_sv(i) +
-               two.RecordUpdate_comp(i) + (two.Backuped(i) ? "+" : "-");
-    };
+    auto answers = [&](int i) { return Answers(Item(2), i); };
     std::vector<std::string> before;
     for (int i = 0; i < kBackupTableCount; ++i) before.push_back(answers(i));
     sync_.Remove("K1");

@@ -68,6 +68,19 @@ protected:
         return sent;
     }
 
+    // The three requests that change one customer's flag.
+    static std::vector<std::string> SetFlag(int id, int flag) {
+        const std::string c = "id=user1&CustomerID=" + std::to_string(id) + "&";
+        return {"lockComp.php " + c,
+                "setInetEnableFlag.php " + c + "InetEnableFlag=" + std::to_string(flag) + "&",
+                "unlockComp.php " + c};
+    }
+    static std::vector<std::string> Join(std::vector<std::string> a,
+                                         const std::vector<std::string>& b) {
+        a.insert(a.end(), b.begin(), b.end());
+        return a;
+    }
+
     std::int32_t ShowDlg(std::int32_t showtype) {
         return obj_.ShowSelectCustEnabledDlg(nullptr, db_, showtype, {}, {}, {}, {});
     }
@@ -95,11 +108,7 @@ TEST_F(TargetFlagsTest, CheckEnablesEveryCustomerButSendsOnlyWhereTheLockIsGrant
     EXPECT_EQ(obj_.CustmerCorpName_Server(12), "株式会社12");  // as the server sent it
     EXPECT_EQ(obj_.CheckExistCustID(14), 0);
     EXPECT_EQ(obj_.CheckInetEnabledFlags(db_), 1);
-    EXPECT_EQ(Sent(), (std::vector<std::string>{
-                          "lockComp.php id=user1&CustomerID=12&",
-                          "setInetEnableFlag.php id=user1&CustomerID=12&InetEnableFlag=1&",
-                          "unlockComp.php id=user1&CustomerID=12&",
-                          "lockComp.php id=user1&CustomerID=13&"}));
+    EXPECT_EQ(Sent(), Join(SetFlag(12, 1), {"lockComp.php id=user1&CustomerID=13&"}));
     EXPECT_EQ(kit_->Boxes().size(), 1u);  // the refusal's
     EXPECT_EQ(obj_.CustmerInetEnabledFlag(13), 1);
     server_->ClearRequests();
@@ -141,13 +150,7 @@ TEST_F(TargetFlagsTest, OkOnlyAtTheAllowanceAndARowToggledBackIsNotSent) {
     EXPECT_EQ(ShowDlg(2), 1);
     EXPECT_EQ(okAt, (std::vector<bool>{false, true, false, true}));
     EXPECT_EQ(kit_->ShownForms().at(1).owner, kList);
-    EXPECT_EQ(Sent(),
-              (std::vector<std::string>{
-                  "lockComp.php id=user1&CustomerID=2&",
-                  "setInetEnableFlag.php id=user1&CustomerID=2&InetEnableFlag=1&",
-                  "unlockComp.php id=user1&CustomerID=2&", "lockComp.php id=user1&CustomerID=3&",
-                  "setInetEnableFlag.php id=user1&CustomerID=3&InetEnableFlag=1&",
-                  "unlockComp.php id=user1&CustomerID=3&"}));
+    EXPECT_EQ(Sent(), Join(SetFlag(2, 1), SetFlag(3, 1)));
     EXPECT_EQ(obj_.CustmerInetEnabledFlag(4), 0);
 }
 
@@ -164,11 +167,7 @@ TEST_F(TargetFlagsTest, TakingCustomersOutSetsZeroAndARefusedLockSendsNoFlag) {
     });
     kit_->OnShow(kMsg, [](forms::Form& f) { f.Get<forms::Button>("cmdOK").Click(); });
     EXPECT_EQ(ShowDlg(1), 1);
-    EXPECT_EQ(Sent(), (std::vector<std::string>{
-                          "lockComp.php id=user1&CustomerID=11&",
-                          "setInetEnableFlag.php id=user1&CustomerID=11&InetEnableFlag=0&",
-                          "unlockComp.php id=user1&CustomerID=11&",
-                          "lockComp.php id=user1&CustomerID=13&"}));
+    EXPECT_EQ(Sent(), Join(SetFlag(11, 0), {"lockComp.php id=user1&CustomerID=13&"}));
     // The refused customer shows the new flag here, though the server keeps the old one.
     EXPECT_EQ(obj_.CustmerInetEnabledFlag(13), 0);
     EXPECT_EQ(obj_.CustmerInetEnabledFlag(12), 1);

@@ -23,6 +23,11 @@ std::string Reply::Token() const {
 
 pugi::xml_node Reply::Payload(const char* name) const { return doc.document_element().child(name); }
 
+std::string Reply::At(const std::string& path) const {
+    const auto node = doc.document_element().first_element_by_path(path.c_str());
+    return node ? node.text().get() : "";
+}
+
 void ServerTest::SetUp() {
     std::string pattern =
         (std::filesystem::temp_directory_path() / "morvane-server-XXXXXX").string();

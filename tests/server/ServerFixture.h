@@ -25,6 +25,8 @@ struct Reply {
     std::string Token() const;
     // The first element of the root with this name (exact case).
     pugi::xml_node Payload(const char* name) const;
+    // The text at a path below the root ("compList/CompCount"), "" when it is not there.
+    std::string At(const std::string& path) const;
 };
 
 // One user's login, carrying the token from reply to reply as the client does.
@@ -55,6 +57,11 @@ protected:
                      const std::string& encodedName, const std::string& bytes);
 
     void CreateCustomer(Login& login, int customer, const std::string& code = "C");
+    // The flags of a call, for the many checks that look at nothing else.
+    int Flags(Login& login, const std::string& path, const std::string& rest,
+              const char* idKey = "ID") {
+        return Call(login, path, rest, idKey).Flags();
+    }
 
     std::filesystem::path dir_;
     std::shared_ptr<ManualClock> clock_;

@@ -29,15 +29,9 @@ TEST_F(ErrTrapTest, ShowsNumberAndTextUnderTheSource) {
     EXPECT_EQ(kit_->PointerResets(), 1);
 }
 
-TEST_F(ErrTrapTest, MessagesByNumber) {
-    EXPECT_EQ(ErrTrapMessage(7, ""),
-              "メモリが不足しています。\r\n他のウインドウを閉じてもう一度実行してください。");
-    EXPECT_EQ(ErrTrapMessage(52, ""), "ファイル名が正しくありません。");
+TEST_F(ErrTrapTest, MessagesByNumberShareTextsAndAddTheDescriptionWhereTheyShouldOnly) {
+    EXPECT_EQ(ErrTrapMessage(52, "x"), ErrTrapMessage(64, "y"));
     EXPECT_EQ(ErrTrapMessage(64, ""), "ファイル名が正しくありません。");
-    EXPECT_EQ(ErrTrapMessage(75, ""),
-              "指定されたファイルを上書きできません。\r\n"
-              "他のアプリケーションで使われているか、読み取り専用です。");
-    EXPECT_EQ(ErrTrapMessage(76, ""), "指定されたパスが存在しません。");
     EXPECT_EQ(ErrTrapMessage(20477, "パス X"),
               "パス X\r\nファイル名、ディレクトリが正しいか確認して下さい。");
     EXPECT_EQ(ErrTrapMessage(3146, "database is locked"), "database is locked");
@@ -55,15 +49,16 @@ TEST_F(ErrTrapTest, NoErrorOnlyResetsThePointerAndSilentErrorNotEvenThat) {
 }
 
 TEST_F(ErrTrapTest, ForeignExceptionsGetNumbers) {
-    const auto numberOf = [](std::exception_ptr e) { return PendingError::From(e).number; };
-    EXPECT_EQ(numberOf(std::make_exception_ptr(std::bad_alloc())), 7);
-    EXPECT_EQ(numberOf(std::make_exception_ptr(std::filesystem::filesystem_error(
-                  "open", std::make_error_code(std::errc::no_such_file_or_directory)))),
-              53);
-    EXPECT_EQ(numberOf(std::make_exception_ptr(std::filesystem::filesystem_error(
-                  "write", std::make_error_code(std::errc::no_space_on_device)))),
-              57);
-    EXPECT_EQ(numberOf(std::make_exception_ptr(std::runtime_error("odd"))), 5);
+    const auto numberOf = [](auto e) {
+        return PendingError::From(std::make_exception_ptr(e)).number;
+    };
+    const auto fsError = [](std::errc code) {
+        return std::filesystem::filesystem_error("open", std::make_error_code(code));
+    };
+    EXPECT_EQ(numberOf(std::bad_alloc()), 7);
+    EXPECT_EQ(numberOf(fsError(std::errc::no_such_file_or_directory)), 53);
+    EXPECT_EQ(numberOf(fsError(std::errc::no_space_on_device)), 57);
+    EXPECT_EQ(numberOf(std::runtime_error("odd")), 5);
 }
 
 }  // namespace

@@ -46,20 +46,20 @@ protected:
 
 TEST_F(FacadePatternsTest, CompareKeepsTheWorkerByItsRule) {
     LogIn();
-    Answer(3);
-    EXPECT_EQ(Compare(facade::Keep::NonZero), 3);
-    EXPECT_TRUE(slot_);
-    Answer(0);
-    EXPECT_EQ(Compare(facade::Keep::NonZero), 0);
-    EXPECT_FALSE(slot_);
-    Answer(2);
-    EXPECT_EQ(Compare(facade::Keep::OnlyOne), 2);
-    EXPECT_FALSE(slot_);
-    Answer(1);
-    EXPECT_EQ(Compare(facade::Keep::OnlyOne), 1);
-    EXPECT_TRUE(slot_);
-    EXPECT_EQ(Compare(facade::Keep::Never), 1);
-    EXPECT_FALSE(slot_);
+    const struct {
+        int result;
+        facade::Keep keep;
+        bool kept;
+    } rows[] = {{3, facade::Keep::NonZero, true},
+                {0, facade::Keep::NonZero, false},
+                {2, facade::Keep::OnlyOne, false},
+                {1, facade::Keep::OnlyOne, true},
+                {1, facade::Keep::Never, false}};
+    for (const auto& r : rows) {
+        Answer(r.result);
+        EXPECT_EQ(Compare(r.keep), r.result);
+        EXPECT_EQ(slot_ != nullptr, r.kept) << r.result;
+    }
 }
 
 TEST_F(FacadePatternsTest, ComparePostsEvenWhenLoggedOutAndTheReplyDecides) {

@@ -12,6 +12,7 @@
 #include "session/mdlLogin.h"
 #include "session/mdlRegConstMorvane.h"
 #include "support/MorvaneTest.h"
+#include "support/Told.h"
 
 namespace morvane::test {
 namespace {
@@ -44,6 +45,13 @@ protected:
         });
         EXPECT_EQ(obj_.ShowSetting(nullptr), 0);
         return ran;
+    }
+
+    // Enabled, server, contract, user, password deciphered, password saved: as stored.
+    std::string Stored() {
+        return Setting(reg::kEnabledMorvane) + "|" + Setting(reg::kServerName) + "|" +
+               Setting(reg::kContractNo) + "|" + Setting(reg::kLoginUID) + "|" +
+               DecryptText(Setting(reg::kLoginPWD)) + "|" + Setting(reg::kSaveLoginPWD);
     }
 
     ctrlMorvane obj_;
@@ -84,17 +92,12 @@ TEST_F(SettingDialogTest, OkStoresEverythingAndAsksForARestartOnANewServer) {
         Click(f, "cmdOK");
         EXPECT_FALSE(f.Visible());
     }));
-    EXPECT_EQ(Setting(reg::kEnabledMorvane), "True");
     // Stored as they stand in the controls; the password trimmed.
-    EXPECT_EQ(Setting(reg::kServerName), " new.example.jp ");
-    EXPECT_EQ(Setting(reg::kContractNo), "C-2");
-    EXPECT_EQ(Setting(reg::kLoginUID), "user2");
-    EXPECT_EQ(DecryptText(Setting(reg::kLoginPWD)), "pw2");
-    EXPECT_EQ(Setting(reg::kSaveLoginPWD), "True");
-    ASSERT_EQ(kit_->Boxes().size(), 1u);
-    EXPECT_EQ(kit_->Boxes()[0].text,
-              "モルヴェインの設定が変更されました。\r\n"
-              "設定内容を反映させるには、一旦終了してから再度実行し直してください。");
+    EXPECT_EQ(Stored(), "True| new.example.jp |C-2|user2|pw2|True");
+    EXPECT_EQ(Told(*kit_),
+              std::vector<std::string>{
+                  "モルヴェインの設定が変更されました。\r\n"
+                  "設定内容を反映させるには、一旦終了してから再度実行し直してください。"});
     EXPECT_EQ(kit_->Boxes()[0].icon, MsgIcon::Information);
     EXPECT_EQ(kit_->Boxes()[0].title, kCaption);
 }
@@ -106,9 +109,8 @@ TEST_F(SettingDialogTest, ChangedUserAloneNeedsNoRestartAndNoSavedPassword) {
         Click(f, "cmdOK");
     }));
     EXPECT_TRUE(kit_->Boxes().empty());
-    EXPECT_EQ(Setting(reg::kLoginUID), "other");
+    EXPECT_EQ(Stored(), "True|" + server_->HostName() + "|C-1001|other||False");
     EXPECT_EQ(Setting(reg::kLoginPWD), "");
-    EXPECT_EQ(Setting(reg::kSaveLoginPWD), "False");
 }
 
 TEST_F(SettingDialogTest, AllEmptySwitchesTheBackupOffWithoutAWord) {
@@ -117,9 +119,7 @@ TEST_F(SettingDialogTest, AllEmptySwitchesTheBackupOffWithoutAWord) {
         Click(f, "cmdOK");
         EXPECT_FALSE(f.Visible());
     }));
-    EXPECT_EQ(Setting(reg::kEnabledMorvane), "False");
-    EXPECT_EQ(Setting(reg::kServerName), " ");
-    EXPECT_EQ(Setting(reg::kContractNo), "");
+    EXPECT_EQ(Stored(), "False| ||||False");
     // Only the changed-settings note, because the server changed.
     ASSERT_EQ(kit_->Boxes().size(), 1u);
     EXPECT_EQ(kit_->Boxes()[0].icon, MsgIcon::Information);
@@ -137,14 +137,12 @@ TEST_F(SettingDialogTest, FirstMissingFieldStopsOkAndWritesNothing) {
         EXPECT_TRUE(f.Visible());
         Click(f, "cmdCancel");
     }));
-    ASSERT_EQ(kit_->Boxes().size(), 3u);
-    EXPECT_EQ(kit_->Boxes()[0].text, "契約番号を記入してください。");
-    EXPECT_EQ(kit_->Boxes()[1].text, "サーバー名を記入してください。");
-    EXPECT_EQ(kit_->Boxes()[2].text, "ユーザーIDを記入してください。");
+    EXPECT_EQ(Told(*kit_), (std::vector<std::string>{"契約番号を記入してください。",
+                                                     "サーバー名を記入してください。",
+                                                     "ユーザーIDを記入してください。"}));
     EXPECT_EQ(kit_->Boxes()[2].icon, MsgIcon::Exclamation);
     EXPECT_EQ(kit_->Boxes()[2].title, kCaption);
-    EXPECT_EQ(Setting(reg::kEnabledMorvane), "");
-    EXPECT_EQ(Setting(reg::kServerName), server_->HostName());
+    EXPECT_EQ(Stored(), "|" + server_->HostName() + "|C-1001|||");
 }
 
 TEST_F(SettingDialogTest, MissingSavedPasswordStopsAfterTheConnectionValuesAreStored) {
@@ -156,12 +154,8 @@ TEST_F(SettingDialogTest, MissingSavedPasswordStopsAfterTheConnectionValuesAreSt
         EXPECT_FALSE(f.RequestClose());
         EXPECT_FALSE(f.Visible());
     }));
-    ASSERT_EQ(kit_->Boxes().size(), 1u);
-    EXPECT_EQ(kit_->Boxes()[0].text, "パスワードを記入してください。");
-    EXPECT_EQ(Setting(reg::kServerName), "srv.example.jp");
-    EXPECT_EQ(Setting(reg::kContractNo), "C-9");
-    EXPECT_EQ(Setting(reg::kLoginUID), "u9");
-    EXPECT_EQ(Setting(reg::kSaveLoginPWD), "");
+    EXPECT_EQ(Told(*kit_), std::vector<std::string>{"パスワードを記入してください。"});
+    EXPECT_EQ(Stored(), "True|srv.example.jp|C-9|u9||");
 }
 
 TEST_F(SettingDialogTest, CancelWritesNothing) {
@@ -169,8 +163,7 @@ TEST_F(SettingDialogTest, CancelWritesNothing) {
         Fill(f, "x", "y", "z", "w", true);
         Click(f, "cmdCancel");
     }));
-    EXPECT_EQ(Setting(reg::kContractNo), "C-1001");
-    EXPECT_EQ(Setting(reg::kLoginUID), "");
+    EXPECT_EQ(Stored(), "|" + server_->HostName() + "|C-1001|||");
     EXPECT_EQ(obj_.ShowInfo(nullptr), 0);  // the same dialog, closed by the toolkit
     EXPECT_EQ(kit_->ShownForms().back().form, "frmMorvaneSetting");
     EXPECT_TRUE(kit_->Boxes().empty());
@@ -187,13 +180,11 @@ TEST_F(SettingDialogTest, ConnectionTestNeedsAllFourAndLeavesTheLoginAlone) {
         Click(f, "cmdConnectionTest");
         Click(f, "cmdCancel");
     }));
-    ASSERT_EQ(kit_->Boxes().size(), 3u);
-    EXPECT_EQ(kit_->Boxes()[0].text, "パスワードを記入してください。");
-    EXPECT_EQ(kit_->Boxes()[1].text, "接続に成功しました。");
+    EXPECT_EQ(Told(*kit_),
+              (std::vector<std::string>{"パスワードを記入してください。", "接続に成功しました。",
+                                        "接続に失敗しました。"}));
     EXPECT_EQ(kit_->Boxes()[1].icon, MsgIcon::Information);
-    EXPECT_EQ(kit_->Boxes()[2].text, "接続に失敗しました。");
     EXPECT_EQ(kit_->Boxes()[2].icon, MsgIcon::Exclamation);
-    EXPECT_EQ(kit_->Boxes()[2].title, kCaption);
     const auto requests = server_->RequestsTo("login.php");
     ASSERT_EQ(requests.size(), 2u);
     EXPECT_EQ(requests[0].body, "no=C-7&ID=u7&PW=p&7&");
@@ -210,11 +201,9 @@ TEST_F(SettingDialogTest, LinksUseTheTypedServerAndTheSignupPage) {
         f.Get<forms::Label>("lblShowControlPanel").Click();
         Click(f, "cmdCancel");
     }));
-    ASSERT_EQ(kit_->OpenedUrls().size(), 2u);
-    EXPECT_EQ(kit_->OpenedUrls()[0], "https://typed.example.jp/");
-    EXPECT_EQ(kit_->OpenedUrls()[1], build::kSignupUrl);
-    ASSERT_EQ(kit_->Boxes().size(), 1u);
-    EXPECT_EQ(kit_->Boxes()[0].text, "サーバー名を入力してください。");
+    EXPECT_EQ(kit_->OpenedUrls(),
+              (std::vector<std::string>{"https://typed.example.jp/", build::kSignupUrl}));
+    EXPECT_EQ(Told(*kit_), std::vector<std::string>{"サーバー名を入力してください。"});
     EXPECT_EQ(kit_->Boxes()[0].buttons, forms::MsgButtons::OKCancel);
     EXPECT_EQ(kit_->Boxes()[0].icon, MsgIcon::Information);
 }

@@ -50,19 +50,6 @@ TEST_F(ExchangeTest, BodiesCarryIdAndTheTokenReadAnew) {
     EXPECT_EQ(UpperBody(), "ID=user1&token=T-OTHER&");
 }
 
-TEST_F(ExchangeTest, TokenRotatesThroughTheStoreAndIsSeenByASecondStore) {
-    LogIn("T1");
-    server_->OnSequence("master/getKessanTaioh.php", {Envelope(1, "T2"), Envelope(1, "T3")});
-    ASSERT_NE(SendRequest("master/getKessanTaioh.php", UpperBody()), "");
-    ASSERT_NE(SendRequest("master/getKessanTaioh.php", UpperBody()), "");
-    const auto requests = server_->RequestsTo("master/getKessanTaioh.php");
-    ASSERT_EQ(requests.size(), 2u);
-    EXPECT_EQ(requests[0].body, "ID=user1&token=T1&");
-    EXPECT_EQ(requests[1].body, "ID=user1&token=T2&");
-    platform::SettingsStore second(State().Settings().Root());
-    EXPECT_EQ(second.Read({reg::kBasePath, reg::kApplication, reg::kSection}, reg::kParam2), "T3");
-}
-
 TEST_F(ExchangeTest, ConnectionsAreKeptBetweenRequestsUnderTheSameTrust) {
     LogIn("T1");
     server_->On("master/getKessanTaioh.php", Envelope(1, "T2"));

@@ -127,6 +127,11 @@ TEST_F(DaoTest, RollbackAndAnOpenTransactionAtCloseLeaveTheRowsAsTheyWereThrough
         rs->Fields("Code").PutValue(Value("y"));
         rs->Update();
         ws.Rollback();
+        // Rolled back at once, not only when the connection closes.
+        EXPECT_EQ(
+            NzString(
+                db.OpenRecordset("SELECT Code FROM tCustomer WHERE id = 1")->FieldAt(0).GetValue()),
+            "a");
     }
     EXPECT_EQ(Rows(paths_.customer, "SELECT id, Code FROM tCustomer ORDER BY id"),
               (std::vector<std::string>{"1|a", "2|b"}));
