@@ -3,7 +3,6 @@
 
 #include "DatedTestUtil.h"
 #include "dated/cCustKessan.h"
-#include "support/MorvaneTest.h"
 
 namespace morvane::test {
 namespace {
@@ -17,7 +16,7 @@ TEST_F(KessanReaderTest, AWholeListIsReadIntoItemsInOrder) {
     sixth.push_back({"Unknown", "x"});
     sixth[6].first = "OTHER";
     const std::string reply = Document(
-        ListPayload("Kessan", 7, "2024/05/01 10:00:00",
+        ListPayload("KessanData", 7, "2024/05/01 10:00:00",
                     {KessanItem(5, {{"CheckOther", ""}, {"AcPeriod4", "1.5"}, {"ZaimuType3", "4"}}),
                      ItemXml("kessanDataITEM", sixth)}));
     ASSERT_TRUE(k.ReadXML(reply));
@@ -52,12 +51,12 @@ TEST_F(KessanReaderTest, TheCountTheStampAndTheCustomerDecideTheReply) {
     cCustKessan k;
     // A count that the items do not reach.
     EXPECT_FALSE(
-        k.ReadXML(Document(ListPayload("Kessan", 7, "2024/05/01 10:00:00", {KessanItem(5)}, 2))));
+        k.ReadXML(Document(ListPayload("KessanData", 7, "2024/05/01 10:00:00", {KessanItem(5)}, 2))));
     // A stamp that is no date reads as empty and the reply stands.
-    ASSERT_TRUE(k.ReadXML(Document(ListPayload("Kessan", 7, "later", {KessanItem(5)}))));
+    ASSERT_TRUE(k.ReadXML(Document(ListPayload("KessanData", 7, "later", {KessanItem(5)}))));
     EXPECT_EQ(k.RecordUpdate(), "");
     // An empty list is a good list.
-    ASSERT_TRUE(k.ReadXML(Document(ListPayload("Kessan", 7, "2024/05/01 10:00:00", {}))));
+    ASSERT_TRUE(k.ReadXML(Document(ListPayload("KessanData", 7, "2024/05/01 10:00:00", {}))));
     EXPECT_EQ(k.Count(), 0);
     // Without the stamp, without the customer, or with one id twice: a failed reply.
     EXPECT_FALSE(k.ReadXML(
@@ -67,7 +66,7 @@ TEST_F(KessanReaderTest, TheCountTheStampAndTheCustomerDecideTheReply) {
         Document("<Customer><KessanDataList><KessanDataCount>0</KessanDataCount><RecordUpdate/>"
                  "</KessanDataList></Customer>")));
     EXPECT_FALSE(k.ReadXML(Document(
-        ListPayload("Kessan", 7, "2024/05/01 10:00:00", {KessanItem(5), KessanItem(5)}, 2))));
+        ListPayload("KessanData", 7, "2024/05/01 10:00:00", {KessanItem(5), KessanItem(5)}, 2))));
     // The payload is selected by its exact name; broken XML is no reply.
     EXPECT_FALSE(k.ReadXML(Document("<customer><CustomerID>7</CustomerID></customer>")));
     EXPECT_FALSE(k.ReadXML("<reply><Customer>"));

@@ -3,23 +3,17 @@
 
 #include "DatedTestUtil.h"
 #include "dated/cCustKessan.h"
-#include "support/MorvaneTest.h"
 
 namespace morvane::test {
 namespace {
 
 constexpr const char* kTable = "tCustomerKessanHistory";
 
-class KessanRowsTest : public MorvaneTest {
+class KessanRowsTest : public RecordDbTest {
 protected:
-    void SetUp() override {
-        MorvaneTest::SetUp();
-        db_ = EmptyCustomerDb(temp_.Path() / "db", clock_).string();
-    }
-
     cCustKessan Read(const std::vector<std::string>& items, const std::string& stamp) {
         cCustKessan k;
-        EXPECT_TRUE(k.ReadXML(Document(ListPayload("Kessan", 7, stamp, items))));
+        EXPECT_TRUE(k.ReadXML(Document(ListPayload("KessanData", 7, stamp, items))));
         return k;
     }
 
@@ -27,8 +21,6 @@ protected:
         return Rows(db_, "SELECT " + columns + " FROM " + kTable + " ORDER BY id");
     }
 
-    std::string db_;
-    std::shared_ptr<FixedClock> clock_;
 };
 
 TEST_F(KessanRowsTest, DownloadTakesFreeRowsOfAnyCustomerAndKeepsTheirLinkOnZero) {
@@ -73,7 +65,7 @@ TEST_F(KessanRowsTest, AnEmptyServerListFreesOnlyThisCustomersRows) {
 TEST_F(KessanRowsTest, StampsApartWithEqualContentAgreeAndStampTheRows) {
     ASSERT_EQ(Read({KessanItem(100), KessanItem(101)}, "2024/05/01 10:00:00").SyncDownload(db_, 7),
               1);
-    clock_->Set(DateValue::FromCivil({2024, 6, 1, 10, 0, 0}));
+    At(10);
     // The server moved an hour later; the same content, a date now with a midnight time.
     cCustKessan k = Read({KessanItem(100, {{"ExDate", "2024/03/31 00:00:00"}}), KessanItem(101)},
                          "2024/06/01 09:30:00");
@@ -85,7 +77,7 @@ TEST_F(KessanRowsTest, StampsApartWithEqualContentAgreeAndStampTheRows) {
 TEST_F(KessanRowsTest, ACountOrFieldDifferenceGivesTheDecisionCode) {
     ASSERT_EQ(Read({KessanItem(100), KessanItem(101)}, "2024/05/01 10:00:00").SyncDownload(db_, 7),
               1);
-    clock_->Set(DateValue::FromCivil({2024, 6, 1, 10, 0, 0}));
+    At(10);
     const std::string later = "2024/06/01 09:30:00";
     // One more on the server: no field is compared, nothing stamped.
     EXPECT_EQ(

@@ -6,7 +6,6 @@
 #include "dated/cCustKessan.h"
 #include "session/DispatchTable.h"
 #include "session/ctrlMorvane.h"
-#include "support/MorvaneTest.h"
 
 namespace morvane::test {
 namespace {
@@ -22,20 +21,13 @@ std::string Blank(const std::string& name, int from, int to) {
     return out;
 }
 
-class KessanSyncTest : public MorvaneTest {
+class KessanSyncTest : public RecordDbTest {
 protected:
-    void SetUp() override {
-        MorvaneTest::SetUp();
-        db_ = EmptyCustomerDb(temp_.Path() / "db", clock_).string();
-    }
-
     std::string Column(const std::string& column, int id) {
         return One(db_, "SELECT " + column +
                             " FROM tCustomerKessanHistory WHERE id = " + std::to_string(id));
     }
 
-    std::string db_;
-    std::shared_ptr<FixedClock> clock_;
 };
 
 TEST_F(KessanSyncTest, UploadSendsEachLiveRowAndClearsTheServerListWithTheFirst) {
@@ -97,45 +89,13 @@ TEST_F(KessanSyncTest, UploadStopsAtTheFirstFailedPostAndSendsNothingWithoutRows
     EXPECT_TRUE(server_->Requests().empty());
 }
 
-TEST_F(KessanSyncTest, CompareKeepsTheListForTheDownloadThenAgrees) {
-    ctrlMorvane obj;
-    LogIn();
-    Sql(db_, "INSERT INTO tCustomerKessanHistory (id, CustomerID, disabled) VALUES (1, 7, 0);");
-    server_->On(kGet, Envelope(1, "T2",
-                               ListPayload("Kessan", 7, "2024/05/01 10:00:00",
-                                           {KessanItem(100), KessanItem(101)})));
-    EXPECT_EQ(obj.CompareCustomerKessanList(db_, 7), 1);  // never agreed: the server is newer
-    EXPECT_EQ(server_->RequestsTo(kGet)[0].body, "ID=user1&token=T1&CustomerID=7&");
-    EXPECT_EQ(obj.SyncDownloadCustomerKessanList(db_, 7), 1);
-    EXPECT_EQ(server_->RequestsTo(kGet).size(), 1u);  // the kept list was written
-    EXPECT_EQ(Column("DataFile", 1), "kessan100.dat");
-    EXPECT_EQ(Column("DataFile", 2), "kessan101.dat");
-    EXPECT_EQ(obj.CompareCustomerKessanList(db_, 7), 0);
-    // The slot is empty again: a download without a comparison does nothing.
-    Sql(db_, "UPDATE tCustomerKessanHistory SET DataFile = 'local';");
-    EXPECT_EQ(obj.SyncDownloadCustomerKessanList(db_, 7), 1);
-    EXPECT_EQ(Column("DataFile", 1), "local");
-    EXPECT_EQ(server_->RequestsTo(kGet).size(), 2u);
-}
 
-TEST_F(KessanSyncTest, AnUnreadableReplyLooksLikeAgreementAndKeepsNothing) {
-    ctrlMorvane obj;
-    LogIn();
-    Sql(db_, "INSERT INTO tCustomerKessanHistory (id, CustomerID, disabled) VALUES (1, 7, 0);");
-    server_->On(kGet, Envelope(1, "T2",
-                               ListPayload("Kessan", 7, "2024/05/01 10:00:00",
-                                           {KessanItem(100, {}, {"CalcWay2"})})));
-    EXPECT_EQ(obj.CompareCustomerKessanList(db_, 7), 0);
-    EXPECT_EQ(obj.SyncDownloadCustomerKessanList(db_, 7), 1);
-    EXPECT_EQ(Column("DataFile", 1), "");
-    EXPECT_EQ(Column("disabled", 1), "0");
-}
 
 TEST_F(KessanSyncTest, UnderTheUsageOptionTheDownloadFetchesForItself) {
     ctrlMorvane obj;
     LogIn();
     server_->On(kGet, Envelope(1, "T2",
-                               ListPayload("Kessan", 7, "2024/05/01 10:00:00", {KessanItem(100)})));
+                               ListPayload("KessanData", 7, "2024/05/01 10:00:00", {KessanItem(100)})));
     EXPECT_EQ(obj.SyncDownloadCustomerKessanList(db_, 7), 1);  // option 0: nothing fetched
     EXPECT_TRUE(server_->Requests().empty());
     obj.setObjectUsage(1);

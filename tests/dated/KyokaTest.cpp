@@ -5,7 +5,6 @@
 #include "DatedTestUtil.h"
 #include "dated/cCustKyoka.h"
 #include "session/ctrlMorvane.h"
-#include "support/MorvaneTest.h"
 
 namespace morvane::test {
 namespace {
@@ -26,21 +25,14 @@ std::string KyokaItem(int id, const std::map<std::string, std::string>& changed 
                    changed);
 }
 
-class KyokaTest : public MorvaneTest {
+class KyokaTest : public RecordDbTest {
 protected:
-    void SetUp() override {
-        MorvaneTest::SetUp();
-        db_ = EmptyCustomerDb(temp_.Path() / "db", clock_).string();
-    }
-
     cCustKyoka Read(const std::vector<std::string>& items, const std::string& stamp) {
         cCustKyoka k;
-        EXPECT_TRUE(k.ReadXML(Document(ListPayload("Kyoka", 7, stamp, items))));
+        EXPECT_TRUE(k.ReadXML(Document(ListPayload("KyokaData", 7, stamp, items))));
         return k;
     }
 
-    std::string db_;
-    std::shared_ptr<FixedClock> clock_;
 };
 
 TEST_F(KyokaTest, HiddenRowsKeepTheirPlaceCountAndAreNotSent) {
@@ -50,7 +42,7 @@ TEST_F(KyokaTest, HiddenRowsKeepTheirPlaceCountAndAreNotSent) {
         "INSERT INTO tCustomerKyokaHistory (id, CustomerID, disabled, Other, Ver511HideFlag) "
         "VALUES (1, 7, 0, 'hidden', 1), (2, 7, 0, 'old', 0), (3, 8, 1, 'pooled hidden', 1);");
     const std::string later = "2024/06/01 10:00:00";
-    clock_->Set(DateValue::FromCivil({2024, 6, 1, 11, 0, 0}));
+    At(11);
     ASSERT_EQ(Read({KyokaItem(10), KyokaItem(11), KyokaItem(12)}, later).SyncDownload(db_, 7), 1);
     EXPECT_EQ(Rows(db_,
                    "SELECT id, CustomerID, disabled, vno, Other, Ver511HideFlag FROM "
@@ -58,7 +50,7 @@ TEST_F(KyokaTest, HiddenRowsKeepTheirPlaceCountAndAreNotSent) {
               (std::vector<std::string>{"1|7|0|<null>|hidden|1", "2|7|0|1|permit10|0",
                                         "3|7|0|2|permit11|1", "4|7|0|3|permit12|0"}));
     // Four live rows against three items: the count differs for good.
-    clock_->Set(DateValue::FromCivil({2024, 6, 1, 12, 0, 0}));
+    At(12);
     EXPECT_EQ(Read({KyokaItem(10), KyokaItem(11), KyokaItem(12)}, "2024/06/01 11:30:00")
                   .CompareLocalDB(db_, 7),
               1);
@@ -77,7 +69,7 @@ TEST_F(KyokaTest, HiddenRowsKeepTheirPlaceCountAndAreNotSent) {
 
 TEST_F(KyokaTest, DatesCompareByTheDayAndAHiddenServerItemDiffers) {
     ASSERT_EQ(Read({KyokaItem(10)}, "2024/05/01 10:00:00").SyncDownload(db_, 7), 1);
-    clock_->Set(DateValue::FromCivil({2024, 6, 1, 10, 0, 0}));
+    At(10);
     const std::string later = "2024/06/01 09:30:00";
     EXPECT_EQ(Read({KyokaItem(10, {{"PApDate", "2024/04/01 18:00:00"},
                                    {"AcDateE", "2024/03/31 00:00:01"}})},
@@ -85,7 +77,7 @@ TEST_F(KyokaTest, DatesCompareByTheDayAndAHiddenServerItemDiffers) {
                   .CompareLocalDB(db_, 7),
               0);
     EXPECT_EQ(One(db_, "SELECT InetCheckDate FROM tCustomerKyokaHistory"), "2024/06/01 10:00:00");
-    clock_->Set(DateValue::FromCivil({2024, 6, 1, 11, 0, 0}));
+    At(11);
     const std::string latest = "2024/06/01 10:30:00";
     EXPECT_EQ(Read({KyokaItem(10, {{"PApDate", "2024/04/02"}})}, latest).CompareLocalDB(db_, 7), 1);
     EXPECT_EQ(Read({KyokaItem(10, {{"Ver511HideFlag", "1"}})}, latest).CompareLocalDB(db_, 7), 1);

@@ -4,7 +4,6 @@
 #include "DatedTestUtil.h"
 #include "dated/cCustKihonOther.h"
 #include "session/ctrlMorvane.h"
-#include "support/MorvaneTest.h"
 
 namespace morvane::test {
 namespace {
@@ -20,27 +19,20 @@ std::string OtherItem(int id, const std::map<std::string, std::string>& changed 
                    changed, leftOut);
 }
 
-class OtherTest : public MorvaneTest {
+class OtherTest : public RecordDbTest {
 protected:
-    void SetUp() override {
-        MorvaneTest::SetUp();
-        db_ = EmptyCustomerDb(temp_.Path() / "db", clock_).string();
-    }
-
     cCustKihonOther Read(const std::vector<std::string>& items, const std::string& stamp) {
         cCustKihonOther k;
-        EXPECT_TRUE(k.ReadXML(Document(ListPayload("Other", 7, stamp, items))));
+        EXPECT_TRUE(k.ReadXML(Document(ListPayload("OtherData", 7, stamp, items))));
         return k;
     }
 
-    std::string db_;
-    std::shared_ptr<FixedClock> clock_;
 };
 
 TEST_F(OtherTest, DownloadWritesNoPositionAndTheDatesCompareToTheSecond) {
     cCustKihonOther none;
     EXPECT_FALSE(none.ReadXML(
-        Document(ListPayload("Other", 7, "2024/05/01 10:00:00", {OtherItem(1, {}, {"other"})}))));
+        Document(ListPayload("OtherData", 7, "2024/05/01 10:00:00", {OtherItem(1, {}, {"other"})}))));
     ASSERT_EQ(Read({OtherItem(1), OtherItem(2, {{"RegDate", "unknown"}})}, "2024/05/01 10:00:00")
                   .SyncDownload(db_, 7),
               1);
@@ -50,7 +42,7 @@ TEST_F(OtherTest, DownloadWritesNoPositionAndTheDatesCompareToTheSecond) {
               (std::vector<std::string>{
                   "1|7|<null>|other1.pdf|2024/04/01 10:00:00|2024/04/02 11:30:15|note",
                   "2|7|<null>|other2.pdf|<null>|2024/04/02 11:30:15|note"}));
-    clock_->Set(DateValue::FromCivil({2024, 6, 1, 10, 0, 0}));
+    At(10);
     const std::string later = "2024/06/01 09:30:00";
     // The server's date without seconds and the local one are the same moment.
     EXPECT_EQ(Read({OtherItem(1, {{"RegDate", "2024/04/01 10:00:00"}}),
@@ -61,7 +53,7 @@ TEST_F(OtherTest, DownloadWritesNoPositionAndTheDatesCompareToTheSecond) {
     EXPECT_EQ(Read({OtherItem(1), OtherItem(2, {{"RegDate", ""}})}, later).CompareLocalDB(db_, 7),
               0);
     // Agreed and stamped; a second more on the server later is a difference.
-    clock_->Set(DateValue::FromCivil({2024, 6, 1, 11, 0, 0}));
+    At(11);
     EXPECT_EQ(Read({OtherItem(1, {{"UpdateDate", "2024/04/02 11:30:16"}}),
                     OtherItem(2, {{"RegDate", ""}})},
                    "2024/06/01 10:30:00")

@@ -29,14 +29,6 @@ protected:
         fs::create_directories(temp_.Path() / "tmp");
     }
 
-    static void CreateCustomer(std::int32_t custId) {
-        std::string create = LowerCustomerBody(custId);
-        AppendField(create, "Code", "C" + std::to_string(custId));
-        AppendField(create, "CorpName0", "梅田建設株式会社");
-        AppendField(create, "CorpKanaS", "ｳﾒﾀﾞ");
-        AppendField(create, "CorpKana0", "ｳﾒﾀﾞ");
-        ASSERT_NE(SendRequest(page::kCreateCompKihon, create), "");
-    }
     static std::string Read(const fs::path& path) {
         std::ifstream in(path, std::ios::binary);
         return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};

@@ -22,7 +22,7 @@ namespace {
 
 const OfficeServerTest::CustomerKind kRendo{"linkage info", &ctrlMorvane::CompareCustomerRendoInfo,
                                             &ctrlMorvane::SyncDownloadCustomerRendoInfo,
-                                            &ctrlMorvane::SyncUploadCustomerRendoInfo};
+                                            &ctrlMorvane::SyncUploadCustomerRendoInfo, -1};
 
 // The four kinds' tables, in flag order.
 const char* const kTables[] = {"tCustomer", "tCustomerGyoshu", "tCustomerMeibo",

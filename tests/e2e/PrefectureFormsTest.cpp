@@ -27,14 +27,8 @@ protected:
 
     // The office's prefcustom.dat.
     std::string UseOffice(const std::string& name) {
-        OfficeServerTest::UseOffice(name);
-        return CreateLocalDatabases(temp_.Path() / name / "db", {}).prefcustom.string();
-    }
-
-    void CreateCustomer() {
-        std::string create = LowerCustomerBody(kCustomer);
-        AppendField(create, "Code", "C4");
-        ASSERT_NE(SendRequest(page::kCreateCompKihon, create), "");
+        return (std::filesystem::path(UseOfficeDb(name)).parent_path() / kPrefCustomDatabaseName)
+            .string();
     }
 
     // The server's machine makers of one data file's list, in its order.
@@ -50,10 +44,6 @@ protected:
             makers.push_back(reply.substr(from, reply.find("</Maker>", from) - from));
         }
         return makers;
-    }
-
-    void NoBoxes() {
-        for (const auto& box : kit_->Boxes()) ADD_FAILURE() << box.title << ": " << box.text;
     }
 };
 
@@ -77,7 +67,7 @@ TEST_F(PrefectureFormsTest, TheDelegationFormTravelsFromOneOfficeToTheOther) {
         "(3, 4, 0, 3, '変更届', 'd0', 'd1', 'd2', 'd3', '2024-05-01 10:00:00');");
     ctrlMorvane a;
     ASSERT_TRUE(DoLogin("u1", "secret-1", kContract));
-    CreateCustomer();
+    CreateCustomer(kCustomer);
     EXPECT_EQ(a.CompareP99Inin(dbA, kCustomer, 0, true), 2) << "the server has no form yet";
     ASSERT_EQ(a.SyncUploadP99Inin(dbA, kCustomer, 0, true), 1);
     EXPECT_EQ(a.CompareP99Inin(dbA, kCustomer, 0, true), 0);
@@ -121,7 +111,7 @@ TEST_F(PrefectureFormsTest, MachineryListsAreKeptPerDataFileAndAnEmptiedListEmpt
         "(3, 4, 0, NULL, 5, '1', 'Y1'), (4, 4, 0, 2.5, NULL, '1', 'half');");
     ctrlMorvane a;
     ASSERT_TRUE(DoLogin("u1", "secret-1", kContract));
-    CreateCustomer();
+    CreateCustomer(kCustomer);
     ASSERT_EQ(a.SyncUploadP99KikaiIchiran(db, kCustomer, 5, true), 1);
     ASSERT_EQ(a.SyncUploadP99KikaiIchiran(db, kCustomer, 5, false), 1);
     ASSERT_EQ(a.SyncUploadP99KikaiIchiran(db, kCustomer, 2.5, true), 1);

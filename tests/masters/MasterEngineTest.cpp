@@ -26,8 +26,6 @@ protected:
     }
 
     TempDir temp_;
-    std::string db_;
-    std::shared_ptr<FixedClock> clock_;
 };
 
 TEST_F(MasterEngineTest, TheReplyHasNoCustomerAndMustBeWhole) {

@@ -8,21 +8,18 @@
 #include "masters/cMastNyusatsukikan.h"
 #include "masters/cMastUserStaff.h"
 #include "session/ctrlMorvane.h"
-#include "support/MorvaneTest.h"
 #include "transport/mdlServerConst.h"
 
 namespace morvane::test {
 namespace {
 
-class MasterMembersTest : public MorvaneTest {
+class MasterMembersTest : public RecordDbTest {
 protected:
     void SetUp() override {
-        MorvaneTest::SetUp();
-        db_ = EmptyMasterDb(temp_.Path() / "db", clock_);
+        RecordDbTest::SetUp();
+        db_ = paths_.master.string();
     }
 
-    std::string db_;
-    std::shared_ptr<FixedClock> clock_;
 };
 
 std::vector<std::pair<std::string, std::string>> StaffTags(int id, const std::string& pw) {
@@ -37,27 +34,6 @@ std::vector<std::pair<std::string, std::string>> StaffTags(int id, const std::st
             {"Flag", "1"}};
 }
 
-TEST_F(MasterMembersTest, CompareKeepsTheListForTheDownloadAndSendsNoCustomer) {
-    ctrlMorvane obj;
-    LogIn();
-    server_->On(
-        std::string(page::kGetKessanTaioh),
-        Envelope(1, "T2",
-                 MasterPayload("KessanTaioh", "2024/05/01 10:00:00",
-                               {TaiohItem(5, "済", "1", "1"), TaiohItem(6, "未", "0", "2")})));
-    EXPECT_EQ(obj.CompareMasterKessanTaioh(db_), 1);
-    const auto gets = server_->RequestsTo(std::string(page::kGetKessanTaioh));
-    ASSERT_EQ(gets.size(), 1u);
-    EXPECT_EQ(gets[0].body, "ID=user1&token=T1&");
-    EXPECT_EQ(obj.SyncDownloadMasterKessanTaioh(db_), 1);
-    EXPECT_EQ(server_->RequestsTo(std::string(page::kGetKessanTaioh)).size(), 1u);
-    EXPECT_EQ(Rows(db_, "SELECT ID, Taioh, Flag, vno FROM tKessanTaioh ORDER BY ID"),
-              (std::vector<std::string>{"1|済|1|1", "2|未|0|2"}));
-    // The slot was emptied: a second download does nothing under option 0.
-    Sql(db_, "DELETE FROM tKessanTaioh;");
-    EXPECT_EQ(obj.SyncDownloadMasterKessanTaioh(db_), 1);
-    EXPECT_TRUE(Rows(db_, "SELECT ID FROM tKessanTaioh").empty());
-}
 
 TEST_F(MasterMembersTest, UploadSendsEveryRowWithPositionsAndNothingForAnEmptyTable) {
     ctrlMorvane obj;

@@ -6,7 +6,6 @@
 #include "PrefCustTestUtil.h"
 #include "session/DispatchTable.h"
 #include "session/ctrlMorvane.h"
-#include "support/MorvaneTest.h"
 
 namespace morvane::test {
 namespace {
@@ -34,11 +33,11 @@ constexpr const char* kForm =
     "'2024-04-01 00:00:00'), "
     "(12, 7, 1, 3, 'gone', '', '', '', '', NULL, NULL);";
 
-class IninTest : public MorvaneTest {
+class IninTest : public RecordDbTest {
 protected:
     void SetUp() override {
-        MorvaneTest::SetUp();
-        db_ = EmptyPrefCustomDb(temp_.Path() / "db", clock_);
+        RecordDbTest::SetUp();
+        db_ = paths_.prefcustom.string();
     }
 
     // The server's form: the main item and the two sub items kForm holds.
@@ -46,16 +45,14 @@ protected:
                    std::vector<std::string> subs = {IninSubItem(1, 1, "A"),
                                                     IninSubItem(2, 2, "B")}) {
         server_->On(kGetMain,
-                    Envelope(1, "T2", FormListPayload("IninMain", 7, kServerStamp, {mainItem})));
-        server_->On(kGetSub, Envelope(1, "T3", FormListPayload("IninSub", 7, kServerStamp, subs)));
+                    Envelope(1, "T2", ListPayload("IninMain", 7, kServerStamp, {mainItem})));
+        server_->On(kGetSub, Envelope(1, "T3", ListPayload("IninSub", 7, kServerStamp, subs)));
     }
 
     std::string Stamp(const std::string& table, int id) {
         return One(db_, "SELECT InetCheckDate FROM " + table + " WHERE id = " + std::to_string(id));
     }
 
-    std::string db_;
-    std::shared_ptr<FixedClock> clock_;
 };
 
 TEST_F(IninTest, UploadSendsTheOldestMainRowThenEveryLiveSubRow) {
@@ -196,12 +193,12 @@ TEST_F(IninTest, CompareAsksBothPagesAndAnIncompleteSubListLeavesNothingToDownlo
     LogIn();
     Sql(db_, kForm);
     server_->On(kGetMain, Envelope(1, "T2",
-                                   FormListPayload("IninMain", 7, kServerStamp,
+                                   ListPayload("IninMain", 7, kServerStamp,
                                                    {IninMainItem(4, "new", "1")})));
     // Three announced, two sent.
     server_->On(kGetSub,
                 Envelope(1, "T3",
-                         FormListPayload("IninSub", 7, kServerStamp,
+                         ListPayload("IninSub", 7, kServerStamp,
                                          {IninSubItem(1, 1, "A"), IninSubItem(2, 2, "B")}, 3)));
     EXPECT_EQ(obj.CompareP99Inin(db_, 7, 0, true), 0);
     ASSERT_EQ(server_->RequestsTo(kGetMain).size(), 1u);

@@ -4,7 +4,6 @@
 
 #include "PrefCustTestUtil.h"
 #include "session/ctrlMorvane.h"
-#include "support/MorvaneTest.h"
 
 namespace morvane::test {
 namespace {
@@ -51,16 +50,14 @@ std::string ValueOf(const std::string& body, const std::string& key) {
     return body.substr(from, body.find('&', from) - from);
 }
 
-class KikaiIchiranTest : public MorvaneTest {
+class KikaiIchiranTest : public RecordDbTest {
 protected:
     void SetUp() override {
-        MorvaneTest::SetUp();
-        db_ = EmptyPrefCustomDb(temp_.Path() / "db", clock_);
+        RecordDbTest::SetUp();
+        db_ = paths_.prefcustom.string();
         Sql(db_, kLists);
     }
 
-    std::string db_;
-    std::shared_ptr<FixedClock> clock_;
 };
 
 TEST_F(KikaiIchiranTest, UploadSendsTheMainRowThenTheMachinesByPositionInTheirKeyOrder) {

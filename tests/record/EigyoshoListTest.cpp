@@ -2,15 +2,13 @@
 // customer's own rows rewritten with a number one ahead of the position.
 #include <gtest/gtest.h>
 
-#include "CustListTestUtil.h"
+#include "KihonTestUtil.h"
 #include "record/cCustKihon.h"
 #include "session/ctrlMorvane.h"
-#include "support/MorvaneTest.h"
 
 namespace morvane::test {
 namespace {
 
-const std::string kGet = "customer/getEigyosho.php";
 const std::string kSet = "customer/setEigyosho.php";
 
 std::string Office(int id, const std::map<std::string, std::string>& changed = {},
@@ -31,24 +29,15 @@ std::string Office(int id, const std::map<std::string, std::string>& changed = {
               {"Tel3", "2222"},
               {"Gyosyu", "1\t2\t3"}};
     for (int i = 0; i <= 10; ++i) tags.push_back({"Reserved" + std::to_string(i), ""});
-    return ListItemXml("EigyoshoItem", tags, changed, leftOut);
+    return ItemXml("EigyoshoItem", tags, changed, leftOut);
 }
 
 std::string Reply(const std::vector<std::string>& items,
                   const std::string& stamp = "2024/05/01 10:00:00") {
-    return Document(CustListPayload("Eigyosho", 7, stamp, items));
+    return Document(ListPayload("Eigyosho", 7, stamp, items));
 }
 
-class EigyoshoListTest : public MorvaneTest {
-protected:
-    void SetUp() override {
-        MorvaneTest::SetUp();
-        db_ = EmptyCustomerDb(temp_.Path() / "db", clock_).string();
-    }
-
-    std::string db_;
-    std::shared_ptr<FixedClock> clock_;
-};
+using EigyoshoListTest = RecordDbTest;
 
 TEST_F(EigyoshoListTest, ReaderTakesAnyNumberButZeroAsAMarkAndSplitsTheTrades) {
     std::string forty;
@@ -146,20 +135,6 @@ TEST_F(EigyoshoListTest, UploadSendsFixedMarksAndThePosition) {
     EXPECT_NE(second.find("&Reserved10=r&10&vno=2&"), std::string::npos);
 }
 
-TEST_F(EigyoshoListTest, MembersCompareKeepAndDownloadThroughTheRecordSlot) {
-    ctrlMorvane obj;
-    LogIn();
-    server_->On(kGet, Envelope(1, "T2",
-                               CustListPayload("Eigyosho", 7, "2024/05/01 10:00:00",
-                                               {Office(10), Office(11)})));
-    EXPECT_EQ(obj.CompareCustomerEigyoshoList(db_, 7), 1);
-    EXPECT_EQ(obj.SyncDownloadCustomerEigyoshoList(db_, 7), 1);
-    EXPECT_EQ(server_->RequestsTo(kGet).size(), 2u);
-    EXPECT_EQ(Rows(db_, "SELECT vno, No, Name FROM tCustomerEigyosyo ORDER BY id"),
-              (std::vector<std::string>{"1|2|office 10", "2|3|office 11"}));
-    EXPECT_EQ(obj.CompareCustomerEigyoshoList(db_, 7), 0);
-    EXPECT_TRUE(kit_->Boxes().empty());
-}
 
 }  // namespace
 }  // namespace morvane::test

@@ -2,7 +2,6 @@
 // the trades tests.
 #pragma once
 
-#include <algorithm>
 #include <filesystem>
 #include <string>
 
@@ -35,15 +34,6 @@ inline Tags GridTags() {
     Tags tags;
     for (int n = 1; n <= 31; ++n) tags.push_back({"EPmtCheck" + std::to_string(n), CheckOf(n)});
     for (int n = 1; n <= 31; ++n) tags.push_back({"EPmtDate" + std::to_string(n), DateOf(n)});
-    return tags;
-}
-
-// The tags with some replaced (an empty text for a tag of `drop` leaves it out).
-inline Tags With(Tags tags, const Tags& changes, const std::string& drop = {}) {
-    for (const auto& [tag, text] : changes)
-        for (auto& t : tags)
-            if (t.first == tag) t.second = text;
-    if (!drop.empty()) std::erase_if(tags, [&](const auto& t) { return t.first == drop; });
     return tags;
 }
 

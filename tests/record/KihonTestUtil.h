@@ -1,9 +1,12 @@
-// Replies of the customer record pages, a customer database with one tCustomer row, and a
-// clock that stands still, for the record tests.
+// Replies of the record, list and master pages built tag by tag, and the fixture of the tests
+// that run a worker on real local databases under a clock that stands still.
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
+#include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -12,6 +15,7 @@
 #include "session/ProcessState.h"
 #include "store/LocalDatabases.h"
 #include "store/StoreTestUtil.h"
+#include "support/MorvaneTest.h"
 
 namespace morvane::test {
 
@@ -19,21 +23,20 @@ using Tags = std::vector<std::pair<std::string, std::string>>;
 
 // The 15 tags a main read requires, with plain values.
 inline Tags RequiredTags() {
-    return {{"AcDate", "3月31日"},
-            {"ZipCode0", "100"},
-            {"ZipCode1", "0001"},
-            {"Addr0", "東京都"},
-            {"addr1", "千代田区"},
-            {"Addr2", "一番町1"},
-            {"CorpName0", "株式会社一"},
-            {"ApfName0", "一 太郎"},
-            {"Tel0", "03"},
-            {"TEL1", "1111"},
-            {"TEL2", "2222"},
-            {"Fax0", "03"},
-            {"FAX1", "3333"},
-            {"FAX2", "4444"},
-            {"ExOther17", "5"}};
+    return {{"AcDate", "3月31日"}, {"ZipCode0", "100"},     {"ZipCode1", "0001"},
+            {"Addr0", "東京都"},   {"addr1", "千代田区"},   {"Addr2", "一番町1"},
+            {"CorpName0", "株式会社一"}, {"ApfName0", "一 太郎"}, {"Tel0", "03"},
+            {"TEL1", "1111"},      {"TEL2", "2222"},        {"Fax0", "03"},
+            {"FAX1", "3333"},      {"FAX2", "4444"},        {"ExOther17", "5"}};
+}
+
+// The tags with some replaced (an empty text for a tag of `drop` leaves it out).
+inline Tags With(Tags tags, const Tags& changes, const std::string& drop = {}) {
+    for (const auto& [tag, text] : changes)
+        for (auto& t : tags)
+            if (t.first == tag) t.second = text;
+    if (!drop.empty()) std::erase_if(tags, [&](const auto& t) { return t.first == drop; });
+    return tags;
 }
 
 inline std::string Elements(const Tags& tags) {
@@ -54,6 +57,36 @@ inline std::string Document(const std::string& payload) {
     return "<?xml version=\"1.0\" encoding=\"UTF-8\"?><reply>" + payload + "</reply>";
 }
 
+// One item element: every tag with its value, in order, less the tags left out.
+inline std::string ItemXml(const std::string& itemTag, const Tags& tags,
+                           const std::map<std::string, std::string>& changed = {},
+                           const std::set<std::string>& leftOut = {}) {
+    std::string out = "<" + itemTag + ">";
+    for (const auto& [tag, value] : tags) {
+        if (leftOut.count(tag)) continue;
+        const auto at = changed.find(tag);
+        out += "<" + tag + ">" + (at == changed.end() ? value : at->second) + "</" + tag + ">";
+    }
+    return out + "</" + itemTag + ">";
+}
+
+// "<Memo>List" with "<Memo>Count" (the items' number unless given), the stamp and the items.
+inline std::string ListXml(const std::string& stem, const std::string& stamp,
+                           const std::vector<std::string>& items, int count = -1) {
+    std::string out = "<" + stem + "List><" + stem + "Count>" +
+                      std::to_string(count < 0 ? static_cast<int>(items.size()) : count) + "</" +
+                      stem + "Count><RecordUpdate>" + stamp + "</RecordUpdate>";
+    for (const auto& item : items) out += item;
+    return out + "</" + stem + "List>";
+}
+
+// The Customer payload of a list reply.
+inline std::string ListPayload(const std::string& stem, int custId, const std::string& stamp,
+                               const std::vector<std::string>& items, int count = -1) {
+    return "<Customer><CustomerID>" + std::to_string(custId) + "</CustomerID>" +
+           ListXml(stem, stamp, items, count) + "</Customer>";
+}
+
 class FixedClock final : public platform::Clock {
 public:
     explicit FixedClock(DateValue now) : now_(now) {}
@@ -64,12 +97,23 @@ private:
     DateValue now_;
 };
 
-// An empty customer database in the folder, with the clock fixed at 2024/06/01 09:00:00.
-inline std::filesystem::path EmptyCustomerDb(const std::filesystem::path& folder,
-                                             std::shared_ptr<FixedClock>& clock) {
-    clock = std::make_shared<FixedClock>(DateValue::FromCivil({2024, 6, 1, 9, 0, 0}));
-    State().SetClock(clock);
-    return CreateLocalDatabases(folder, {}).customer;
-}
+// Empty local databases in the test's folder, with the clock fixed at 2024/06/01 09:00:00;
+// `db_` is the customer database.
+class RecordDbTest : public MorvaneTest {
+protected:
+    void SetUp() override {
+        MorvaneTest::SetUp();
+        clock_ = std::make_shared<FixedClock>(DateValue::FromCivil({2024, 6, 1, 9, 0, 0}));
+        State().SetClock(clock_);
+        paths_ = CreateLocalDatabases(temp_.Path() / "db", {});
+        db_ = paths_.customer.string();
+    }
+    // Moves the clock to the hour of 2024/06/01.
+    void At(int hour) { clock_->Set(DateValue::FromCivil({2024, 6, 1, hour, 0, 0})); }
+
+    LocalDatabasePaths paths_;
+    std::string db_;
+    std::shared_ptr<FixedClock> clock_;
+};
 
 }  // namespace morvane::test

@@ -2,20 +2,18 @@
 // free rows, and the walk in id order.
 #include <gtest/gtest.h>
 
-#include "CustListTestUtil.h"
+#include "KihonTestUtil.h"
 #include "record/cCustKihon.h"
 #include "session/ctrlMorvane.h"
-#include "support/MorvaneTest.h"
 
 namespace morvane::test {
 namespace {
 
-const std::string kGet = "customer/getMemo.php";
 const std::string kSet = "customer/setMemo.php";
 
 std::string MemoItem(int id, const std::map<std::string, std::string>& changed = {},
                      const std::set<std::string>& leftOut = {}) {
-    return ListItemXml("MemoItem",
+    return ItemXml("MemoItem",
                        {{"MemoItemID", std::to_string(id)},
                         {"History", "note " + std::to_string(id)},
                         {"RegDate", "2024/04/01 10:00:00"},
@@ -26,20 +24,13 @@ std::string MemoItem(int id, const std::map<std::string, std::string>& changed =
                        changed, leftOut);
 }
 
-class MemoListTest : public MorvaneTest {
+class MemoListTest : public RecordDbTest {
 protected:
-    void SetUp() override {
-        MorvaneTest::SetUp();
-        db_ = EmptyCustomerDb(temp_.Path() / "db", clock_).string();
-    }
-
     std::string Reply(const std::vector<std::string>& items,
                       const std::string& stamp = "2024/05/01 10:00:00") {
-        return Document(CustListPayload("Memo", 7, stamp, items));
+        return Document(ListPayload("Memo", 7, stamp, items));
     }
 
-    std::string db_;
-    std::shared_ptr<FixedClock> clock_;
 };
 
 TEST_F(MemoListTest, OtherTextsAreOptionalButEveryFlaggedTagIsNot) {
@@ -96,7 +87,7 @@ TEST_F(MemoListTest, RowsAreWalkedInIdOrderAndAgreementStampsThem) {
               "2024/06/01 9:00:00");
 
     ASSERT_TRUE(k.ReadXMLMemo(Reply({MemoItem(2), MemoItem(1)}, "2024/06/01 09:30:00")));
-    clock_->Set(DateValue::FromCivil({2024, 6, 1, 10, 0, 0}));
+    At(10);
     EXPECT_NE(k.CompareLocalDBMemo(db_, 7), 0);
 }
 
@@ -126,21 +117,6 @@ TEST_F(MemoListTest, UploadSendsOnePostAMemoAndNothingWithoutRows) {
     EXPECT_TRUE(server_->Requests().empty());
 }
 
-TEST_F(MemoListTest, DownloadAlwaysFetchesAndNeedsTheLogin) {
-    ctrlMorvane obj;
-    EXPECT_EQ(obj.SyncDownloadCustomerMemoList(db_, 7), 0);  // not logged in: nothing sent
-    EXPECT_TRUE(server_->Requests().empty());
-    LogIn();
-    server_->On(
-        kGet, Envelope(1, "T2", CustListPayload("Memo", 7, "2024/05/01 10:00:00", {MemoItem(10)})));
-    EXPECT_EQ(obj.CompareCustomerMemoList(db_, 7), 1);
-    EXPECT_EQ(server_->RequestsTo(kGet)[0].body, "ID=user1&token=T1&CustomerID=7&");
-    EXPECT_EQ(obj.SyncDownloadCustomerMemoList(db_, 7), 1);
-    EXPECT_EQ(server_->RequestsTo(kGet).size(), 2u);  // fetched again, not taken from the slot
-    EXPECT_EQ(One(db_, "SELECT History FROM tCustomerHistory WHERE CustomerID = 7"), "note 10");
-    EXPECT_EQ(obj.CompareCustomerMemoList(db_, 7), 0);
-    EXPECT_TRUE(kit_->Boxes().empty());
-}
 
 }  // namespace
 }  // namespace morvane::test

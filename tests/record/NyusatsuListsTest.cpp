@@ -2,10 +2,9 @@
 // list on recycled rows; and the fold of the linkage comparison's four results.
 #include <gtest/gtest.h>
 
-#include "CustListTestUtil.h"
+#include "KihonTestUtil.h"
 #include "record/cCustKihon.h"
 #include "session/ctrlMorvane.h"
-#include "support/MorvaneTest.h"
 
 namespace morvane::test {
 namespace {
@@ -23,12 +22,12 @@ std::string KikanItem(int id, int localIndex, const std::string& name,
               {"Kubun", "1"}};
     for (int n = 1; n <= 10; ++n)
         tags.emplace_back("Nendo" + std::to_string(n), n == 1 ? "R6" : "");
-    return ListItemXml("NyusatsuKikanItem", tags, changed, leftOut);
+    return ItemXml("NyusatsuKikanItem", tags, changed, leftOut);
 }
 
 std::string SankaItem(int id, const std::string& code,
                       const std::map<std::string, std::string>& changed = {}) {
-    return ListItemXml("NyusatsuSankaItem",
+    return ItemXml("NyusatsuSankaItem",
                        {{"NyusatsuSankaItemID", std::to_string(id)},
                         {"KikanCode", code},
                         {"Effective", "1"},
@@ -47,16 +46,11 @@ std::vector<std::string> Agencies(int n) {
     return items;
 }
 
-class NyusatsuListsTest : public MorvaneTest {
+class NyusatsuListsTest : public RecordDbTest {
 protected:
-    void SetUp() override {
-        MorvaneTest::SetUp();
-        db_ = EmptyCustomerDb(temp_.Path() / "db", clock_).string();
-    }
-
     std::string Reply(const std::string& stem, const std::vector<std::string>& items,
                       const std::string& stamp = "2024/05/01 10:00:00") {
-        return Document(CustListPayload(stem, 7, stamp, items));
+        return Document(ListPayload(stem, 7, stamp, items));
     }
     // Reads the agencies and writes them for customer 7.
     void DownloadAgencies(const std::vector<std::string>& items) {
@@ -68,8 +62,6 @@ protected:
         return One(db_, "SELECT COUNT(*) FROM tCustomerNyusatsuKanri WHERE " + where);
     }
 
-    std::string db_;
-    std::shared_ptr<FixedClock> clock_;
 };
 
 TEST_F(NyusatsuListsTest, AnAgencyItemNeedsAllFourteenTags) {
@@ -110,7 +102,7 @@ TEST_F(NyusatsuListsTest, FirstDownloadMakesTheWholeGridAndLaterOnesKeepItWholeA
     cCustKihon k;
     ASSERT_TRUE(k.ReadXMLNyusatuKikan(
         Reply("NyusatsuKikan", {KikanItem(4, 3, "D")}, "2024/06/01 09:30:00")));
-    clock_->Set(DateValue::FromCivil({2024, 6, 1, 10, 0, 0}));
+    At(10);
     EXPECT_NE(k.CompareLocalDBNyusatsuKikan(db_, 7), 0);
 }
 
@@ -147,7 +139,7 @@ TEST_F(NyusatsuListsTest, BlankRowsAreInvisibleToTheComparison) {
     auto four = three;
     four.push_back(KikanItem(4, 100, "A100"));
     ASSERT_TRUE(k.ReadXMLNyusatuKikan(Reply("NyusatsuKikan", four, "2024/06/01 09:30:00")));
-    clock_->Set(DateValue::FromCivil({2024, 6, 1, 10, 0, 0}));
+    At(10);
     EXPECT_EQ(k.CompareLocalDBNyusatsuKikan(db_, 7), 1);
 }
 
@@ -235,7 +227,7 @@ TEST_F(NyusatsuListsTest, EntriesCompareAgencyEffectAndReservationOnly) {
         Reply("NyusatsuSanka",
               {SankaItem(9, "K1"), SankaItem(8, "K2", {{"Effective", "0"}, {"Reservation", "1"}})},
               "2024/06/01 09:30:00")));
-    clock_->Set(DateValue::FromCivil({2024, 6, 1, 10, 0, 0}));
+    At(10);
     EXPECT_EQ(k.CompareLocalDBNyusatsuSanka(db_, 7), 1);
 }
 

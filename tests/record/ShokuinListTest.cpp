@@ -2,10 +2,9 @@
 // the body with the position before the Sennin keys.
 #include <gtest/gtest.h>
 
-#include "CustListTestUtil.h"
+#include "KihonTestUtil.h"
 #include "record/cCustKihon.h"
 #include "session/ctrlMorvane.h"
-#include "support/MorvaneTest.h"
 
 namespace morvane::test {
 namespace {
@@ -45,24 +44,15 @@ Tags PersonTags(int id) {
 
 std::string Person(int id, const std::map<std::string, std::string>& changed = {},
                    const std::set<std::string>& leftOut = {}) {
-    return ListItemXml("ShokuinItem", PersonTags(id), changed, leftOut);
+    return ItemXml("ShokuinItem", PersonTags(id), changed, leftOut);
 }
 
 std::string Reply(const std::vector<std::string>& items,
                   const std::string& stamp = "2024/05/01 10:00:00") {
-    return Document(CustListPayload("Shokuin", 7, stamp, items));
+    return Document(ListPayload("Shokuin", 7, stamp, items));
 }
 
-class ShokuinListTest : public MorvaneTest {
-protected:
-    void SetUp() override {
-        MorvaneTest::SetUp();
-        db_ = EmptyCustomerDb(temp_.Path() / "db", clock_).string();
-    }
-
-    std::string db_;
-    std::shared_ptr<FixedClock> clock_;
-};
+using ShokuinListTest = RecordDbTest;
 
 TEST_F(ShokuinListTest, EitherTagOfASharedFlagKeepsThePerson) {
     cCustKihon k;
@@ -106,13 +96,13 @@ TEST_F(ShokuinListTest, DownloadThenCompareAgreesAndReadingsCompareWide) {
                                         "2|8|1|<null>|<null>|<null>",
                                         "3|7|2|S11|非常勤|123" + std::string(28, '0')}));
     // A later reply whose readings are full width is the same list.
-    clock_->Set(DateValue::FromCivil({2024, 6, 1, 10, 0, 0}));
+    At(10);
     ASSERT_TRUE(k.ReadXMLShokuin(Reply({Person(10, {{"FName1", "ヤマダ"}}),
                                         Person(11, {{"Jokin", "非常勤"}, {"FName2", "タロウ"}})},
                                        "2024/06/01 09:30:00")));
     EXPECT_EQ(k.CompareLocalDBShokuin(db_, 7), 0);
     // The same people in another order differ.
-    clock_->Set(DateValue::FromCivil({2024, 6, 1, 11, 0, 0}));
+    At(11);
     ASSERT_TRUE(k.ReadXMLShokuin(
         Reply({Person(11, {{"Jokin", "非常勤"}}), Person(10)}, "2024/06/01 10:30:00")));
     EXPECT_NE(k.CompareLocalDBShokuin(db_, 7), 0);
