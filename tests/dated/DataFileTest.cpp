@@ -365,6 +365,5 @@ TEST_F(DataFileTest, DeleteAndRenameGoOutOnlyWhenTheLocalChangeIsThere) {
     EXPECT_EQ(m.SyncDeleteCustomerKyokaFile(7, gone, nullptr), 0);
 }
 
-
 }  // namespace
 }  // namespace morvane::test

@@ -50,8 +50,8 @@ TEST_F(KessanReaderTest, OneItemShortOfATagFailsTheWholeReply) {
 TEST_F(KessanReaderTest, TheCountTheStampAndTheCustomerDecideTheReply) {
     cCustKessan k;
     // A count that the items do not reach.
-    EXPECT_FALSE(
-        k.ReadXML(Document(ListPayload("KessanData", 7, "2024/05/01 10:00:00", {KessanItem(5)}, 2))));
+    EXPECT_FALSE(k.ReadXML(
+        Document(ListPayload("KessanData", 7, "2024/05/01 10:00:00", {KessanItem(5)}, 2))));
     // A stamp that is no date reads as empty and the reply stands.
     ASSERT_TRUE(k.ReadXML(Document(ListPayload("KessanData", 7, "later", {KessanItem(5)}))));
     EXPECT_EQ(k.RecordUpdate(), "");

@@ -20,7 +20,6 @@ protected:
     std::vector<std::string> Table(const std::string& columns) {
         return Rows(db_, "SELECT " + columns + " FROM " + kTable + " ORDER BY id");
     }
-
 };
 
 TEST_F(KessanRowsTest, DownloadTakesFreeRowsOfAnyCustomerAndKeepsTheirLinkOnZero) {

@@ -27,7 +27,6 @@ protected:
         return One(db_, "SELECT " + column +
                             " FROM tCustomerKessanHistory WHERE id = " + std::to_string(id));
     }
-
 };
 
 TEST_F(KessanSyncTest, UploadSendsEachLiveRowAndClearsTheServerListWithTheFirst) {
@@ -89,13 +88,12 @@ TEST_F(KessanSyncTest, UploadStopsAtTheFirstFailedPostAndSendsNothingWithoutRows
     EXPECT_TRUE(server_->Requests().empty());
 }
 
-
-
 TEST_F(KessanSyncTest, UnderTheUsageOptionTheDownloadFetchesForItself) {
     ctrlMorvane obj;
     LogIn();
-    server_->On(kGet, Envelope(1, "T2",
-                               ListPayload("KessanData", 7, "2024/05/01 10:00:00", {KessanItem(100)})));
+    server_->On(
+        kGet,
+        Envelope(1, "T2", ListPayload("KessanData", 7, "2024/05/01 10:00:00", {KessanItem(100)})));
     EXPECT_EQ(obj.SyncDownloadCustomerKessanList(db_, 7), 1);  // option 0: nothing fetched
     EXPECT_TRUE(server_->Requests().empty());
     obj.setObjectUsage(1);

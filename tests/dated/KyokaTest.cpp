@@ -10,19 +10,13 @@ namespace morvane::test {
 namespace {
 
 std::string KyokaItem(int id, const std::map<std::string, std::string>& changed = {}) {
-    return ItemXml("KyokaDataItem",
-                   {{"KyokaDataItemID", std::to_string(id)},
-                    {"other", "permit" + std::to_string(id)},
-                    {"PApDate", "2024/04/01"},
-                    {"AcPeriod", "3"},
-                    {"AcDateS", "2023/04/01"},
-                    {"AcDateE", "2024/03/31"},
-                    {"DataFile", "kyoka" + std::to_string(id) + ".dat"},
-                    {"CheckSync", "1"},
-                    {"DefaultUse", "0"},
-                    {"Ver511HideFlag", "0"},
-                    {"DataFileID", "0"}},
-                   changed);
+    return ItemXml(
+        "KyokaDataItem",
+        TagsOf("KyokaDataItemID=" + std::to_string(id) + "|other=permit" + std::to_string(id) +
+               "|PApDate=2024/04/01|AcPeriod=3|AcDateS=2023/04/01|AcDateE=2024/03/31|"
+               "DataFile=kyoka" +
+               std::to_string(id) + ".dat|CheckSync=1|DefaultUse=0|Ver511HideFlag=0|DataFileID=0"),
+        changed);
 }
 
 class KyokaTest : public RecordDbTest {
@@ -32,7 +26,6 @@ protected:
         EXPECT_TRUE(k.ReadXML(Document(ListPayload("KyokaData", 7, stamp, items))));
         return k;
     }
-
 };
 
 TEST_F(KyokaTest, HiddenRowsKeepTheirPlaceCountAndAreNotSent) {

@@ -10,13 +10,11 @@ namespace {
 
 std::string OtherItem(int id, const std::map<std::string, std::string>& changed = {},
                       const std::set<std::string>& leftOut = {}) {
-    return ItemXml("OtherDataItem",
-                   {{"OtherDataItemID", std::to_string(id)},
-                    {"DataFile", "other" + std::to_string(id) + ".pdf"},
-                    {"RegDate", "2024/04/01 10:00"},
-                    {"UpdateDate", "2024/04/02 11:30:15"},
-                    {"other", "note"}},
-                   changed, leftOut);
+    return ItemXml(
+        "OtherDataItem",
+        TagsOf("OtherDataItemID=" + std::to_string(id) + "|DataFile=other" + std::to_string(id) +
+               ".pdf|RegDate=2024/04/01 10:00|UpdateDate=2024/04/02 11:30:15|other=note"),
+        changed, leftOut);
 }
 
 class OtherTest : public RecordDbTest {
@@ -26,13 +24,12 @@ protected:
         EXPECT_TRUE(k.ReadXML(Document(ListPayload("OtherData", 7, stamp, items))));
         return k;
     }
-
 };
 
 TEST_F(OtherTest, DownloadWritesNoPositionAndTheDatesCompareToTheSecond) {
     cCustKihonOther none;
-    EXPECT_FALSE(none.ReadXML(
-        Document(ListPayload("OtherData", 7, "2024/05/01 10:00:00", {OtherItem(1, {}, {"other"})}))));
+    EXPECT_FALSE(none.ReadXML(Document(
+        ListPayload("OtherData", 7, "2024/05/01 10:00:00", {OtherItem(1, {}, {"other"})}))));
     ASSERT_EQ(Read({OtherItem(1), OtherItem(2, {{"RegDate", "unknown"}})}, "2024/05/01 10:00:00")
                   .SyncDownload(db_, 7),
               1);

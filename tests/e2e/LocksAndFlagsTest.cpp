@@ -30,7 +30,6 @@ protected:
         ASSERT_TRUE(DoLogin(user, password, kContract));
     }
 
-
     // Fires a lock form's timer n times, as the message loop would every minute.
     static void Tick(std::unique_ptr<forms::Form>& slot, int n) {
         ASSERT_NE(slot, nullptr);

@@ -41,10 +41,10 @@ const Kind kKihon{"customer record", &ctrlMorvane::CompareCustomerKihon,
 const Kind kGyoshu{"trades", &ctrlMorvane::CompareCustomerKihonGyosyu,
                    &ctrlMorvane::SyncDownloadCustomerKihonGyosyu,
                    &ctrlMorvane::SyncUploadCustomerKihonGyosyu, 2};
-#define LIST(name, member)                                                              \
-    Kind {                                                                              \
-        name, &ctrlMorvane::Compare##member, &ctrlMorvane::SyncDownload##member,        \
-            &ctrlMorvane::SyncUpload##member, -1                                        \
+#define LIST(name, member)                                                       \
+    Kind {                                                                       \
+        name, &ctrlMorvane::Compare##member, &ctrlMorvane::SyncDownload##member, \
+            &ctrlMorvane::SyncUpload##member, -1                                 \
     }
 
 // The bodies an upload of each live item would post, from the first key on: past the login
@@ -129,7 +129,8 @@ const Trip kTrips[] = {
       LIST("other records", CustomerOtherList)},
      {},
      // Dates the upload would otherwise fill with its own time are set.
-     "INSERT INTO tCustomerKessanHistory (id, CustomerID, disabled, vno, RecDate, ExDate, DataFile, "
+     "INSERT INTO tCustomerKessanHistory (id, CustomerID, disabled, vno, RecDate, ExDate, "
+     "DataFile, "
      "CheckEx, Other, CheckOther, OtherDate1, OtherDate2, RegDate, UpdateDate, other1, AcPeriod0, "
      "AcDateS0, CheckSync, ZaimuType0, CalcWay4, DefaultUse, ProfDate2, DataFileID) VALUES "
      "(1, 2, 0, 1, '2024-04-01 10:00:00', '2024-03-31 00:00:00', '決算&1.dat', 1, '<第1期>', "

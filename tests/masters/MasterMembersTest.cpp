@@ -19,21 +19,15 @@ protected:
         RecordDbTest::SetUp();
         db_ = paths_.master.string();
     }
-
 };
 
 std::vector<std::pair<std::string, std::string>> StaffTags(int id, const std::string& pw) {
-    return {{"UserStaffItemID", std::to_string(id)},
-            {"事務所職員コード", "S" + std::to_string(id)},
-            {"事務所職員名", "山田 太郎"},
-            {"郵便番号", "530-0001"},
-            {"住所", "大阪市北区"},
-            {"TEL", "06-1111-2222"},
-            {"FAX", ""},
-            {"パスワード", pw},
-            {"Flag", "1"}};
+    return TagsOf("UserStaffItemID=" + std::to_string(id) + "|事務所職員コード=S" +
+                  std::to_string(id) +
+                  "|事務所職員名=山田 太郎|郵便番号=530-0001|住所=大阪市北区|TEL=06-1111-2222|FAX=|"
+                  "パスワード=" +
+                  pw + "|Flag=1");
 }
-
 
 TEST_F(MasterMembersTest, UploadSendsEveryRowWithPositionsAndNothingForAnEmptyTable) {
     ctrlMorvane obj;

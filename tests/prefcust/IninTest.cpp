@@ -52,7 +52,6 @@ protected:
     std::string Stamp(const std::string& table, int id) {
         return One(db_, "SELECT InetCheckDate FROM " + table + " WHERE id = " + std::to_string(id));
     }
-
 };
 
 TEST_F(IninTest, UploadSendsTheOldestMainRowThenEveryLiveSubRow) {
@@ -192,14 +191,14 @@ TEST_F(IninTest, CompareAsksBothPagesAndAnIncompleteSubListLeavesNothingToDownlo
     ctrlMorvane obj;
     LogIn();
     Sql(db_, kForm);
-    server_->On(kGetMain, Envelope(1, "T2",
-                                   ListPayload("IninMain", 7, kServerStamp,
-                                                   {IninMainItem(4, "new", "1")})));
+    server_->On(
+        kGetMain,
+        Envelope(1, "T2", ListPayload("IninMain", 7, kServerStamp, {IninMainItem(4, "new", "1")})));
     // Three announced, two sent.
     server_->On(kGetSub,
                 Envelope(1, "T3",
                          ListPayload("IninSub", 7, kServerStamp,
-                                         {IninSubItem(1, 1, "A"), IninSubItem(2, 2, "B")}, 3)));
+                                     {IninSubItem(1, 1, "A"), IninSubItem(2, 2, "B")}, 3)));
     EXPECT_EQ(obj.CompareP99Inin(db_, 7, 0, true), 0);
     ASSERT_EQ(server_->RequestsTo(kGetMain).size(), 1u);
     EXPECT_EQ(server_->RequestsTo(kGetMain)[0].body, "ID=user1&token=T1&CustomerID=7&");

@@ -13,21 +13,10 @@ const std::string kSet = "customer/setEigyosho.php";
 
 std::string Office(int id, const std::map<std::string, std::string>& changed = {},
                    const std::set<std::string>& leftOut = {}) {
-    Tags tags{{"EigyoshoItemID", std::to_string(id)},
-              {"MainEigyo", "1"},
-              {"MainRendo", "0"},
-              {"Name", "office " + std::to_string(id)},
-              {"Kana", "ｵﾌｨｽ"},
-              {"S_Code", "13"},
-              {"PrefName", "東京都"},
-              {"CityName", "千代田区"},
-              {"Address", "一番町1"},
-              {"Yubin1", "100"},
-              {"Yubin2", "0001"},
-              {"Tel1", "03"},
-              {"Tel2", "1111"},
-              {"Tel3", "2222"},
-              {"Gyosyu", "1\t2\t3"}};
+    Tags tags = TagsOf("EigyoshoItemID=" + std::to_string(id) +
+                       "|MainEigyo=1|MainRendo=0|Name=office " + std::to_string(id) +
+                       "|Kana=ｵﾌｨｽ|S_Code=13|PrefName=東京都|CityName=千代田区|Address=一番町1|"
+                       "Yubin1=100|Yubin2=0001|Tel1=03|Tel2=1111|Tel3=2222|Gyosyu=1\t2\t3");
     for (int i = 0; i <= 10; ++i) tags.push_back({"Reserved" + std::to_string(i), ""});
     return ItemXml("EigyoshoItem", tags, changed, leftOut);
 }
@@ -134,7 +123,6 @@ TEST_F(EigyoshoListTest, UploadSendsFixedMarksAndThePosition) {
     EXPECT_NE(second.find("&Gyosyu=4\t5&"), std::string::npos);
     EXPECT_NE(second.find("&Reserved10=r&10&vno=2&"), std::string::npos);
 }
-
 
 }  // namespace
 }  // namespace morvane::test

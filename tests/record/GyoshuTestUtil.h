@@ -11,17 +11,9 @@ namespace morvane::test {
 
 // The permit header as the customer row below holds it.
 inline Tags HeaderTags() {
-    return {{"ApfPlace", "東京都知事"},
-            {"MinName", "建設"},
-            {"MinCode", "13"},
-            {"PmtCheck0", "1"},
-            {"PmtCheck1", "2"},
-            {"PmtYear", "5"},
-            {"PmtNo", "123"},
-            {"PApDate", "2024/04/01 10:00:00"},
-            {"PmtDate0", "2024/04/02"},
-            {"PmtDate1", ""},
-            {"PmtDate2", ""}};
+    return TagsOf(
+        "ApfPlace=東京都知事|MinName=建設|MinCode=13|PmtCheck0=1|PmtCheck1=2|PmtYear=5|PmtNo=123|"
+        "PApDate=2024/04/01 10:00:00|PmtDate0=2024/04/02|PmtDate1=|PmtDate2=");
 }
 
 // Trade n (1-based) as the grid rows below hold it: check n % 3, a date on odd trades.

@@ -47,7 +47,6 @@ protected:
                     "SELECT DISTINCT InetCheckDate FROM tCustomerGyoshu WHERE CustomerID = 7 "
                     "UNION SELECT InetCheckDate FROM tCustomer WHERE id = 7");
     }
-
 };
 
 // ---- Reading ---------------------------------------------------------------------------

@@ -8,6 +8,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -21,13 +22,32 @@ namespace morvane::test {
 
 using Tags = std::vector<std::pair<std::string, std::string>>;
 
+// Tags written "tag=text|tag=text|...".
+inline Tags TagsOf(std::string_view spec) {
+    Tags tags;
+    while (!spec.empty()) {
+        const std::string_view one = spec.substr(0, spec.find('|'));
+        const size_t eq = one.find('=');
+        tags.emplace_back(std::string(one.substr(0, eq)), std::string(one.substr(eq + 1)));
+        spec.remove_prefix(std::min(spec.size(), one.size() + 1));
+    }
+    return tags;
+}
+
+// "name1=text|name2=text|..." from..to, for TagsOf.
+inline std::string Numbered(const std::string& name, int from, int to,
+                            const std::string& text = {}) {
+    std::string out;
+    for (int i = from; i <= to; ++i) out += name + std::to_string(i) + "=" + text + "|";
+    return out;
+}
+
 // The 15 tags a main read requires, with plain values.
 inline Tags RequiredTags() {
-    return {{"AcDate", "3月31日"}, {"ZipCode0", "100"},     {"ZipCode1", "0001"},
-            {"Addr0", "東京都"},   {"addr1", "千代田区"},   {"Addr2", "一番町1"},
-            {"CorpName0", "株式会社一"}, {"ApfName0", "一 太郎"}, {"Tel0", "03"},
-            {"TEL1", "1111"},      {"TEL2", "2222"},        {"Fax0", "03"},
-            {"FAX1", "3333"},      {"FAX2", "4444"},        {"ExOther17", "5"}};
+    return TagsOf(
+        "AcDate=3月31日|ZipCode0=100|ZipCode1=0001|Addr0=東京都|addr1=千代田区|Addr2=一番町1|"
+        "CorpName0=株式会社一|ApfName0=一 太郎|Tel0=03|TEL1=1111|TEL2=2222|Fax0=03|FAX1=3333|"
+        "FAX2=4444|ExOther17=5");
 }
 
 // The tags with some replaced (an empty text for a tag of `drop` leaves it out).

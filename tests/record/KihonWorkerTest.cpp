@@ -46,7 +46,6 @@ protected:
 
     // One script on the database; the last statement needs no ";".
     void Exec(const std::string& sql) { Sql(db_, sql + ";"); }
-
 };
 
 // ---- Comparing -------------------------------------------------------------------------
@@ -248,7 +247,6 @@ TEST_F(KihonWorkerTest, UploadSendsNothingWithoutARowOrACodeAndARefusalLeavesThe
     EXPECT_EQ(Column("InetCheckDate"), kChecked);
     EXPECT_TRUE(kit_->Boxes().empty());
 }
-
 
 }  // namespace
 }  // namespace morvane::test

@@ -17,9 +17,9 @@ using Member = std::function<std::int32_t(ctrlMorvane&, const std::string& db)>;
 
 struct Kind {
     const char* name;
-    const char* page;   // what the comparison asks
-    std::string rows;   // the local rows, older than the server's
-    std::string reply;  // the server's payload
+    const char* page;     // what the comparison asks
+    std::string rows;     // the local rows, older than the server's
+    std::string reply;    // the server's payload
     std::string lacking;  // another payload, short of a tag
     Member compare, download;
     size_t fetches;      // pages asked by a comparison and a download: 1 when the list was kept
@@ -31,9 +31,9 @@ struct Kind {
 
 std::string Memo(int id, const std::string& text, const std::set<std::string>& leftOut = {}) {
     return ItemXml("MemoItem",
-                   {{"MemoItemID", std::to_string(id)}, {"History", text},
-                    {"RegDate", "2024/04/01 10:00:00"}, {"UpdateDate", "2024/04/02 11:30:15"},
-                    {"other1", "a"}, {"other2", "b"}, {"other3", "c"}},
+                   TagsOf("MemoItemID=" + std::to_string(id) + "|History=" + text +
+                          "|RegDate=2024/04/01 10:00:00|UpdateDate=2024/04/02 11:30:15|"
+                          "other1=a|other2=b|other3=c"),
                    {}, leftOut);
 }
 

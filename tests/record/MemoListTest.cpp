@@ -13,15 +13,12 @@ const std::string kSet = "customer/setMemo.php";
 
 std::string MemoItem(int id, const std::map<std::string, std::string>& changed = {},
                      const std::set<std::string>& leftOut = {}) {
-    return ItemXml("MemoItem",
-                       {{"MemoItemID", std::to_string(id)},
-                        {"History", "note " + std::to_string(id)},
-                        {"RegDate", "2024/04/01 10:00:00"},
-                        {"UpdateDate", "2024/04/02 11:30:15"},
-                        {"other1", "a"},
-                        {"other2", "b"},
-                        {"other3", "c"}},
-                       changed, leftOut);
+    return ItemXml(
+        "MemoItem",
+        TagsOf("MemoItemID=" + std::to_string(id) + "|History=note " + std::to_string(id) +
+               "|RegDate=2024/04/01 10:00:00|UpdateDate=2024/04/02 11:30:15|"
+               "other1=a|other2=b|other3=c"),
+        changed, leftOut);
 }
 
 class MemoListTest : public RecordDbTest {
@@ -30,7 +27,6 @@ protected:
                       const std::string& stamp = "2024/05/01 10:00:00") {
         return Document(ListPayload("Memo", 7, stamp, items));
     }
-
 };
 
 TEST_F(MemoListTest, OtherTextsAreOptionalButEveryFlaggedTagIsNot) {
@@ -116,7 +112,6 @@ TEST_F(MemoListTest, UploadSendsOnePostAMemoAndNothingWithoutRows) {
     EXPECT_EQ(obj.SyncUploadCustomerMemoList(db_, 9), 0);
     EXPECT_TRUE(server_->Requests().empty());
 }
-
 
 }  // namespace
 }  // namespace morvane::test

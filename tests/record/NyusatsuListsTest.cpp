@@ -28,15 +28,9 @@ std::string KikanItem(int id, int localIndex, const std::string& name,
 std::string SankaItem(int id, const std::string& code,
                       const std::map<std::string, std::string>& changed = {}) {
     return ItemXml("NyusatsuSankaItem",
-                       {{"NyusatsuSankaItemID", std::to_string(id)},
-                        {"KikanCode", code},
-                        {"Effective", "1"},
-                        {"Reservation", "0"},
-                        {"Other", "o"},
-                        {"DataFile", "f.pdf"},
-                        {"CheckSync", "1"},
-                        {"Other1", "p"}},
-                       changed);
+                   TagsOf("NyusatsuSankaItemID=" + std::to_string(id) + "|KikanCode=" + code +
+                          "|Effective=1|Reservation=0|Other=o|DataFile=f.pdf|CheckSync=1|Other1=p"),
+                   changed);
 }
 
 // Agencies named A1, A2, ... at positions 1, 2, ...
@@ -61,7 +55,6 @@ protected:
     std::string Count(const std::string& where) {
         return One(db_, "SELECT COUNT(*) FROM tCustomerNyusatsuKanri WHERE " + where);
     }
-
 };
 
 TEST_F(NyusatsuListsTest, AnAgencyItemNeedsAllFourteenTags) {

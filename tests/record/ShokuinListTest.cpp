@@ -12,34 +12,14 @@ namespace {
 const std::string kSet = "customer/setCompShokuin.php";
 
 Tags PersonTags(int id) {
-    Tags t{{"ShokuinItemID", std::to_string(id)},
-           {"No", "S" + std::to_string(id)},
-           {"Name1", "山田"},
-           {"Name2", "太郎"},
-           {"FName1", "ﾔﾏﾀﾞ"},
-           {"FName2", "ﾀﾛｳ"},
-           {"BirthDate", "1980/04/01"},
-           {"SaiyoDate", ""}};
-    for (int i = 1; i <= 10; ++i) t.push_back({"SikakuCode" + std::to_string(i), "0"});
-    t.push_back({"GyoshuCode1", "12abc"});
-    t.push_back({"GyoshuCode2", ""});
-    for (const char* tag : {"KofuCode", "Seibetu", "Yakushoku", "School", "Senko"})
-        t.push_back({tag, ""});
-    for (int i = 1; i <= 5; ++i) t.push_back({"LicenceName" + std::to_string(i), ""});
-    for (int i = 1; i <= 5; ++i) t.push_back({"licencedate" + std::to_string(i), ""});
-    t.push_back({"Keireki", ""});
-    for (int i = 1; i <= 4; ++i) t.push_back({"JitumuNen" + std::to_string(i), ""});
-    t.push_back({"shokushu", ""});
-    t.push_back({"Biko", ""});
-    for (int i = 1; i <= 16; ++i) t.push_back({"Bunrui" + std::to_string(i), ""});
-    t.push_back({"EigyoSho", "本店"});
-    t.push_back({"Jokin", "常勤"});
-    t.push_back({"Addr", ""});
-    for (int i = 1; i <= 10; ++i) t.push_back({"Other" + std::to_string(i), ""});
-    t.push_back({"SenninGyosyuN", "123"});
-    t.push_back({"SenninGyosyu", std::string(40, '1')});
-    t.push_back({"SenninSikakuCode", ""});
-    return t;
+    return TagsOf("ShokuinItemID=" + std::to_string(id) + "|No=S" + std::to_string(id) +
+                  "|Name1=山田|Name2=太郎|FName1=ﾔﾏﾀﾞ|FName2=ﾀﾛｳ|BirthDate=1980/04/01|SaiyoDate=|" +
+                  Numbered("SikakuCode", 1, 10, "0") +
+                  "GyoshuCode1=12abc|GyoshuCode2=|KofuCode=|Seibetu=|Yakushoku=|School=|Senko=|" +
+                  Numbered("LicenceName", 1, 5) + Numbered("licencedate", 1, 5) + "Keireki=|" +
+                  Numbered("JitumuNen", 1, 4) + "shokushu=|Biko=|" + Numbered("Bunrui", 1, 16) +
+                  "EigyoSho=本店|Jokin=常勤|Addr=|" + Numbered("Other", 1, 10) +
+                  "SenninGyosyuN=123|SenninGyosyu=" + std::string(40, '1') + "|SenninSikakuCode=");
 }
 
 std::string Person(int id, const std::map<std::string, std::string>& changed = {},
