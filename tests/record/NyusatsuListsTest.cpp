@@ -16,12 +16,9 @@ const std::string kSetKihon = "customer/setCompKihon.php";
 std::string KikanItem(int id, int localIndex, const std::string& name,
                       const std::map<std::string, std::string>& changed = {},
                       const std::set<std::string>& leftOut = {}) {
-    Tags tags{{"NyusatsuKikanItemID", std::to_string(id)},
-              {"LocalIndex", std::to_string(localIndex)},
-              {"KikanName", name},
-              {"Kubun", "1"}};
-    for (int n = 1; n <= 10; ++n)
-        tags.emplace_back("Nendo" + std::to_string(n), n == 1 ? "R6" : "");
+    const Tags tags = TagsOf("NyusatsuKikanItemID=" + std::to_string(id) +
+                             "|LocalIndex=" + std::to_string(localIndex) + "|KikanName=" + name +
+                             "|Kubun=1|Nendo1=R6|" + Numbered("Nendo", 2, 10));
     return ItemXml("NyusatsuKikanItem", tags, changed, leftOut);
 }
 
