@@ -53,10 +53,9 @@ protected:
 
 TEST_F(GyoshuWorkerTest, ReaderKeepsTheGridAndWantsAllOfIt) {
     cCustKihon k;
-    Tags grid = With(GridTags(), {{"EPmtDate5", "abc"},
-                                  {"EPmtDate3", "2020/1/3 10:00:00"},
-                                  {"EPmtCheck2", "12abc"},
-                                  {"EPmtCheck4", "x"}});
+    Tags grid =
+        With(GridTags(),
+             TagsOf("EPmtDate5=abc|EPmtDate3=2020/1/3 10:00:00|EPmtCheck2=12abc|EPmtCheck4=x"));
     grid.push_back({"EPmtCheck32", "9"});  // no such trade
     for (auto& t : grid)
         if (t.first == "EPmtCheck31") t.first = "epmtcheck31";
@@ -178,10 +177,8 @@ TEST_F(GyoshuWorkerTest, DownloadEditsThirtyAddsOneAndNeverWritesTheCode) {
     Tags header =
         With(HeaderTags(),
              {{"MinCode", "14"}, {"PApDate", "abc"}, {"PmtDate1", "x"}, {"PmtCheck1", "3"}});
-    Tags grid = With(GridTags(), {{"EPmtCheck1", "7"},
-                                  {"EPmtDate3", "abc"},
-                                  {"EPmtDate4", "2021/2/3"},
-                                  {"EPmtDate31", "2021/12/31"}});
+    Tags grid = With(GridTags(),
+                     TagsOf("EPmtCheck1=7|EPmtDate3=abc|EPmtDate4=2021/2/3|EPmtDate31=2021/12/31"));
     ASSERT_EQ(Server(header, grid).SyncDownloadGyosyu(db_, 7), 1);
 
     const auto rows = Grid("id, GyoshuCode, disabled, EPmtCheck, EPmtDate");

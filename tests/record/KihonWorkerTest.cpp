@@ -141,16 +141,9 @@ TEST_F(KihonWorkerTest, DownloadWritesTheRecordStampsItAndWritesBothSideRows) {
     InsertRow(", ExOther18, TAddr0, DataUpdateFlag, CorpNum, PApDate",
               ", 'old', 'old', 3, 'N1', '2020-01-01 00:00:00'");
     Exec("UPDATE tCustomer SET ExOther17 = '7'");
-    cCustKihon k = Server({{"Code", ""},
-                           {"ExOther17", "0"},
-                           {"PApDate", "abc"},
-                           {"PmtDate0", "2024/04/01"},
-                           {"SeturituDate", "2020/1/5 10:00:00"},
-                           {"PmtCheck1", "2"},
-                           {"UserStaffID", "3"},
-                           {"DataUpdateFlag", "8"},
-                           {"CheckEx", "4"},
-                           {"Manage", "6"}});
+    cCustKihon k =
+        Server(TagsOf("Code=|ExOther17=0|PApDate=abc|PmtDate0=2024/04/01|SeturituDate=2020/1/5 "
+                      "10:00:00|PmtCheck1=2|UserStaffID=3|DataUpdateFlag=8|CheckEx=4|Manage=6"));
     ASSERT_EQ(k.SyncDownloadNormal(db_, 7), 1);
     EXPECT_EQ(Column("Code, ExOther17, ZipCode0, ExOther18, TAddr0"), "C7|7|100||");
     EXPECT_EQ(Column("PApDate, PmtDate0, SeturituDate, SogyoDate"),
