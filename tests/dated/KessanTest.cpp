@@ -45,7 +45,7 @@ TEST_F(KessanReaderTest, OneItemShortOfATagFailsTheWholeReply) {
     cCustKessan k;
     for (const char* missing : {"KessanDataItemID", "Other", "ProfDate3", "DataFileID"}) {
         const std::string reply = Document(ListPayload(
-            "Kessan", 7, "2024/05/01 10:00:00", {KessanItem(5), KessanItem(6, {}, {missing})}));
+            "KessanData", 7, "2024/05/01 10:00:00", {KessanItem(5), KessanItem(6, {}, {missing})}));
         EXPECT_FALSE(k.ReadXML(reply)) << missing;
         EXPECT_EQ(k.Items().size(), 1u) << missing;
     }

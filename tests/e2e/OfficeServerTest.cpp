@@ -96,8 +96,9 @@ void OfficeServerTest::SendAll(ctrlMorvane& office, const std::string& db, std::
                                const std::vector<CustomerKind>& kinds) {
     for (const CustomerKind& kind : kinds) {
         SCOPED_TRACE(kind.name);
-        if (kind.beforeUpload >= 0)
+        if (kind.beforeUpload >= 0) {
             EXPECT_EQ((office.*kind.compare)(db, custId), kind.beforeUpload);
+        }
         EXPECT_EQ((office.*kind.upload)(db, custId), 1);
         EXPECT_EQ((office.*kind.compare)(db, custId), 0);
     }

@@ -234,11 +234,11 @@ TEST_F(KihonWorkerTest, UploadSendsNothingWithoutARowOrACodeAndARefusalLeavesThe
     Exec("UPDATE tCustomer SET Code = NULL");
     EXPECT_EQ(k.SyncUploadNormal(db_, 7), 0);
     EXPECT_TRUE(server_->Requests().empty());
+    EXPECT_TRUE(kit_->Boxes().empty());
     Exec("UPDATE tCustomer SET Code = 'C7'");
     EXPECT_EQ(k.SyncUploadNormal(db_, 7), 0);
     EXPECT_EQ(server_->RequestsTo("customer/setCompKihon.php").size(), 1u);
     EXPECT_EQ(Column("InetCheckDate"), kChecked);
-    EXPECT_TRUE(kit_->Boxes().empty());
 }
 
 }  // namespace
