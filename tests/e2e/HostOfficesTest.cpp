@@ -10,7 +10,7 @@
 #include "platform/Clock.h"
 #include "platform/Dao.h"
 #include "session/ProcessState.h"
-#include "store/StoreTestUtil.h"
+#include "util/Nz.h"
 
 namespace morvane::test {
 
@@ -85,11 +85,14 @@ void HostOfficesTest::EditMemos(const std::string& name, std::int32_t custId,
 }
 
 std::string HostOfficesTest::Memos(const std::string& name, std::int32_t custId) {
+    dao::Workspace ws("", "");
+    auto rs = ws.OpenDatabase(Db(name).string())
+                  .OpenRecordset(
+                      "SELECT History FROM tCustomerHistory WHERE disabled = 0 AND "
+                      "CustomerID = " +
+                      std::to_string(custId) + " ORDER BY id");
     std::string all;
-    for (const std::string& memo : Rows(
-             Db(name), "SELECT History FROM tCustomerHistory WHERE disabled = 0 AND CustomerID = " +
-                           std::to_string(custId) + " ORDER BY id"))
-        all += memo + "\n";
+    for (; !rs->Eof(); rs->MoveNext()) all += NzString((*rs)["History"]) + "\n";
     return all;
 }
 

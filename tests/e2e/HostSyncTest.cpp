@@ -154,14 +154,14 @@ TEST_F(HostSyncTest, ADelegationDownloadCutBetweenItsTwoCommitsIsTakenUpAgain) {
     ASSERT_FALSE(list("a").empty());
     // The list's rewrite fails after the main row went in, as a kill there would leave it.
     Sql(prefDb,
-        "CREATE TRIGGER cut BEFORE INSERT ON t99_ININ_SUB BEGIN SELECT RAISE(ABORT, 'cut'); END");
+        "CREATE TRIGGER cut BEFORE INSERT ON t99_ININ_SUB BEGIN SELECT RAISE(ABORT, 'cut'); END;");
     const SyncSummary cut = Sync("b");
     EXPECT_GT(cut.failures, 0) << out_;
     ASSERT_NE(out_.find("customer 1 delegation records: SyncDownloadP99Inin failed"),
               std::string::npos)
         << out_;
     ASSERT_TRUE(list("b").empty());
-    Sql(prefDb, "DROP TRIGGER cut");
+    Sql(prefDb, "DROP TRIGGER cut;");
 
     Advance(2min);
     ExpectClean(Sync("b"));
@@ -229,7 +229,6 @@ INSTANTIATE_TEST_SUITE_P(ServerClockOff, ClockSkewTest,
                                     std::to_string(s < 0 ? -s : s) + "s";
                          });
 
-
 TEST_F(HostSyncTest, UnchangedCustomersAreNotWalkedYetAnEditOnEitherSideIsStillFound) {
     MakeOffice("a", Generated(2));
     ASSERT_TRUE(Login("a"));
@@ -295,7 +294,7 @@ TEST_F(HostSyncTest, UnchangedCustomersAreNotWalkedYetAnEditOnEitherSideIsStillF
     // A row deleted without a stamp is no move by the stamps, yet its customer is compared.
     Sql(Db("a"),
         "UPDATE tCustomerHistory SET disabled = 1 WHERE id = (SELECT MIN(id) FROM "
-        "tCustomerHistory WHERE disabled = 0 AND CustomerID = 2)");
+        "tCustomerHistory WHERE disabled = 0 AND CustomerID = 2);");
     EXPECT_EQ(Sync("a", Prefer::Skip, true).unchanged, 1) << out_;
     EXPECT_NE(out_.find("customer 2 memos"), std::string::npos) << out_;
 }

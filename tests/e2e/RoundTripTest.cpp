@@ -86,6 +86,8 @@ struct Trip {
     std::vector<std::string> holds;
 };
 
+void PrintTo(const Trip& trip, std::ostream* os) { *os << trip.name; }
+
 std::string Trades() {
     // Customer 2's own 31 trades, some checked and dated, in place of the sample rows.
     std::string grid =
@@ -116,7 +118,7 @@ const Trip kTrips[] = {
      "UPDATE tCustomerKeisin SET CheckEx = 7 WHERE CustomerID = 2;",
      [](const std::string& db) { return Record(db, false); },
      1,
-     {"&Code=C&2&", "&PmtNo=123&", "&other7=45&", "&ExOther13=a\tb&", "&CheckEx=7&"}},
+     {"&Code=C&2&", "&other7=45&", "&ExOther13=a\tb&", "&PmtNo=123&", "&CheckEx=7&"}},
     {"Trades",
      {kKihon, kGyoshu},
      {.customers = 3},
