@@ -107,6 +107,12 @@ inline std::string ListPayload(const std::string& stem, int custId, const std::s
            ListXml(stem, stamp, items, count) + "</Customer>";
 }
 
+// A list reply of customer 7.
+inline std::string ListReply(const std::string& stem, const std::vector<std::string>& items,
+                             const std::string& stamp = "2024/05/01 10:00:00") {
+    return Document(ListPayload(stem, 7, stamp, items));
+}
+
 class FixedClock final : public platform::Clock {
 public:
     explicit FixedClock(DateValue now) : now_(now) {}
