@@ -203,14 +203,6 @@ TEST_F(GyoshuWorkerTest, DownloadEditsThirtyAddsOneAndNeverWritesTheCode) {
     EXPECT_EQ(CheckStamps(), std::vector<std::string>{"2024/06/01 10:00:00"});
 }
 
-TEST_F(GyoshuWorkerTest, WithoutTradesTheDownloadCreatesAllThirtyOneInOrder) {
-    InsertTrades(db_, 31, 8);
-    ASSERT_EQ(Server().SyncDownloadGyosyu(db_, 7), 1);  // no customer row: grid only
-    const auto codes = Grid("GyoshuCode");
-    ASSERT_EQ(codes.size(), 31u);
-    for (int n = 1; n <= 31; ++n) EXPECT_EQ(codes[n - 1], std::to_string(n));
-    EXPECT_EQ(Header("id"), "<no row>");
-}
 
 // The table numbers an added trade after the customer's highest code; the download keeps
 // what rows it finds past the thirty-first.
