@@ -365,21 +365,5 @@ TEST_F(DataFileTest, DeleteAndRenameGoOutOnlyWhenTheLocalChangeIsThere) {
     EXPECT_EQ(m.SyncDeleteCustomerKyokaFile(7, gone, nullptr), 0);
 }
 
-TEST_F(DataFileTest, MembersAreCalledByName) {
-    const std::string gone = (data_ / "gone.pdf").string();
-    server_->On("customer/deleteOtherFile.php", Envelope(1, "T2"));
-    ctrlMorvane& m = *m_;
-    std::vector<DispatchArg> args{{Value(7)}, {Value(gone)}, {Value()}};
-    EXPECT_EQ(DispatchTable::Instance().Invoke(m, "SyncDeleteCustomerOtherFile", args).ToText(),
-              "1");
-    for (const char* kind : {"Kessan", "Kyoka", "Other"})
-        for (const std::string form :
-             {"CompareCustomer%File", "SyncDownloadCustomer%File", "SyncUploadCustomer%File",
-              "SyncDeleteCustomer%File", "SyncRenameFileCustomer%File"}) {
-            const std::string name = form.substr(0, form.find('%')) + kind + "File";
-            EXPECT_NE(DispatchTable::Instance().Find(name), nullptr) << name;
-        }
-}
-
 }  // namespace
 }  // namespace morvane::test

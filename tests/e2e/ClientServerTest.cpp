@@ -1,44 +1,41 @@
-// The component against the reference server: login, judged replies and token rotation,
-// the clock, the roster both ways, and locks, with real SQLite files on the client side.
+// The component against the reference server: login, token rotation, the clock, and customers
+// added and deleted, seen in the rosters that follow.
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <memory>
 
 #include "OfficeServerTest.h"
+#include "roster/cCustList.h"
 #include "session/ProcessState.h"
 #include "session/ctrlMorvane.h"
 #include "session/mdlLogin.h"
 #include "store/LocalDatabases.h"
+#include "store/StoreTestUtil.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"
 #include "transport/mdlServerReply.h"
-#include "util/Nz.h"
 
 namespace morvane::test {
 namespace {
 
 class ClientServerTest : public OfficeServerTest {
 protected:
-    void SetUp() override {
-        StartServer();
-        UseOffice("a");
-    }
-
-    std::string Db(const std::string& office) const {
-        return (temp_.Path() / office / "db" / "Customer.dat").string();
-    }
+    void SetUp() override { StartServer(); }
 };
 
 TEST_F(ClientServerTest, LoginTakesTheAccountAndWrongPasswordsAreRefused) {
+    UseOffice("a");
     ctrlMorvane obj;
     EXPECT_TRUE(DoLogin("u1", "secret-1", kContract));
     EXPECT_EQ(obj.LoginState(), 1);
-    EXPECT_FALSE(GetLoginToken().empty());
     EXPECT_EQ(obj.LoginAccountUserName(), "事務員一");
     EXPECT_EQ(obj.LoginAccountContractorName(), "テスト建設事務所");
     EXPECT_EQ(obj.LoginAccountContractEnd(), "2027/03/31");
     EXPECT_EQ(obj.LoginAccountMaxCustomer(), "50");
+    // Same machine: the offset is the fixed one-second correction, give or take the round trip.
+    obj.UpdateServerTimeOffset();
+    EXPECT_NEAR(std::stod(obj.InetServerTimeOffset()) * 86400.0, -1.0, 2.5);
 
     EXPECT_FALSE(DoLogin("u1", "wrong", kContract));
     EXPECT_NE(obj.LoginState(), 1);
@@ -48,12 +45,12 @@ TEST_F(ClientServerTest, LoginTakesTheAccountAndWrongPasswordsAreRefused) {
 }
 
 TEST_F(ClientServerTest, TokensRotateAndAnExpiredLoginAsksForTheDialog) {
+    UseOffice("a");
     ctrlMorvane obj;
     ASSERT_TRUE(DoLogin("u1", "secret-1", kContract));
     const std::string first = GetLoginToken();
     ASSERT_NE(SendRequest(page::kGetKessanTaioh, UpperBody()), "");
-    const std::string second = GetLoginToken();
-    EXPECT_NE(first, second);
+    EXPECT_NE(GetLoginToken(), first);
     EXPECT_EQ(obj.LoginState(), 1);
 
     clock_->Advance(std::chrono::hours(1));
@@ -64,70 +61,65 @@ TEST_F(ClientServerTest, TokensRotateAndAnExpiredLoginAsksForTheDialog) {
     EXPECT_EQ(obj.LoginState(), 99);
 }
 
-TEST_F(ClientServerTest, ServerClockOffsetIsMeasuredAgainstTheServersTime) {
-    ctrlMorvane obj;
+TEST_F(ClientServerTest, AddedCustomersAppearAndDeletedOnesDisappear) {
+    const std::string db = UseOfficeDb("a", {.customers = 3});
+    const auto serverRoster = [] {
+        auto list = std::make_unique<cCustList>();
+        EXPECT_TRUE(list->ReadXML(SendRequest(page::kGetCompList, UpperBody())));
+        return list;
+    };
+    ctrlMorvane obj;  // a new object resets the login: it comes first
     ASSERT_TRUE(DoLogin("u1", "secret-1", kContract));
-    obj.UpdateServerTimeOffset();
-    // Same machine: the offset is the fixed one-second correction, give or take the round trip.
-    const double seconds = std::stod(obj.InetServerTimeOffset()) * 86400.0;
-    EXPECT_NEAR(seconds, -1.0, 2.5);
-    EXPECT_EQ(server_->Port() > 0, true);
-}
+    Sql(db, "UPDATE tCustomer SET Code = 'X&Y=1', CorpKanaS = 'ｶﾅ' WHERE id = 2;");
+    EXPECT_EQ(obj.CompareCustomerList(db), 4);  // the server has none yet
+    for (int id = 1; id <= 3; ++id) EXPECT_EQ(obj.SyncUploadAddCustomer(db, id), 1) << id;
+    EXPECT_EQ(obj.CompareCustomerList(db), 0);
+    // Customers new on the server carry no stamps: their tables are newer here.
+    EXPECT_FALSE(obj.CustmerBackuped(2));
+    EXPECT_NE(obj.CustmerBackupedTableSyncFlag(2, 0), 0);
+    EXPECT_EQ(obj.CustmerRecordUpdate_Server(2), "");
+    EXPECT_NE(obj.CustmerRecordUpdate_Local(2), "");
+    auto roster = serverRoster();
+    ASSERT_EQ(roster->Count(), 3);
+    const cCustListItem* two = roster->Item("K2");
+    ASSERT_NE(two, nullptr);
+    EXPECT_EQ(two->Code, "X&Y=1");
+    EXPECT_EQ(two->CorpKanaS, "ｶﾅ");
+    EXPECT_EQ(two->CorpName0, One(db, "SELECT CorpName0 FROM tCustomer WHERE id = 2"));
 
-TEST_F(ClientServerTest, RosterGoesUpByPagesAndComesDownToASecondOffice) {
-    CreateLocalDatabases(temp_.Path() / "a" / "db", {.customers = 3});
-    ctrlMorvane a;
-    ASSERT_TRUE(DoLogin("u1", "secret-1", kContract));
-    EXPECT_EQ(a.CompareCustomerList(Db("a")), 4);  // the server has none yet
+    EXPECT_EQ(obj.SyncUploadDelCustomer(2), 1);
+    roster = serverRoster();
+    EXPECT_EQ(roster->Count(), 2);
+    EXPECT_EQ(roster->SearchItemKey(2), "");
+    EXPECT_EQ(roster->SearchItemKey(3), "K3");
+    // The local row stays: the rosters now differ.
+    EXPECT_EQ(One(db, "SELECT disabled FROM tCustomer WHERE id = 2"), "0");
+    EXPECT_EQ(obj.CompareCustomerList(db), 3);
 
-    // The roster's additions, as the add-customer upload sends them.
-    for (int id = 1; id <= 3; ++id) {
-        std::string body = LowerCustomerBody(id);
-        AppendField(body, "Code", "C" + std::to_string(id));
-        AppendField(body, "CorpName0", "株式会社" + std::to_string(id));
-        AppendField(body, "CorpKanaS", "ｶﾌﾞ");
-        AppendField(body, "CorpKana0", "ｶﾌﾞ");
-        ASSERT_NE(SendRequest(page::kCreateCompKihon, body), "") << id;
-    }
-    // The same IDs on both sides; names may differ, the roster counts IDs.
-    EXPECT_EQ(a.CompareCustomerList(Db("a")), 0);
-    // New customers on the server carry no stamps: their tables are newer here, not backed up.
-    EXPECT_FALSE(a.CustmerBackuped(2));
-    EXPECT_NE(a.CustmerBackupedTableSyncFlag(2, 0), 0);
-    EXPECT_EQ(a.CustmerRecordUpdate_Server(2), "");
-    EXPECT_NE(a.CustmerRecordUpdate_Local(2), "");
+    // The user keeps the local customer: it goes up again and the rosters agree.
+    kit_->OnShow("frmSelectCompareCustList",
+                 [](forms::Form& f) { f.Get<forms::Button>("cmdDo").Click(); });
+    const Value none;
+    EXPECT_EQ(obj.ShowCompareCustListDlg(nullptr, none, none, none, none), 6);
+    ASSERT_EQ(kit_->Boxes().size(), 1u);  // the confirmation
+    kit_->ClearRecords();
+    EXPECT_EQ(obj.GetCompareCustListDlg_AddServerIDs(), "2");
+    for (const std::int32_t id : SplitIDs(obj.GetCompareCustListDlg_AddServerIDs()))
+        EXPECT_EQ(obj.SyncUploadAddCustomer(db, id), 1);
+    EXPECT_EQ(obj.CompareCustomerList(db), 0);
+    ASSERT_NE(serverRoster()->Item("K2"), nullptr);
+    EXPECT_EQ(serverRoster()->Item("K2")->Code, "X&Y=1");
 
-    UseOffice("b");
-    CreateLocalDatabases(temp_.Path() / "b" / "db", {});
+    NoBoxes();
+    // A second office takes the roster.
+    const std::string dbB = UseOfficeDb("b");
     ctrlMorvane b;
     ASSERT_TRUE(DoLogin("u2", "secret-2", kContract));
-    EXPECT_EQ(b.CompareCustomerList(Db("b")), 5);  // nothing here yet
-    EXPECT_EQ(b.SyncDownloadCustomerList(Db("b")), 1);
-    EXPECT_EQ(b.CompareCustomerList(Db("b")), 0);
-    for (const auto& box : kit_->Boxes()) ADD_FAILURE() << box.title << ": " << box.text;
-}
-
-TEST_F(ClientServerTest, ALockHeldByOneUserIsRefusedToTheOther) {
-    auto lock = [](std::int32_t custId) {
-        const std::string reply = SendRequest(page::kLockComp, LowerCustomerBody(custId));
-        const auto at = reply.find("<result>");
-        return at == std::string::npos ? std::string("none") : reply.substr(at + 8, 1);
-    };
-    ASSERT_TRUE(DoLogin("u1", "secret-1", kContract));
-    std::string body = LowerCustomerBody(7);
-    AppendField(body, "Code", "C7");
-    AppendField(body, "CorpName0", "七");
-    AppendField(body, "CorpKanaS", "ﾅﾅ");
-    AppendField(body, "CorpKana0", "ﾅﾅ");
-    ASSERT_NE(SendRequest(page::kCreateCompKihon, body), "");
-    EXPECT_EQ(lock(7), "1");
-    const std::string tokenA = GetLoginToken();
-
-    UseOffice("b");
-    ASSERT_TRUE(DoLogin("u2", "secret-2", kContract));
-    EXPECT_EQ(lock(7), "0");  // refused, and told as data, not as a failure
-    EXPECT_EQ(GetLoginState(), 1);
-    EXPECT_TRUE(kit_->Boxes().empty());
+    EXPECT_EQ(b.CompareCustomerList(dbB), 5);  // nothing here yet
+    EXPECT_EQ(b.SyncDownloadCustomerList(dbB), 1);
+    EXPECT_EQ(b.CompareCustomerList(dbB), 0);
+    NoBoxes();
+    EXPECT_TRUE(kit_->Unanswered().empty());
 }
 
 }  // namespace

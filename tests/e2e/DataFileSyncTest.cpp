@@ -11,7 +11,6 @@
 #include "dated/cCustDataFile.h"
 #include "session/ctrlMorvane.h"
 #include "session/mdlLogin.h"
-#include "support/LeftoverWrite.h"
 #include "support/ScopedEnv.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"
@@ -29,14 +28,6 @@ protected:
         fs::create_directories(temp_.Path() / "tmp");
     }
 
-    static void CreateCustomer(std::int32_t custId) {
-        std::string create = LowerCustomerBody(custId);
-        AppendField(create, "Code", "C" + std::to_string(custId));
-        AppendField(create, "CorpName0", "梅田建設株式会社");
-        AppendField(create, "CorpKanaS", "ｳﾒﾀﾞ");
-        AppendField(create, "CorpKana0", "ｳﾒﾀﾞ");
-        ASSERT_NE(SendRequest(page::kCreateCompKihon, create), "");
-    }
     static std::string Read(const fs::path& path) {
         std::ifstream in(path, std::ios::binary);
         return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
@@ -90,38 +81,6 @@ TEST_F(DataFileSyncTest, OneOfficeSendsAFileAndTheOtherTakesItAndAgrees) {
     NoBoxes();
 }
 
-TEST_F(DataFileSyncTest, ACopyWhoseDownloadWasCutShortNeverGoesOverTheServersFile) {
-    const std::string full(7 << 20, 'f');
-    UseOffice("a");
-    ctrlMorvane a;
-    ASSERT_TRUE(DoLogin("u1", "secret-1", kContract));
-    CreateCustomer(4);
-    const fs::path fileA = temp_.Path() / "a" / "決算.pdf";
-    std::ofstream(fileA, std::ios::binary) << full;
-    a.setObjectUsage(1);  // past the progress form's size limit
-    ASSERT_EQ(a.SyncUploadCustomerKessanFile(4, fileA.string(), nullptr), 1);
-
-    // Office B's download was killed: what it holds is shorter, and stamped as if newer.
-    UseOffice("b");
-    ctrlMorvane b;
-    ASSERT_TRUE(DoLogin("u2", "secret-2", kContract));
-    const fs::path fileB = temp_.Path() / "b" / "決算.pdf";
-    fs::create_directories(fileB.parent_path());
-    std::ofstream(fileB, std::ios::binary) << full.substr(0, 3 << 20);
-    DateValue c, ac, m;
-    ASSERT_EQ(GetFileTimes(fileB.string(), c, ac, m), 1);
-    ASSERT_EQ(SetFileTimes(fileB.string(), c, ac, DateValue(m.Days() + 1)), 1);
-    LeaveUnfinishedWrite(fileB, "half");
-
-    b.setObjectUsage(1);
-    EXPECT_EQ(b.SyncUploadCustomerKessanFile(4, fileB.string(), nullptr), 0);
-    EXPECT_EQ(ServerView(4, fileB.string()).FileSize(), static_cast<std::int32_t>(full.size()));
-    EXPECT_EQ(b.CompareCustomerKessanFile(4, fileB.string()), 1);
-    EXPECT_EQ(b.SyncDownloadCustomerKessanFile(4, fileB.string(), nullptr), 1);
-    EXPECT_TRUE(Read(fileB) == full);
-    EXPECT_EQ(b.CompareCustomerKessanFile(4, fileB.string()), 0);
-    EXPECT_EQ(ServerView(4, fileB.string()).FileSize(), static_cast<std::int32_t>(full.size()));
-}
 
 TEST_F(DataFileSyncTest, ANewerLocalCopyGoesUpAndARenameAndDeleteFollow) {
     UseOffice("a");

@@ -22,7 +22,7 @@ namespace {
 
 const OfficeServerTest::CustomerKind kRendo{"linkage info", &ctrlMorvane::CompareCustomerRendoInfo,
                                             &ctrlMorvane::SyncDownloadCustomerRendoInfo,
-                                            &ctrlMorvane::SyncUploadCustomerRendoInfo};
+                                            &ctrlMorvane::SyncUploadCustomerRendoInfo, -1};
 
 // The four kinds' tables, in flag order.
 const char* const kTables[] = {"tCustomer", "tCustomerGyoshu", "tCustomerMeibo",
@@ -66,16 +66,9 @@ protected:
 };
 
 TEST_F(LinkageTest, TheFourKindsTravelAsOneAndADownloadWritesOnlyWhatDiffers) {
-    const std::string dbA = OfficeA();
-    ctrlMorvane a;
-    LogInAndCreate("u1", "secret-1", 2, "C00002");
-    SendAll(a, dbA, 2, {kRendo});
-
-    const std::string dbB = UseOfficeDb("b");
+    const auto [dbA, dbB] = RoundTrip({kRendo}, "", {.customers = 3, .tradeGrid = true});
     ctrlMorvane b;
     ASSERT_TRUE(DoLogin("u2", "secret-2", kContract));
-    ASSERT_EQ(b.SyncDownloadCustomerList(dbB), 1);
-    TakeAll(b, dbB, 2, {kRendo});
     EXPECT_EQ(b.CompareCustomerKihon(dbB, 2), 0);
     EXPECT_EQ(b.CompareCustomerSyokuinList(dbB, 2), 0);
     EXPECT_EQ(b.CompareCustomerEigyoshoList(dbB, 2), 0);

@@ -30,15 +30,6 @@ protected:
         ASSERT_TRUE(DoLogin(user, password, kContract));
     }
 
-    void CreateCustomer(std::int32_t id) {
-        std::string body = LowerCustomerBody(id);
-        AppendField(body, "Code", "C" + std::to_string(id));
-        AppendField(body, "CorpName0", "有限会社" + std::to_string(id));
-        AppendField(body, "CorpKanaS", "ﾕｳ");
-        AppendField(body, "CorpKana0", "ﾕｳ");
-        ASSERT_NE(SendRequest(page::kCreateCompKihon, body), "") << id;
-    }
-
     // Fires a lock form's timer n times, as the message loop would every minute.
     static void Tick(std::unique_ptr<forms::Form>& slot, int n) {
         ASSERT_NE(slot, nullptr);
@@ -118,7 +109,7 @@ TEST_F(LocksAndFlagsTest, FlagsChosenInTheDialogReachTheServer) {
     EXPECT_EQ(obj.CustmerInetEnabledFlag(2), 0);
     EXPECT_EQ(obj.CustmerInetEnabledFlag(3), 1);
     // The dialog's lock was let go: the other user can take the customer.
-    for (const auto& box : kit_->Boxes()) ADD_FAILURE() << box.title << ": " << box.text;
+    NoBoxes();
     UseOffice("b", "u2", "secret-2");
     EXPECT_EQ(obj.LockCoustomer(3), 1);
 }

@@ -1,5 +1,6 @@
 #include "OfficeServerTest.h"
 
+#include "platform/Dao.h"
 #include "session/ProcessState.h"
 #include "session/ctrlMorvane.h"
 #include "session/mdlLogin.h"
@@ -65,10 +66,39 @@ void OfficeServerTest::LogInAndCreate(const std::string& user, const std::string
     ASSERT_NE(SendRequest(page::kCreateCompKihon, create), "");
 }
 
+void OfficeServerTest::CreateCustomer(std::int32_t custId) {
+    std::string body = LowerCustomerBody(custId);
+    AppendField(body, "Code", "C" + std::to_string(custId));
+    AppendField(body, "CorpName0", "株式会社" + std::to_string(custId));
+    AppendField(body, "CorpKanaS", "ｶﾌﾞ");
+    AppendField(body, "CorpKana0", "ｶﾌﾞ");
+    ASSERT_NE(SendRequest(page::kCreateCompKihon, body), "") << custId;
+}
+
+std::pair<std::string, std::string> OfficeServerTest::RoundTrip(
+    const std::vector<CustomerKind>& kinds, const std::string& script,
+    const SampleDataOptions& data) {
+    const std::string dbA = UseOfficeDb("a", data);
+    if (!script.empty()) dao::RunScript(dbA, script);
+    ctrlMorvane a;  // a new object resets the login: it comes first
+    LogInAndCreate("u1", "secret-1", 2, "C2");
+    SendAll(a, dbA, 2, kinds);
+
+    const std::string dbB = UseOfficeDb("b");
+    ctrlMorvane b;
+    EXPECT_TRUE(DoLogin("u2", "secret-2", kContract));
+    EXPECT_EQ(b.SyncDownloadCustomerList(dbB), 1);
+    TakeAll(b, dbB, 2, kinds);
+    return {dbA, dbB};
+}
+
 void OfficeServerTest::SendAll(ctrlMorvane& office, const std::string& db, std::int32_t custId,
                                const std::vector<CustomerKind>& kinds) {
     for (const CustomerKind& kind : kinds) {
         SCOPED_TRACE(kind.name);
+        if (kind.beforeUpload >= 0) {
+            EXPECT_EQ((office.*kind.compare)(db, custId), kind.beforeUpload);
+        }
         EXPECT_EQ((office.*kind.upload)(db, custId), 1);
         EXPECT_EQ((office.*kind.compare)(db, custId), 0);
     }

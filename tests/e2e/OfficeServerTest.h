@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "server/MorvaneServer.h"
@@ -30,6 +31,8 @@ public:
     struct CustomerKind {
         const char* name;
         CustomerMember compare, download, upload;
+        // What the comparison gives before the office's first upload; -1: not looked at.
+        std::int32_t beforeUpload;
     };
 
 protected:
@@ -50,6 +53,14 @@ protected:
     // Logs the office's user in and creates the customer on the server under the code.
     void LogInAndCreate(const std::string& user, const std::string& password, std::int32_t custId,
                         const std::string& code);
+    // Creates the customer on the server as the roster's addition does, coded "C<id>".
+    static void CreateCustomer(std::int32_t custId);
+    // Office A ("a", user u1) with the sample data and the script run on its customer database
+    // creates customer 2 and sends the kinds; office B ("b", user u2), fresh, takes the roster
+    // and then the kinds. Gives the two customer databases.
+    std::pair<std::string, std::string> RoundTrip(const std::vector<CustomerKind>& kinds,
+                                                  const std::string& script,
+                                                  const SampleDataOptions& data);
     // The office sends each kind, and then agrees with the server on it.
     void SendAll(ctrlMorvane& office, const std::string& db, std::int32_t custId,
                  const std::vector<CustomerKind>& kinds);

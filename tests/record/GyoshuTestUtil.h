@@ -2,7 +2,6 @@
 // the trades tests.
 #pragma once
 
-#include <algorithm>
 #include <filesystem>
 #include <string>
 
@@ -12,17 +11,9 @@ namespace morvane::test {
 
 // The permit header as the customer row below holds it.
 inline Tags HeaderTags() {
-    return {{"ApfPlace", "東京都知事"},
-            {"MinName", "建設"},
-            {"MinCode", "13"},
-            {"PmtCheck0", "1"},
-            {"PmtCheck1", "2"},
-            {"PmtYear", "5"},
-            {"PmtNo", "123"},
-            {"PApDate", "2024/04/01 10:00:00"},
-            {"PmtDate0", "2024/04/02"},
-            {"PmtDate1", ""},
-            {"PmtDate2", ""}};
+    return TagsOf(
+        "ApfPlace=東京都知事|MinName=建設|MinCode=13|PmtCheck0=1|PmtCheck1=2|PmtYear=5|PmtNo=123|"
+        "PApDate=2024/04/01 10:00:00|PmtDate0=2024/04/02|PmtDate1=|PmtDate2=");
 }
 
 // Trade n (1-based) as the grid rows below hold it: check n % 3, a date on odd trades.
@@ -35,15 +26,6 @@ inline Tags GridTags() {
     Tags tags;
     for (int n = 1; n <= 31; ++n) tags.push_back({"EPmtCheck" + std::to_string(n), CheckOf(n)});
     for (int n = 1; n <= 31; ++n) tags.push_back({"EPmtDate" + std::to_string(n), DateOf(n)});
-    return tags;
-}
-
-// The tags with some replaced (an empty text for a tag of `drop` leaves it out).
-inline Tags With(Tags tags, const Tags& changes, const std::string& drop = {}) {
-    for (const auto& [tag, text] : changes)
-        for (auto& t : tags)
-            if (t.first == tag) t.second = text;
-    if (!drop.empty()) std::erase_if(tags, [&](const auto& t) { return t.first == drop; });
     return tags;
 }
 

@@ -5,7 +5,6 @@
 #include "GyoshuTestUtil.h"
 #include "record/cCustKihon.h"
 #include "session/ProcessState.h"
-#include "support/MorvaneTest.h"
 
 namespace morvane::test {
 namespace {
@@ -15,13 +14,8 @@ const std::string kServerMoved = "2024/05/01 09:05:00";
 const std::string kServerWithinMargin = "2024/05/01 09:00:30";
 const std::string kNow = DateValue::FromCivil({2024, 6, 1, 9, 0, 0}).Text();
 
-class GyoshuWorkerTest : public MorvaneTest {
+class GyoshuWorkerTest : public RecordDbTest {
 protected:
-    void SetUp() override {
-        MorvaneTest::SetUp();
-        db_ = EmptyCustomerDb(temp_.Path() / "db", clock_);
-    }
-
     cCustKihon Server(const Tags& header = HeaderTags(), const Tags& grid = GridTags(),
                       const std::string& stamp = kServerMoved) {
         cCustKihon k;
@@ -30,7 +24,7 @@ protected:
     }
     std::int32_t Compare(const Tags& header = HeaderTags(), const Tags& grid = GridTags(),
                          const std::string& stamp = kServerMoved) {
-        return Server(header, grid, stamp).CompareLocalDBGyosyu(db_.string(), 7);
+        return Server(header, grid, stamp).CompareLocalDBGyosyu(db_, 7);
     }
 
     std::vector<std::string> Grid(const std::string& columns, int custId = 7) {
@@ -53,19 +47,15 @@ protected:
                     "SELECT DISTINCT InetCheckDate FROM tCustomerGyoshu WHERE CustomerID = 7 "
                     "UNION SELECT InetCheckDate FROM tCustomer WHERE id = 7");
     }
-
-    std::filesystem::path db_;
-    std::shared_ptr<FixedClock> clock_;
 };
 
 // ---- Reading ---------------------------------------------------------------------------
 
 TEST_F(GyoshuWorkerTest, ReaderKeepsTheGridAndWantsAllOfIt) {
     cCustKihon k;
-    Tags grid = With(GridTags(), {{"EPmtDate5", "abc"},
-                                  {"EPmtDate3", "2020/1/3 10:00:00"},
-                                  {"EPmtCheck2", "12abc"},
-                                  {"EPmtCheck4", "x"}});
+    Tags grid =
+        With(GridTags(),
+             TagsOf("EPmtDate5=abc|EPmtDate3=2020/1/3 10:00:00|EPmtCheck2=12abc|EPmtCheck4=x"));
     grid.push_back({"EPmtCheck32", "9"});  // no such trade
     for (auto& t : grid)
         if (t.first == "EPmtCheck31") t.first = "epmtcheck31";
@@ -187,11 +177,9 @@ TEST_F(GyoshuWorkerTest, DownloadEditsThirtyAddsOneAndNeverWritesTheCode) {
     Tags header =
         With(HeaderTags(),
              {{"MinCode", "14"}, {"PApDate", "abc"}, {"PmtDate1", "x"}, {"PmtCheck1", "3"}});
-    Tags grid = With(GridTags(), {{"EPmtCheck1", "7"},
-                                  {"EPmtDate3", "abc"},
-                                  {"EPmtDate4", "2021/2/3"},
-                                  {"EPmtDate31", "2021/12/31"}});
-    ASSERT_EQ(Server(header, grid).SyncDownloadGyosyu(db_.string(), 7), 1);
+    Tags grid = With(GridTags(),
+                     TagsOf("EPmtCheck1=7|EPmtDate3=abc|EPmtDate4=2021/2/3|EPmtDate31=2021/12/31"));
+    ASSERT_EQ(Server(header, grid).SyncDownloadGyosyu(db_, 7), 1);
 
     const auto rows = Grid("id, GyoshuCode, disabled, EPmtCheck, EPmtDate");
     ASSERT_EQ(rows.size(), 31u);
@@ -208,28 +196,20 @@ TEST_F(GyoshuWorkerTest, DownloadEditsThirtyAddsOneAndNeverWritesTheCode) {
 
     // The grid is now the server's: the walk finds the added trade in its place, and what
     // differs is only what could not be stored.
-    clock_->Set(DateValue::FromCivil({2024, 6, 1, 10, 0, 0}));
+    At(10);
     EXPECT_EQ(Compare(header, grid, "2024/06/01 09:30:00"), 1);  // PApDate "abc"
     EXPECT_EQ(
         Compare(With(header, {{"PApDate", ""}, {"PmtDate1", ""}}), grid, "2024/06/01 09:30:00"), 0);
     EXPECT_EQ(CheckStamps(), std::vector<std::string>{"2024/06/01 10:00:00"});
 }
 
-TEST_F(GyoshuWorkerTest, WithoutTradesTheDownloadCreatesAllThirtyOneInOrder) {
-    InsertTrades(db_, 31, 8);
-    ASSERT_EQ(Server().SyncDownloadGyosyu(db_.string(), 7), 1);  // no customer row: grid only
-    const auto codes = Grid("GyoshuCode");
-    ASSERT_EQ(codes.size(), 31u);
-    for (int n = 1; n <= 31; ++n) EXPECT_EQ(codes[n - 1], std::to_string(n));
-    EXPECT_EQ(Header("id"), "<no row>");
-}
 
 // The table numbers an added trade after the customer's highest code; the download keeps
 // what rows it finds past the thirty-first.
 TEST_F(GyoshuWorkerTest, AnAddedTradeTakesTheNextCodeOfItsCustomer) {
     InsertTrades(db_, 29);
     InsertTrades(db_, 1, 7, [](int) { return 40; });
-    ASSERT_EQ(Server().SyncDownloadGyosyu(db_.string(), 7), 1);
+    ASSERT_EQ(Server().SyncDownloadGyosyu(db_, 7), 1);
     EXPECT_EQ(Rows(db_,
                    "SELECT GyoshuCode, EPmtCheck FROM tCustomerGyoshu WHERE GyoshuCode > 29 "
                    "ORDER BY GyoshuCode"),
@@ -237,7 +217,7 @@ TEST_F(GyoshuWorkerTest, AnAddedTradeTakesTheNextCodeOfItsCustomer) {
 
     InsertTrades(db_, 32, 8);
     Sql(db_, "UPDATE tCustomerGyoshu SET EPmtCheck = 9 WHERE CustomerID = 8 AND GyoshuCode = 32;");
-    ASSERT_EQ(Server().SyncDownloadGyosyu(db_.string(), 8), 1);
+    ASSERT_EQ(Server().SyncDownloadGyosyu(db_, 8), 1);
     EXPECT_EQ(Grid("EPmtCheck, RecordUpdate", 8).back(), "9|" + kAgreed);
     EXPECT_EQ(Grid("EPmtCheck, RecordUpdate", 8)[30], CheckOf(31) + "|" + kNow);
 
@@ -274,7 +254,7 @@ TEST_F(GyoshuWorkerTest, UploadSendsHeaderAndGridRawAndStampsBothTables) {
         "UPDATE tCustomerGyoshu SET EPmtDate = '2020-01-03 10:00:00' WHERE GyoshuCode = 3;");
     server_->On("customer/setCompGyoshu.php", Envelope(1, "T2"));
     cCustKihon k;
-    ASSERT_EQ(k.SyncUploadGyoshu(db_.string(), 7), 1);
+    ASSERT_EQ(k.SyncUploadGyoshu(db_, 7), 1);
     const auto sent = server_->RequestsTo("customer/setCompGyoshu.php");
     ASSERT_EQ(sent.size(), 1u);
     std::string checks, dates;
@@ -298,10 +278,10 @@ TEST_F(GyoshuWorkerTest, UploadSendsNothingWithoutACustomerAndStampsNothingWhenR
     InsertTrades(db_, 31);
     server_->On("customer/setCompGyoshu.php", Envelope(-1, "T2"));
     cCustKihon k;
-    EXPECT_EQ(k.SyncUploadGyoshu(db_.string(), 7), 0);
+    EXPECT_EQ(k.SyncUploadGyoshu(db_, 7), 0);
     EXPECT_TRUE(server_->Requests().empty());
     InsertCustomer(db_);
-    EXPECT_EQ(k.SyncUploadGyoshu(db_.string(), 7), 0);
+    EXPECT_EQ(k.SyncUploadGyoshu(db_, 7), 0);
     EXPECT_EQ(server_->RequestsTo("customer/setCompGyoshu.php").size(), 1u);
     EXPECT_EQ(CheckStamps(), std::vector<std::string>{kAgreed});
 }

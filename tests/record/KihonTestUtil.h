@@ -1,10 +1,14 @@
-// Replies of the customer record pages, a customer database with one tCustomer row, and a
-// clock that stands still, for the record tests.
+// Replies of the record, list and master pages built tag by tag, and the fixture of the tests
+// that run a worker on real local databases under a clock that stands still.
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
+#include <map>
 #include <memory>
+#include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -12,28 +16,47 @@
 #include "session/ProcessState.h"
 #include "store/LocalDatabases.h"
 #include "store/StoreTestUtil.h"
+#include "support/MorvaneTest.h"
 
 namespace morvane::test {
 
 using Tags = std::vector<std::pair<std::string, std::string>>;
 
+// Tags written "tag=text|tag=text|...".
+inline Tags TagsOf(std::string_view spec) {
+    Tags tags;
+    while (!spec.empty()) {
+        const std::string_view one = spec.substr(0, spec.find('|'));
+        const size_t eq = one.find('=');
+        tags.emplace_back(std::string(one.substr(0, eq)), std::string(one.substr(eq + 1)));
+        spec.remove_prefix(std::min(spec.size(), one.size() + 1));
+    }
+    return tags;
+}
+
+// "name1=text|name2=text|..." from..to, for TagsOf.
+inline std::string Numbered(const std::string& name, int from, int to,
+                            const std::string& text = {}) {
+    std::string out;
+    for (int i = from; i <= to; ++i) out += name + std::to_string(i) + "=" + text + "|";
+    return out;
+}
+
 // The 15 tags a main read requires, with plain values.
 inline Tags RequiredTags() {
-    return {{"AcDate", "3月31日"},
-            {"ZipCode0", "100"},
-            {"ZipCode1", "0001"},
-            {"Addr0", "東京都"},
-            {"addr1", "千代田区"},
-            {"Addr2", "一番町1"},
-            {"CorpName0", "株式会社一"},
-            {"ApfName0", "一 太郎"},
-            {"Tel0", "03"},
-            {"TEL1", "1111"},
-            {"TEL2", "2222"},
-            {"Fax0", "03"},
-            {"FAX1", "3333"},
-            {"FAX2", "4444"},
-            {"ExOther17", "5"}};
+    return TagsOf(
+        "AcDate=3月31日|ZipCode0=100|ZipCode1=0001|Addr0=東京都|addr1=千代田区|Addr2=一番町1|"
+        "CorpName0=株式会社一|ApfName0=一 太郎|Tel0=03|TEL1=1111|TEL2=2222|Fax0=03|FAX1=3333|"
+        "FAX2=4444|ExOther17=5");
+}
+
+// The tags with some replaced (an empty text for a tag of `drop` leaves it out).
+inline Tags With(Tags tags, const Tags& changes, const std::string& drop = {}) {
+    for (const auto& [tag, text] : changes)
+        for (auto& t : tags)
+            if (t.first == tag) t.second = text;
+    if (!drop.empty()) std::erase_if(tags, [&](const auto& t) { return t.first == drop; });
+    return tags;
 }
 
 inline std::string Elements(const Tags& tags) {
@@ -54,6 +77,42 @@ inline std::string Document(const std::string& payload) {
     return "<?xml version=\"1.0\" encoding=\"UTF-8\"?><reply>" + payload + "</reply>";
 }
 
+// One item element: every tag with its value, in order, less the tags left out.
+inline std::string ItemXml(const std::string& itemTag, const Tags& tags,
+                           const std::map<std::string, std::string>& changed = {},
+                           const std::set<std::string>& leftOut = {}) {
+    std::string out = "<" + itemTag + ">";
+    for (const auto& [tag, value] : tags) {
+        if (leftOut.count(tag)) continue;
+        const auto at = changed.find(tag);
+        out += "<" + tag + ">" + (at == changed.end() ? value : at->second) + "</" + tag + ">";
+    }
+    return out + "</" + itemTag + ">";
+}
+
+// "<Memo>List" with "<Memo>Count" (the items' number unless given), the stamp and the items.
+inline std::string ListXml(const std::string& stem, const std::string& stamp,
+                           const std::vector<std::string>& items, int count = -1) {
+    std::string out = "<" + stem + "List><" + stem + "Count>" +
+                      std::to_string(count < 0 ? static_cast<int>(items.size()) : count) + "</" +
+                      stem + "Count><RecordUpdate>" + stamp + "</RecordUpdate>";
+    for (const auto& item : items) out += item;
+    return out + "</" + stem + "List>";
+}
+
+// The Customer payload of a list reply.
+inline std::string ListPayload(const std::string& stem, int custId, const std::string& stamp,
+                               const std::vector<std::string>& items, int count = -1) {
+    return "<Customer><CustomerID>" + std::to_string(custId) + "</CustomerID>" +
+           ListXml(stem, stamp, items, count) + "</Customer>";
+}
+
+// A list reply of customer 7.
+inline std::string ListReply(const std::string& stem, const std::vector<std::string>& items,
+                             const std::string& stamp = "2024/05/01 10:00:00") {
+    return Document(ListPayload(stem, 7, stamp, items));
+}
+
 class FixedClock final : public platform::Clock {
 public:
     explicit FixedClock(DateValue now) : now_(now) {}
@@ -64,12 +123,23 @@ private:
     DateValue now_;
 };
 
-// An empty customer database in the folder, with the clock fixed at 2024/06/01 09:00:00.
-inline std::filesystem::path EmptyCustomerDb(const std::filesystem::path& folder,
-                                             std::shared_ptr<FixedClock>& clock) {
-    clock = std::make_shared<FixedClock>(DateValue::FromCivil({2024, 6, 1, 9, 0, 0}));
-    State().SetClock(clock);
-    return CreateLocalDatabases(folder, {}).customer;
-}
+// Empty local databases in the test's folder, with the clock fixed at 2024/06/01 09:00:00;
+// `db_` is the customer database.
+class RecordDbTest : public MorvaneTest {
+protected:
+    void SetUp() override {
+        MorvaneTest::SetUp();
+        clock_ = std::make_shared<FixedClock>(DateValue::FromCivil({2024, 6, 1, 9, 0, 0}));
+        State().SetClock(clock_);
+        paths_ = CreateLocalDatabases(temp_.Path() / "db", {});
+        db_ = paths_.customer.string();
+    }
+    // Moves the clock to the hour of 2024/06/01.
+    void At(int hour) { clock_->Set(DateValue::FromCivil({2024, 6, 1, hour, 0, 0})); }
+
+    LocalDatabasePaths paths_;
+    std::string db_;
+    std::shared_ptr<FixedClock> clock_;
+};
 
 }  // namespace morvane::test

@@ -2,13 +2,9 @@
 // writes, and the upload's body and stamp.
 #include <gtest/gtest.h>
 
-#include <map>
-
 #include "KihonTestUtil.h"
 #include "record/cCustKihon.h"
 #include "session/ProcessState.h"
-#include "support/MorvaneTest.h"
-#include "util/Text.h"
 
 namespace morvane::test {
 namespace {
@@ -18,13 +14,8 @@ const std::string kServerMoved = "2024/05/01 09:05:00";
 const std::string kServerWithinMargin = "2024/05/01 09:00:30";
 const std::string kNow = DateValue::FromCivil({2024, 6, 1, 9, 0, 0}).Text();
 
-class KihonWorkerTest : public MorvaneTest {
+class KihonWorkerTest : public RecordDbTest {
 protected:
-    void SetUp() override {
-        MorvaneTest::SetUp();
-        db_ = EmptyCustomerDb(temp_.Path() / "db", clock_);
-    }
-
     // Customer 7 with the values of RequiredTags, agreed and last changed at kChecked.
     void InsertRow(const std::string& columns = {}, const std::string& values = {}) {
         Exec(
@@ -55,9 +46,6 @@ protected:
 
     // One script on the database; the last statement needs no ";".
     void Exec(const std::string& sql) { Sql(db_, sql + ";"); }
-
-    std::filesystem::path db_;
-    std::shared_ptr<FixedClock> clock_;
 };
 
 // ---- Comparing -------------------------------------------------------------------------
@@ -66,30 +54,30 @@ TEST_F(KihonWorkerTest, StampsWithinTheMarginDecideWithoutLookingAtFields) {
     InsertRow();
     Exec("UPDATE tCustomer SET ZipCode0 = '999'");
     cCustKihon k = Server({}, kServerWithinMargin);
-    EXPECT_EQ(k.CompareLocalDBMain(db_.string(), 7), 0);
-    EXPECT_EQ(k.CompareLocalDBNormal(db_.string(), 7), 0);
+    EXPECT_EQ(k.CompareLocalDBMain(db_, 7), 0);
+    EXPECT_EQ(k.CompareLocalDBNormal(db_, 7), 0);
     EXPECT_EQ(Column("InetCheckDate"), kChecked);
 
     // Apart: the same difference counts.
     k = Server({}, kServerMoved);
-    EXPECT_EQ(k.CompareLocalDBMain(db_.string(), 7), 1);
-    EXPECT_EQ(k.CompareLocalDBNormal(db_.string(), 7), 1);
+    EXPECT_EQ(k.CompareLocalDBMain(db_, 7), 1);
+    EXPECT_EQ(k.CompareLocalDBNormal(db_, 7), 1);
     EXPECT_EQ(State().inetDateServer, kServerMoved);
     // The local side moved instead.
     Exec("UPDATE tCustomer SET RecordUpdate = '2024-05-02 09:00:00'");
-    EXPECT_EQ(Server({}, kServerWithinMargin).CompareLocalDBNormal(db_.string(), 7), 2);
+    EXPECT_EQ(Server({}, kServerWithinMargin).CompareLocalDBNormal(db_, 7), 2);
     EXPECT_EQ(Column("InetCheckDate"), kChecked);
 }
 
 TEST_F(KihonWorkerTest, EqualContentIsStampedAsAgreedByNormalOnly) {
     InsertRow();
     cCustKihon k = Server({});
-    EXPECT_EQ(k.CompareLocalDBMain(db_.string(), 7), 0);
+    EXPECT_EQ(k.CompareLocalDBMain(db_, 7), 0);
     EXPECT_EQ(Column("InetCheckDate"), kChecked);
-    EXPECT_EQ(k.CompareLocalDBNormal(db_.string(), 7), 0);
+    EXPECT_EQ(k.CompareLocalDBNormal(db_, 7), 0);
     EXPECT_EQ(Column("InetCheckDate"), kNow);
     EXPECT_EQ(Column("RecordUpdate"), kChecked);
-    EXPECT_EQ(Server({}).CompareLocalDBNormal(db_.string(), 8), 0);  // no row
+    EXPECT_EQ(Server({}).CompareLocalDBNormal(db_, 8), 0);  // no row
 }
 
 TEST_F(KihonWorkerTest, FieldRulesThatAreEasyToGetWrong) {
@@ -141,18 +129,9 @@ TEST_F(KihonWorkerTest, FieldRulesThatAreEasyToGetWrong) {
             "Code = 'C7', HoKoType = NULL, CorpNum = NULL");
         Exec(std::string("UPDATE tCustomer SET ") + c.set);
         Exec("UPDATE tCustomer SET InetCheckDate = '2024-05-01 09:00:00'");
-        Tags extra = c.server;
-        cCustKihon k;
-        Tags tags = RequiredTags();
-        for (const auto& [tag, text] : extra) {
-            bool replaced = false;
-            for (auto& t : tags)
-                if (t.first == tag) t.second = text, replaced = true;
-            if (!replaced) tags.push_back({tag, text});
-        }
-        ASSERT_TRUE(k.ReadXMLNormal(Document(KihonPayload(tags, kServerMoved))));
-        EXPECT_EQ(k.CompareLocalDBMain(db_.string(), 7), c.main);
-        EXPECT_EQ(k.CompareLocalDBNormal(db_.string(), 7), c.normal);
+        cCustKihon k = Server(c.server);
+        EXPECT_EQ(k.CompareLocalDBMain(db_, 7), c.main);
+        EXPECT_EQ(k.CompareLocalDBNormal(db_, 7), c.normal);
     }
 }
 
@@ -162,17 +141,10 @@ TEST_F(KihonWorkerTest, DownloadWritesTheRecordStampsItAndWritesBothSideRows) {
     InsertRow(", ExOther18, TAddr0, DataUpdateFlag, CorpNum, PApDate",
               ", 'old', 'old', 3, 'N1', '2020-01-01 00:00:00'");
     Exec("UPDATE tCustomer SET ExOther17 = '7'");
-    cCustKihon k = Server({{"Code", ""},
-                           {"ExOther17", "0"},
-                           {"PApDate", "abc"},
-                           {"PmtDate0", "2024/04/01"},
-                           {"SeturituDate", "2020/1/5 10:00:00"},
-                           {"PmtCheck1", "2"},
-                           {"UserStaffID", "3"},
-                           {"DataUpdateFlag", "8"},
-                           {"CheckEx", "4"},
-                           {"Manage", "6"}});
-    ASSERT_EQ(k.SyncDownloadNormal(db_.string(), 7), 1);
+    cCustKihon k =
+        Server(TagsOf("Code=|ExOther17=0|PApDate=abc|PmtDate0=2024/04/01|SeturituDate=2020/1/5 "
+                      "10:00:00|PmtCheck1=2|UserStaffID=3|DataUpdateFlag=8|CheckEx=4|Manage=6"));
+    ASSERT_EQ(k.SyncDownloadNormal(db_, 7), 1);
     EXPECT_EQ(Column("Code, ExOther17, ZipCode0, ExOther18, TAddr0"), "C7|7|100||");
     EXPECT_EQ(Column("PApDate, PmtDate0, SeturituDate, SogyoDate"),
               "<null>|2024/04/01|2020/01/05|<null>");
@@ -185,14 +157,14 @@ TEST_F(KihonWorkerTest, DownloadWritesTheRecordStampsItAndWritesBothSideRows) {
 
     // The side rows are edited, not added, the next time.
     cCustKihon again = Server({{"CheckEx", "5"}, {"Code", "C7-new"}});
-    ASSERT_EQ(again.SyncDownloadNormal(db_.string(), 7), 1);
+    ASSERT_EQ(again.SyncDownloadNormal(db_, 7), 1);
     EXPECT_EQ(Rows(db_, "SELECT CheckEx FROM tCustomerKeisin"), std::vector<std::string>{"5"});
     EXPECT_EQ(Column("Code, ExOther18"), "C7-new|");
 }
 
 TEST_F(KihonWorkerTest, WithoutACustomerRowOnlyTheSideRowsAreWritten) {
     cCustKihon k = Server({{"CheckEx", "4"}});
-    EXPECT_EQ(k.SyncDownloadNormal(db_.string(), 7), 1);
+    EXPECT_EQ(k.SyncDownloadNormal(db_, 7), 1);
     EXPECT_EQ(Column("id"), "<no row>");
     EXPECT_EQ(Column("CustomerID, CheckEx", "tCustomerKeisin", "CustomerID"), "7|4");
     EXPECT_EQ(Column("Manage", "tCustomerNyusatsu", "CustomerID"), "0");
@@ -201,7 +173,7 @@ TEST_F(KihonWorkerTest, WithoutACustomerRowOnlyTheSideRowsAreWritten) {
 TEST_F(KihonWorkerTest, DownloadMainWritesTheFifteenAlone) {
     InsertRow(", TAddr0", ", 'old'");
     cCustKihon k = Server({{"ZipCode0", "200"}, {"TAddr0", "new"}, {"AcDate", "x"}});
-    ASSERT_EQ(k.SyncDownloadMain(db_.string(), 7), 1);
+    ASSERT_EQ(k.SyncDownloadMain(db_, 7), 1);
     EXPECT_EQ(Column("ZipCode0, TAddr0, AcDate"), "200|old|<null>");
     EXPECT_EQ(Column("RecordUpdate, InetCheckDate"), kChecked + "|" + kChecked);
     EXPECT_EQ(Column("id", "tCustomerKeisin", "CustomerID"), "<no row>");
@@ -231,7 +203,7 @@ TEST_F(KihonWorkerTest, UploadSendsTheRowAsItStandsAndStampsItOnSuccess) {
         "INSERT INTO tCustomerKeisin (CustomerID, disabled, CheckEx) VALUES (7, 0, 4);");
     server_->On("customer/setCompKihon.php", Envelope(1, "T2"));
     cCustKihon k;
-    ASSERT_EQ(k.SyncUploadNormal(db_.string(), 7), 1);
+    ASSERT_EQ(k.SyncUploadNormal(db_, 7), 1);
     const auto sent = server_->RequestsTo("customer/setCompKihon.php");
     ASSERT_EQ(sent.size(), 1u);
     EXPECT_EQ(
@@ -253,59 +225,20 @@ TEST_F(KihonWorkerTest, UploadSendsTheRowAsItStandsAndStampsItOnSuccess) {
     EXPECT_EQ(Column("RecordUpdate"), kChecked);
 }
 
-TEST_F(KihonWorkerTest, UploadSendsNothingWithoutARowOrACode) {
+TEST_F(KihonWorkerTest, UploadSendsNothingWithoutARowOrACodeAndARefusalLeavesTheStamp) {
     LogIn();
-    server_->On("customer/setCompKihon.php", Envelope(1, "T2"));
-    cCustKihon k;
-    EXPECT_EQ(k.SyncUploadNormal(db_.string(), 7), 0);
-    InsertRow();
-    Exec("UPDATE tCustomer SET Code = NULL");
-    EXPECT_EQ(k.SyncUploadNormal(db_.string(), 7), 0);
-    EXPECT_TRUE(server_->Requests().empty());
-    EXPECT_TRUE(kit_->Boxes().empty());
-}
-
-TEST_F(KihonWorkerTest, ARefusedUploadLeavesTheCheckStamp) {
-    LogIn();
-    InsertRow();
     server_->On("customer/setCompKihon.php", Envelope(-1, "T2"));
     cCustKihon k;
-    EXPECT_EQ(k.SyncUploadNormal(db_.string(), 7), 0);
+    EXPECT_EQ(k.SyncUploadNormal(db_, 7), 0);
+    InsertRow();
+    Exec("UPDATE tCustomer SET Code = NULL");
+    EXPECT_EQ(k.SyncUploadNormal(db_, 7), 0);
+    EXPECT_TRUE(server_->Requests().empty());
+    EXPECT_TRUE(kit_->Boxes().empty());
+    Exec("UPDATE tCustomer SET Code = 'C7'");
+    EXPECT_EQ(k.SyncUploadNormal(db_, 7), 0);
     EXPECT_EQ(server_->RequestsTo("customer/setCompKihon.php").size(), 1u);
     EXPECT_EQ(Column("InetCheckDate"), kChecked);
-}
-
-// PmtNo "123#45" goes up split; what the server then sends back lands split in the row.
-TEST_F(KihonWorkerTest, PmtNoWithHashSplitsOnTheWayUpAndStaysSplitOnTheWayDown) {
-    LogIn();
-    InsertRow(", PmtNo, Other7", ", '123#45', 'x'");
-    server_->On("customer/setCompKihon.php", Envelope(1, "T2"));
-    cCustKihon up;
-    ASSERT_EQ(up.SyncUploadNormal(db_.string(), 7), 1);
-
-    // The body back into tags, as the server echoes what it was sent.
-    std::map<std::string, std::string> tagOfKey;
-    for (const KihonField& row : KihonFields())
-        if (!row.key.empty()) tagOfKey[std::string(row.key)] = std::string(row.tag);
-    Tags echoed;
-    for (const std::string& pair : Split(server_->Requests().back().body, "&")) {
-        const size_t eq = pair.find('=');
-        if (eq == std::string::npos) continue;
-        const auto tag = tagOfKey.find(pair.substr(0, eq));
-        if (tag != tagOfKey.end()) echoed.push_back({tag->second, pair.substr(eq + 1)});
-    }
-    cCustKihon down;
-    ASSERT_TRUE(down.ReadXMLNormal(Document(KihonPayload(echoed, kServerMoved))));
-    EXPECT_EQ(down.Kihon().PmtNo, "123");
-    EXPECT_EQ(down.Kihon().other.at(6), "45");
-    ASSERT_EQ(down.SyncDownloadNormal(db_.string(), 7), 1);
-    EXPECT_EQ(Column("PmtNo, Other7"), "123|45");
-
-    // Sent again, the row gives the same body.
-    const std::string first = server_->Requests().back().body;
-    ASSERT_EQ(cCustKihon().SyncUploadNormal(db_.string(), 7), 1);
-    const std::string second = server_->Requests().back().body;
-    EXPECT_EQ(second.substr(second.find("&CustomerID=")), first.substr(first.find("&CustomerID=")));
 }
 
 }  // namespace

@@ -89,25 +89,11 @@ TEST(KihonReaderTest, TheLastRecordUpdateWins) {
 
 TEST(KihonReaderTest, ValuesLandInTheirSlots) {
     Tags tags = RequiredTags();
-    tags.insert(tags.end(), {{"Other1", "o1"},
-                             {"Other4", "o4"},
-                             {"Other7", "o7"},
-                             {"Other5", "o5"},
-                             {"ExOther4", "e4"},
-                             {"ExOther12", "e12"},
-                             {"CorpKana1", "ｱｲｳ"},
-                             {"PmtCheck0", "3abc"},
-                             {"PmtNo", "123#45"},
-                             {"AddrKana2", "ｶﾅ"},
-                             {"HoKoType", "x"},
-                             {"UserStaffID", "3"},
-                             {"SeturituDate", "2001/02/03"},
-                             {"KengyoNaiyo", "兼業"},
-                             {"NotKanyo", "1"},
-                             {"DataUpdateFlag", "9"},
-                             {"CheckEx", "4"},
-                             {"Manage", "6"},
-                             {"NoSuchTag", "z"}});
+    const Tags more = TagsOf(
+        "Other1=o1|Other4=o4|Other7=o7|Other5=o5|ExOther4=e4|ExOther12=e12|CorpKana1=ｱｲｳ|"
+        "PmtCheck0=3abc|PmtNo=123#45|AddrKana2=ｶﾅ|HoKoType=x|UserStaffID=3|SeturituDate=2001/"
+        "02/03|KengyoNaiyo=兼業|NotKanyo=1|DataUpdateFlag=9|CheckEx=4|Manage=6|NoSuchTag=z");
+    tags.insert(tags.end(), more.begin(), more.end());
     cCustKihon k;
     ASSERT_TRUE(k.ReadXMLNormal(Document(KihonPayload(tags))));
     const KihonRecord& r = k.Kihon();

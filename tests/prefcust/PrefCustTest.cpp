@@ -1,12 +1,11 @@
-// The delegation form through the public object: the upload's bodies, stops and stamps, the
-// comparison of the live rows, and the download that rewrites the main row and replaces the
-// sub rows, against the scripted server.
+// The prefecture forms through the public object: the delegation form's upload, comparison and
+// download against the scripted server, and the machinery list's upload, whose data file selects
+// the rows, with its bodies in their key order.
 #include <gtest/gtest.h>
 
 #include "PrefCustTestUtil.h"
 #include "session/DispatchTable.h"
 #include "session/ctrlMorvane.h"
-#include "support/MorvaneTest.h"
 
 namespace morvane::test {
 namespace {
@@ -34,11 +33,11 @@ constexpr const char* kForm =
     "'2024-04-01 00:00:00'), "
     "(12, 7, 1, 3, 'gone', '', '', '', '', NULL, NULL);";
 
-class IninTest : public MorvaneTest {
+class IninTest : public RecordDbTest {
 protected:
     void SetUp() override {
-        MorvaneTest::SetUp();
-        db_ = EmptyPrefCustomDb(temp_.Path() / "db", clock_);
+        RecordDbTest::SetUp();
+        db_ = paths_.prefcustom.string();
     }
 
     // The server's form: the main item and the two sub items kForm holds.
@@ -46,16 +45,13 @@ protected:
                    std::vector<std::string> subs = {IninSubItem(1, 1, "A"),
                                                     IninSubItem(2, 2, "B")}) {
         server_->On(kGetMain,
-                    Envelope(1, "T2", FormListPayload("IninMain", 7, kServerStamp, {mainItem})));
-        server_->On(kGetSub, Envelope(1, "T3", FormListPayload("IninSub", 7, kServerStamp, subs)));
+                    Envelope(1, "T2", ListPayload("IninMain", 7, kServerStamp, {mainItem})));
+        server_->On(kGetSub, Envelope(1, "T3", ListPayload("IninSub", 7, kServerStamp, subs)));
     }
 
     std::string Stamp(const std::string& table, int id) {
         return One(db_, "SELECT InetCheckDate FROM " + table + " WHERE id = " + std::to_string(id));
     }
-
-    std::string db_;
-    std::shared_ptr<FixedClock> clock_;
 };
 
 TEST_F(IninTest, UploadSendsTheOldestMainRowThenEveryLiveSubRow) {
@@ -195,14 +191,14 @@ TEST_F(IninTest, CompareAsksBothPagesAndAnIncompleteSubListLeavesNothingToDownlo
     ctrlMorvane obj;
     LogIn();
     Sql(db_, kForm);
-    server_->On(kGetMain, Envelope(1, "T2",
-                                   FormListPayload("IninMain", 7, kServerStamp,
-                                                   {IninMainItem(4, "new", "1")})));
+    server_->On(
+        kGetMain,
+        Envelope(1, "T2", ListPayload("IninMain", 7, kServerStamp, {IninMainItem(4, "new", "1")})));
     // Three announced, two sent.
     server_->On(kGetSub,
                 Envelope(1, "T3",
-                         FormListPayload("IninSub", 7, kServerStamp,
-                                         {IninSubItem(1, 1, "A"), IninSubItem(2, 2, "B")}, 3)));
+                         ListPayload("IninSub", 7, kServerStamp,
+                                     {IninSubItem(1, 1, "A"), IninSubItem(2, 2, "B")}, 3)));
     EXPECT_EQ(obj.CompareP99Inin(db_, 7, 0, true), 0);
     ASSERT_EQ(server_->RequestsTo(kGetMain).size(), 1u);
     EXPECT_EQ(server_->RequestsTo(kGetMain)[0].body, "ID=user1&token=T1&CustomerID=7&");
@@ -280,6 +276,163 @@ TEST_F(IninTest, TheMembersTakeTheDataFileArgumentsByName) {
                                                        {Value(std::string("False"))}})),
               1);
     EXPECT_EQ(server_->RequestsTo(kSetSub).size(), 2u);
+}
+
+constexpr const char* kSetKikaiMain = "prefcust/99/setKikaiIchiranMain.php";
+constexpr const char* kSetKikaiSub = "prefcust/99/setKikaiIchiranSub.php";
+
+// Lists of customer 7: settlement file 5 (two machines, one freed), permit file 5, settlement
+// file 2.5, settlement file 9 without machines, a freed list of file 8, machines of file 6
+// without a main row, and customer 8's list of settlement file 5.
+constexpr const char* kLists =
+    "INSERT INTO t99_KIKAIICHIRAN_MAIN (id, CustomerID, disabled, DataFileID, DataFileID_KY, "
+    "vno, CorpName0, ApfName0, SubmitDate, ISO14001_ValidEnd) VALUES "
+    "(1, 7, 0, 5, NULL, '1', 'K5&co', '代表', '2024/06/30', 'end'), "
+    "(2, 7, 0, NULL, 5, '1', 'Y5', '', '', ''), "
+    "(3, 7, 0, 2.5, NULL, '1', 'K2.5', '', '', ''), "
+    "(6, 7, 0, 9, NULL, '1', 'K9', '', '', ''), "
+    "(4, 7, 1, 8, NULL, '1', 'freed', '', '', ''), "
+    "(5, 8, 0, 5, NULL, '1', 'other customer', '', '', '');"
+    "INSERT INTO t99_KIKAIICHIRAN_SUB (id, CustomerID, disabled, DataFileID, DataFileID_KY, vno, "
+    "No, Maker, ExpiryDateNoDayFlag) VALUES "
+    "(10, 7, 0, 5, NULL, '2', '2', 'M2', '0'), "
+    "(11, 7, 0, 5, NULL, '1', '1', 'M1', '1'), "
+    "(12, 7, 1, 5, NULL, '3', '3', 'freed', ''), "
+    "(13, 7, 0, NULL, 5, '1', '1', 'Y-M', ''), "
+    "(14, 7, 0, 6, NULL, '1', '1', 'orphan', ''), "
+    "(16, 7, 0, 2.5, NULL, '1', '1', 'half', ''), "
+    "(17, 8, 0, 5, NULL, '1', '1', 'other', '');";
+
+// The value a body gives a key ("" when absent).
+std::string ValueOf(const std::string& body, const std::string& key) {
+    const std::string at = "&" + key + "=";
+    const size_t start = body.find(at);
+    if (start == std::string::npos) return {};
+    const size_t from = start + at.size();
+    return body.substr(from, body.find('&', from) - from);
+}
+
+class KikaiIchiranTest : public RecordDbTest {
+protected:
+    void SetUp() override {
+        RecordDbTest::SetUp();
+        db_ = paths_.prefcustom.string();
+        Sql(db_, kLists);
+    }
+};
+
+TEST_F(KikaiIchiranTest, UploadSendsTheMainRowThenTheMachinesByPositionInTheirKeyOrder) {
+    ctrlMorvane obj;
+    LogIn();
+    server_->On(kSetKikaiMain, Envelope(1, "T2"));
+    server_->On(kSetKikaiSub, Envelope(1, "T3"));
+    ASSERT_EQ(obj.SyncUploadP99KikaiIchiran(db_, 7, 5, true), 1);
+
+    const std::string start = "ID=user1&token=T1&CustomerID=7&DataFileID=5&DataFileType=1&";
+    const auto main = server_->RequestsTo(kSetKikaiMain);
+    ASSERT_EQ(main.size(), 1u);
+    EXPECT_EQ(main[0].body,
+              start +
+                  "KikaiIchiranMainItemID=1&vno=1&CorpName0=K5&co&ApfName0=代表&"
+                  "Post0=&addr1=&ReviewDate=&MinCode=&PmtCheck0=&PmtCheck1=&PmtYear=&PmtNo=&"
+                  "PromiseDate=&ISO9001_Ninsho=&ISO9001_Office=&ISO9001_ConstOffice=&"
+                  "ISO9001_Gyoshu=&ISO9001_ValidStart=&ISO9001_ValidEnd=&ISO14001_Ninsho=&"
+                  "ISO14001_Office=&ISO14001_ConstOffice=&ISO14001_Gyoshu=&ISO14001_ValidStart=&"
+                  "ISO14001_ValidEnd=end&SubmitDate=2024/06/30&");
+    const auto subs = server_->RequestsTo(kSetKikaiSub);
+    ASSERT_EQ(subs.size(), 2u);
+    EXPECT_EQ(subs[0].body,
+              "ID=user1&token=T2&CustomerID=7&DataFileID=5&DataFileType=1&"
+              "KikaiIchiranSubItemID=11&DISABLEDALL=DISABLEDALL&vno=1&No=1&MachineType=&"
+              "MachineTypeStr=&Maker=M1&"
+              "Model=&SerialNum=&ShoyuLease=&ShoyuLeaseStr=&GetDate=&LeaseStart=&LeaseEnd=&"
+              "CheckDate=&JidoKoshin=&Attachment=&Weight=&Bucket=&ExpiryDate=&SelfCheck=&"
+              "SelfCheckStr=&Biko=&JishuKensaKishu=&LeaseType=&Moushidesho=&ShubetsuKikaku=&"
+              "Check=&TeitohoHani=&Abirity=&KikaiSonryoKubun=&SonryoCode1=&SonryoCode2=&"
+              "SonryoCode3=&HaiGas=&MachineName=&SelfCheckNo=&CheckTarget=&OnRoad=&UserName=&"
+              "CheckCorpName=&CheckRecord=&CheckPromise=&TakePicDate=&MachineNum=&"
+              "CheckSubmitPic=&GetDateNoDayFlag=&LeaseStartNoDayFlag=&LeaseEndNoDayFlag=&"
+              "CheckDateNoDayFlag=&"
+              "ExpiryDateNoDayFlag=1&");
+    const std::string second =
+        "ID=user1&token=T3&CustomerID=7&DataFileID=5&DataFileType=1&KikaiIchiranSubItemID=10&"
+        "vno=2&No=2&";
+    EXPECT_EQ(subs[1].body.substr(0, second.size()), second);
+    // Only the list's main row is stamped; machine rows never are.
+    EXPECT_EQ(One(db_, "SELECT InetCheckDate FROM t99_KIKAIICHIRAN_MAIN WHERE id = 1"), kNow);
+    for (int other : {2, 3, 5, 6})
+        EXPECT_EQ(One(db_, "SELECT InetCheckDate FROM t99_KIKAIICHIRAN_MAIN WHERE id = " +
+                               std::to_string(other)),
+                  "");
+    EXPECT_EQ(One(db_, "SELECT COUNT(*) FROM t99_KIKAIICHIRAN_SUB WHERE InetCheckDate IS NOT NULL"),
+              "0");
+}
+
+TEST_F(KikaiIchiranTest, TheDataFileSelectsTheListAndItsColumn) {
+    struct Case {
+        const char* name;
+        std::int32_t custId;
+        const char* dataId;
+        bool kessan;
+        const char* mainId;  // nullptr: nothing is sent
+        std::vector<std::string> makers;
+    };
+    const Case cases[] = {
+        {"settlement file", 7, "5", true, "1", {"M1", "M2"}},
+        {"permit file", 7, "5", false, "2", {"Y-M"}},
+        {"fractional data file number", 7, "2.5", true, "3", {"half"}},
+        {"no machines: DISABLEDALL alone", 7, "9", true, "6", {""}},
+        {"machines without a main row", 7, "6", true, nullptr, {}},
+        {"a freed main row", 7, "8", true, nullptr, {}},
+        {"customer 32768", 32768, "5", true, nullptr, {}},
+    };
+    server_->On(kSetKikaiMain, Envelope(1, "T2"));
+    server_->On(kSetKikaiSub, Envelope(1, "T2"));
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ctrlMorvane obj;
+        LogIn();
+        EXPECT_EQ(obj.SyncUploadP99KikaiIchiran(db_, c.custId, std::stod(c.dataId), c.kessan),
+                  c.mainId ? 1 : 0);
+        const auto main = server_->RequestsTo(kSetKikaiMain);
+        const auto subs = server_->RequestsTo(kSetKikaiSub);
+        if (!c.mainId) {
+            EXPECT_TRUE(server_->Requests().empty());
+            continue;
+        }
+        const std::string fields = "CustomerID=7&DataFileID=" + std::string(c.dataId) +
+                                   "&DataFileType=" + (c.kessan ? "1" : "2") + "&";
+        const std::string start = "ID=user1&token=T1&" + fields;
+        ASSERT_EQ(main.size(), 1u);
+        EXPECT_EQ(main[0].body.substr(0, start.size()), start);
+        EXPECT_EQ(ValueOf(main[0].body, "KikaiIchiranMainItemID"), c.mainId);
+        std::vector<std::string> makers;
+        for (const auto& sub : subs) {
+            EXPECT_EQ(sub.body.find("&DISABLEDALL=DISABLEDALL&") != std::string::npos,
+                      &sub == &subs.front());
+            makers.push_back(ValueOf(sub.body, "Maker"));
+        }
+        EXPECT_EQ(makers, c.makers);
+        if (c.makers == std::vector<std::string>{""}) {
+            EXPECT_EQ(subs[0].body, "ID=user1&token=T2&" + fields + "DISABLEDALL=DISABLEDALL&");
+        }
+    }
+}
+
+TEST_F(KikaiIchiranTest, UploadStopsAtARefusedMachineWithTheMainRowStamped) {
+    ctrlMorvane obj;
+    LogIn();
+    server_->On(kSetKikaiMain, Envelope(1, "T2"));
+    server_->OnSequence(kSetKikaiSub, {Envelope(-1, "T3"), Envelope(1, "T4")});
+    EXPECT_EQ(obj.SyncUploadP99KikaiIchiran(db_, 7, 5, true), 0);
+    EXPECT_EQ(server_->RequestsTo(kSetKikaiSub).size(), 1u);
+    EXPECT_EQ(One(db_, "SELECT InetCheckDate FROM t99_KIKAIICHIRAN_MAIN WHERE id = 1"), kNow);
+
+    LogIn();
+    server_->On(kSetKikaiMain, Envelope(-1, "T5"));
+    EXPECT_EQ(obj.SyncUploadP99KikaiIchiran(db_, 7, 9, true), 0);
+    EXPECT_TRUE(server_->RequestsTo(kSetKikaiSub).empty()) << "a refused main row ends the upload";
+    EXPECT_EQ(One(db_, "SELECT InetCheckDate FROM t99_KIKAIICHIRAN_MAIN WHERE id = 6"), "");
 }
 
 }  // namespace

@@ -1,0 +1,149 @@
+// Permit records, whose hidden rows stay out of the walk, the rewrite and the upload yet count,
+// and other records, which have no position and keep both dates to the second.
+#include <gtest/gtest.h>
+
+#include "DatedTestUtil.h"
+#include "dated/cCustKihonOther.h"
+#include "dated/cCustKyoka.h"
+#include "session/ctrlMorvane.h"
+
+namespace morvane::test {
+namespace {
+
+std::string KyokaItem(int id, const std::map<std::string, std::string>& changed = {}) {
+    return ItemXml(
+        "KyokaDataItem",
+        TagsOf("KyokaDataItemID=" + std::to_string(id) + "|other=permit" + std::to_string(id) +
+               "|PApDate=2024/04/01|AcPeriod=3|AcDateS=2023/04/01|AcDateE=2024/03/31|"
+               "DataFile=kyoka" +
+               std::to_string(id) + ".dat|CheckSync=1|DefaultUse=0|Ver511HideFlag=0|DataFileID=0"),
+        changed);
+}
+
+class KyokaTest : public RecordDbTest {
+protected:
+    cCustKyoka Read(const std::vector<std::string>& items, const std::string& stamp) {
+        cCustKyoka k;
+        EXPECT_TRUE(k.ReadXML(Document(ListPayload("KyokaData", 7, stamp, items))));
+        return k;
+    }
+};
+
+TEST_F(KyokaTest, HiddenRowsKeepTheirPlaceCountAndAreNotSent) {
+    ctrlMorvane obj;
+    LogIn();
+    Sql(db_,
+        "INSERT INTO tCustomerKyokaHistory (id, CustomerID, disabled, Other, Ver511HideFlag) "
+        "VALUES (1, 7, 0, 'hidden', 1), (2, 7, 0, 'old', 0), (3, 8, 1, 'pooled hidden', 1);");
+    const std::string later = "2024/06/01 10:00:00";
+    At(11);
+    ASSERT_EQ(Read({KyokaItem(10), KyokaItem(11), KyokaItem(12)}, later).SyncDownload(db_, 7), 1);
+    EXPECT_EQ(Rows(db_,
+                   "SELECT id, CustomerID, disabled, vno, Other, Ver511HideFlag FROM "
+                   "tCustomerKyokaHistory ORDER BY id"),
+              (std::vector<std::string>{"1|7|0|<null>|hidden|1", "2|7|0|1|permit10|0",
+                                        "3|7|0|2|permit11|1", "4|7|0|3|permit12|0"}));
+    // Four live rows against three items: the count differs for good.
+    At(12);
+    EXPECT_EQ(Read({KyokaItem(10), KyokaItem(11), KyokaItem(12)}, "2024/06/01 11:30:00")
+                  .CompareLocalDB(db_, 7),
+              1);
+
+    server_->On("customer/setKyokaData.php", Envelope(1, "T2"));
+    ASSERT_EQ(obj.SyncUploadCustomerKyokaList(db_, 7), 1);
+    const auto posts = server_->RequestsTo("customer/setKyokaData.php");
+    ASSERT_EQ(posts.size(), 2u);
+    EXPECT_EQ(posts[0].body,
+              "ID=user1&token=T1&CustomerID=7&KyokaDataItemID=2&DISABLEDALL=DISABLEDALL&"
+              "other=permit10&PApDate=2024/04/01&AcPeriod=3&AcDateS=2023/04/01&"
+              "AcDateE=2024/03/31&DataFile=kyoka10.dat&CheckSync=1&DefaultUse=0&"
+              "Ver511HideFlag=0&DataFileID=0&vno=1&");
+    EXPECT_EQ(posts[1].body.substr(0, 50), "ID=user1&token=T2&CustomerID=7&KyokaDataItemID=4&o");
+}
+
+TEST_F(KyokaTest, DatesCompareByTheDayAndAHiddenServerItemDiffers) {
+    ASSERT_EQ(Read({KyokaItem(10)}, "2024/05/01 10:00:00").SyncDownload(db_, 7), 1);
+    At(10);
+    const std::string later = "2024/06/01 09:30:00";
+    EXPECT_EQ(Read({KyokaItem(10, {{"PApDate", "2024/04/01 18:00:00"},
+                                   {"AcDateE", "2024/03/31 00:00:01"}})},
+                   later)
+                  .CompareLocalDB(db_, 7),
+              0);
+    EXPECT_EQ(One(db_, "SELECT InetCheckDate FROM tCustomerKyokaHistory"), "2024/06/01 10:00:00");
+    At(11);
+    const std::string latest = "2024/06/01 10:30:00";
+    EXPECT_EQ(Read({KyokaItem(10, {{"PApDate", "2024/04/02"}})}, latest).CompareLocalDB(db_, 7), 1);
+    EXPECT_EQ(Read({KyokaItem(10, {{"Ver511HideFlag", "1"}})}, latest).CompareLocalDB(db_, 7), 1);
+}
+
+std::string OtherItem(int id, const std::map<std::string, std::string>& changed = {},
+                      const std::set<std::string>& leftOut = {}) {
+    return ItemXml(
+        "OtherDataItem",
+        TagsOf("OtherDataItemID=" + std::to_string(id) + "|DataFile=other" + std::to_string(id) +
+               ".pdf|RegDate=2024/04/01 10:00|UpdateDate=2024/04/02 11:30:15|other=note"),
+        changed, leftOut);
+}
+
+class OtherTest : public RecordDbTest {
+protected:
+    cCustKihonOther Read(const std::vector<std::string>& items, const std::string& stamp) {
+        cCustKihonOther k;
+        EXPECT_TRUE(k.ReadXML(Document(ListPayload("OtherData", 7, stamp, items))));
+        return k;
+    }
+};
+
+TEST_F(OtherTest, DownloadWritesNoPositionAndTheDatesCompareToTheSecond) {
+    cCustKihonOther none;
+    EXPECT_FALSE(none.ReadXML(Document(
+        ListPayload("OtherData", 7, "2024/05/01 10:00:00", {OtherItem(1, {}, {"other"})}))));
+    ASSERT_EQ(Read({OtherItem(1), OtherItem(2, {{"RegDate", "unknown"}})}, "2024/05/01 10:00:00")
+                  .SyncDownload(db_, 7),
+              1);
+    EXPECT_EQ(Rows(db_,
+                   "SELECT id, CustomerID, vno, DataFile, RegDate, UpdateDate, Other FROM "
+                   "tCustomerOtherFile ORDER BY id"),
+              (std::vector<std::string>{
+                  "1|7|<null>|other1.pdf|2024/04/01 10:00:00|2024/04/02 11:30:15|note",
+                  "2|7|<null>|other2.pdf|<null>|2024/04/02 11:30:15|note"}));
+    At(10);
+    const std::string later = "2024/06/01 09:30:00";
+    // The server's date without seconds and the local one are the same moment.
+    EXPECT_EQ(Read({OtherItem(1, {{"RegDate", "2024/04/01 10:00:00"}}),
+                    OtherItem(2, {{"RegDate", "unknown"}})},
+                   later)
+                  .CompareLocalDB(db_, 7),
+              1);  // a date that is no date stays a text, and the row holds ""
+    EXPECT_EQ(Read({OtherItem(1), OtherItem(2, {{"RegDate", ""}})}, later).CompareLocalDB(db_, 7),
+              0);
+    // Agreed and stamped; a second more on the server later is a difference.
+    At(11);
+    EXPECT_EQ(Read({OtherItem(1, {{"UpdateDate", "2024/04/02 11:30:16"}}),
+                    OtherItem(2, {{"RegDate", ""}})},
+                   "2024/06/01 10:30:00")
+                  .CompareLocalDB(db_, 7),
+              1);
+}
+
+TEST_F(OtherTest, UploadSendsNoPositionAndAnEmptyTextForANonDate) {
+    ctrlMorvane obj;
+    LogIn();
+    EXPECT_EQ(obj.SyncUploadCustomerOtherList(db_, 7), 0);
+    EXPECT_TRUE(server_->Requests().empty());
+    Sql(db_,
+        "INSERT INTO tCustomerOtherFile (id, CustomerID, disabled, vno, DataFile, RegDate, "
+        "UpdateDate, Other) VALUES (4, 7, 0, 9, 'a.pdf', 'someday', '2024-04-02 00:00:00', "
+        "'x');");
+    server_->On("customer/setOtherData.php", Envelope(1, "T2"));
+    ASSERT_EQ(obj.SyncUploadCustomerOtherList(db_, 7), 1);
+    const auto posts = server_->RequestsTo("customer/setOtherData.php");
+    ASSERT_EQ(posts.size(), 1u);
+    EXPECT_EQ(posts[0].body,
+              "ID=user1&token=T1&CustomerID=7&OtherDataItemID=4&DISABLEDALL=DISABLEDALL&"
+              "DataFile=a.pdf&RegDate=&UpdateDate=2024/04/02 00:00:00&other=x&");
+}
+
+}  // namespace
+}  // namespace morvane::test

@@ -1,0 +1,560 @@
+// The customer record's lists on a real customer database: staff (shared flags, padded Sennin
+// texts, readings compared wide), offices (marks read loosely and compared strictly), memos
+// (optional texts, any free row), and the bidding agencies and entries; their upload bodies.
+#include <gtest/gtest.h>
+
+#include "KihonTestUtil.h"
+#include "record/cCustKihon.h"
+#include "session/ctrlMorvane.h"
+
+namespace morvane::test {
+namespace {
+
+const std::string kSetShokuin = "customer/setCompShokuin.php";
+
+Tags PersonTags(int id) {
+    return TagsOf("ShokuinItemID=" + std::to_string(id) + "|No=S" + std::to_string(id) +
+                  "|Name1=山田|Name2=太郎|FName1=ﾔﾏﾀﾞ|FName2=ﾀﾛｳ|BirthDate=1980/04/01|SaiyoDate=|" +
+                  Numbered("SikakuCode", 1, 10, "0") +
+                  "GyoshuCode1=12abc|GyoshuCode2=|KofuCode=|Seibetu=|Yakushoku=|School=|Senko=|" +
+                  Numbered("LicenceName", 1, 5) + Numbered("licencedate", 1, 5) + "Keireki=|" +
+                  Numbered("JitumuNen", 1, 4) + "shokushu=|Biko=|" + Numbered("Bunrui", 1, 16) +
+                  "EigyoSho=本店|Jokin=常勤|Addr=|" + Numbered("Other", 1, 10) +
+                  "SenninGyosyuN=123|SenninGyosyu=" + std::string(40, '1') + "|SenninSikakuCode=");
+}
+
+std::string Person(int id, const std::map<std::string, std::string>& changed = {},
+                   const std::set<std::string>& leftOut = {}) {
+    return ItemXml("ShokuinItem", PersonTags(id), changed, leftOut);
+}
+
+using ShokuinListTest = RecordDbTest;
+
+TEST_F(ShokuinListTest, EitherTagOfASharedFlagKeepsThePerson) {
+    cCustKihon k;
+    ASSERT_TRUE(k.ReadXMLShokuin(ListReply(
+        "Shokuin", {Person(1, {}, {"shokushu", "Bunrui8"}), Person(2, {}, {"licencedate1"})})));
+    EXPECT_EQ(k.ShokuinCount(), 2);
+    // Both tags of a pair missing, or an unshared tag missing: the person is dropped.
+    EXPECT_FALSE(
+        k.ReadXMLShokuin(ListReply("Shokuin", {Person(1, {}, {"shokushu", "licencedate1"})})));
+    EXPECT_FALSE(k.ReadXMLShokuin(ListReply("Shokuin", {Person(1, {}, {"Name2"})})));
+}
+
+TEST_F(ShokuinListTest, ReaderPadsTheSenninTextsAndMapsJokin) {
+    cCustKihon k;
+    ASSERT_TRUE(k.ReadXMLShokuin(ListReply(
+        "Shokuin", {Person(1, {{"SenninSikakuCode", "175A"}}), Person(2, {{"Jokin", "パート"}})})));
+    const auto& p = k.Shokuin().Items()[0];
+    EXPECT_EQ(p.SenninGyosyuN_String, "123" + std::string(28, '0'));
+    EXPECT_EQ(p.SenninGyosyuN()[1], 2);
+    EXPECT_EQ(p.SenninGyosyu_String, std::string(31, '1'));
+    EXPECT_EQ(p.SenninSikakuCode_String, "175A000000000000");
+    EXPECT_EQ(p.SenninSikakuCode(), (std::array<std::int16_t, 8>{17, 1050, 0, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(p.Jokin, 1);
+    EXPECT_EQ(p.GyoshuCode[0], 12);
+    EXPECT_EQ(p.BirthDate, "S55/04/01");
+    const auto& q = k.Shokuin().Items()[1];
+    EXPECT_EQ(q.Jokin, 0);
+    EXPECT_EQ(q.SenninSikakuCode_String, std::string(16, '0'));
+}
+
+TEST_F(ShokuinListTest, DownloadThenCompareAgreesAndReadingsCompareWide) {
+    Sql(db_,
+        "INSERT INTO tCustomerMeibo (id, CustomerID, disabled, vno, Name1) VALUES "
+        "(1, 7, 0, 1, 'old'), (2, 8, 1, 1, 'free row of 8');");
+    cCustKihon k;
+    ASSERT_TRUE(
+        k.ReadXMLShokuin(ListReply("Shokuin", {Person(10), Person(11, {{"Jokin", "非常勤"}})})));
+    ASSERT_EQ(k.SyncDownloadShokuin(db_, 7), 1);
+    EXPECT_EQ(Rows(db_,
+                   "SELECT id, CustomerID, vno, No, Jokin, SenninGyosyuN FROM "
+                   "tCustomerMeibo ORDER BY id"),
+              (std::vector<std::string>{"1|7|1|S10|常勤|123" + std::string(28, '0'),
+                                        "2|8|1|<null>|<null>|<null>",
+                                        "3|7|2|S11|非常勤|123" + std::string(28, '0')}));
+    // A later reply whose readings are full width is the same list.
+    At(10);
+    ASSERT_TRUE(
+        k.ReadXMLShokuin(ListReply("Shokuin",
+                                   {Person(10, {{"FName1", "ヤマダ"}}),
+                                    Person(11, {{"Jokin", "非常勤"}, {"FName2", "タロウ"}})},
+                                   "2024/06/01 09:30:00")));
+    EXPECT_EQ(k.CompareLocalDBShokuin(db_, 7), 0);
+    // The same people in another order differ.
+    At(11);
+    ASSERT_TRUE(k.ReadXMLShokuin(ListReply(
+        "Shokuin", {Person(11, {{"Jokin", "非常勤"}}), Person(10)}, "2024/06/01 10:30:00")));
+    EXPECT_NE(k.CompareLocalDBShokuin(db_, 7), 0);
+}
+
+TEST_F(ShokuinListTest, UploadBodyPutsThePositionBeforeTheSenninKeys) {
+    ctrlMorvane obj;
+    LogIn();
+    Sql(db_,
+        "INSERT INTO tCustomerMeibo (id, CustomerID, disabled, vno, No, Name1, FName1, "
+        "SikakuCode1, licencedate2, Bunrui11, Jokin, SenninGyosyuN, SenninSikakuCode) VALUES "
+        "(5, 7, 0, 3, 'A&1', '山田', 'ﾔﾏﾀﾞ', 17, 'x', 'y', 'パート', '9', NULL);");
+    server_->On(kSetShokuin, Envelope(1, "T2"));
+    EXPECT_EQ(obj.SyncUploadCustomerSyokuinList(db_, 7), 1);
+    const auto posts = server_->RequestsTo(kSetShokuin);
+    ASSERT_EQ(posts.size(), 1u);
+    std::string expected =
+        "ID=user1&token=T1&CustomerID=7&ShokuinItemID=5&DISABLEDALL=DISABLEDALL&no=A&1&"
+        "name1=山田&name2=&fname1=ﾔﾏﾀﾞ&fname2=&BirthDate=&SaiyoDate=&sikakucode1=17&";
+    for (int i = 2; i <= 10; ++i) expected += "sikakucode" + std::to_string(i) + "=0&";
+    expected += "gyoshucode1=0&gyoshucode2=0&kofucode=&seibetu=&Yakushoku=&school=&senko=&";
+    for (int i = 1; i <= 5; ++i)
+        expected += "LicenceName" + std::to_string(i) + "=&LicenceDate" + std::to_string(i) + "=" +
+                    (i == 2 ? "x" : "") + "&";
+    expected += "keireki=&jitumunen1=&jitumunen2=&jitumunen3=&jitumunen4=&shokushu=&biko=&";
+    for (int i = 1; i <= 16; ++i)
+        expected += "bunrui" + std::to_string(i) + "=" + (i == 11 ? "y" : "") + "&";
+    expected += "eigyosho=&jokin=&addr=&";
+    for (int i = 1; i <= 10; ++i) expected += "other" + std::to_string(i) + "=&";
+    expected += "vno=1&SenninGyosyuN=9" + std::string(30, '0') +
+                "&SenninGyosyu=" + std::string(31, '0') +
+                "&SenninSikakuCode=" + std::string(16, '0') + "&";
+    EXPECT_EQ(posts[0].body, expected);
+}
+
+const std::string kSetEigyosho = "customer/setEigyosho.php";
+
+std::string Office(int id, const std::map<std::string, std::string>& changed = {},
+                   const std::set<std::string>& leftOut = {}) {
+    Tags tags = TagsOf("EigyoshoItemID=" + std::to_string(id) +
+                       "|MainEigyo=1|MainRendo=0|Name=office " + std::to_string(id) +
+                       "|Kana=ｵﾌｨｽ|S_Code=13|PrefName=東京都|CityName=千代田区|Address=一番町1|"
+                       "Yubin1=100|Yubin2=0001|Tel1=03|Tel2=1111|Tel3=2222|Gyosyu=1\t2\t3");
+    for (int i = 0; i <= 10; ++i) tags.push_back({"Reserved" + std::to_string(i), ""});
+    return ItemXml("EigyoshoItem", tags, changed, leftOut);
+}
+
+using EigyoshoListTest = RecordDbTest;
+
+TEST_F(EigyoshoListTest, ReaderTakesAnyNumberButZeroAsAMarkAndSplitsTheTrades) {
+    std::string forty;
+    for (int i = 1; i <= 40; ++i) forty += (i > 1 ? "\t" : "") + std::to_string(i);
+    cCustKihon k;
+    ASSERT_TRUE(k.ReadXMLEigyosho(ListReply(
+        "Eigyosho", {Office(1, {{"MainEigyo", "2"}, {"MainRendo", "x"}, {"Gyosyu", forty}}),
+                     Office(2, {{"MainEigyo", "0"}, {"Gyosyu", ""}})})));
+    const auto& items = k.Eigyosho().Items();
+    ASSERT_EQ(items.size(), 2u);
+    EXPECT_EQ(items[0].MainEigyo, 1);
+    EXPECT_EQ(items[0].MainRendo, 0);  // no number: the mark stays clear
+    EXPECT_EQ(items[0].Gyosyu_String, forty);
+    const auto slots = items[0].Gyosyu();
+    EXPECT_EQ(slots[0], 1);
+    EXPECT_EQ(slots[30], 31);
+    EXPECT_EQ(items[1].MainEigyo, 0);
+    EXPECT_EQ(items[1].Gyosyu(), (std::array<std::int16_t, 31>{}));
+
+    EXPECT_FALSE(k.ReadXMLEigyosho(ListReply("Eigyosho", {Office(1, {}, {"Reserved10"})})));
+    // Without any stamp the reply is no good either.
+    EXPECT_FALSE(k.ReadXMLEigyosho(
+        Document("<Customer><CustomerID>7</CustomerID><EigyoshoList><EigyoshoCount>1"
+                 "</EigyoshoCount>" +
+                 Office(1) + "</EigyoshoList></Customer>")));
+}
+
+TEST_F(EigyoshoListTest, DownloadRewritesOwnRowsOnlyWithNumberAheadOfPosition) {
+    Sql(db_,
+        "INSERT INTO tCustomerEigyosyo (id, CustomerID, disabled, vno, Name) VALUES "
+        "(1, 8, 1, 1, 'free row of 8'), (2, 7, 0, 5, 'old'), (3, 7, 1, 6, 'freed');");
+    cCustKihon k;
+    ASSERT_TRUE(k.ReadXMLEigyosho(ListReply("Eigyosho", {Office(10), Office(11), Office(12)})));
+    ASSERT_EQ(k.SyncDownloadEigyosho(db_, 7), 1);
+    EXPECT_EQ(Rows(db_,
+                   "SELECT id, CustomerID, disabled, vno, No, MainEigyo, MainRendo, Name, S_Code, "
+                   "TEL1, Gyosyu FROM tCustomerEigyosyo ORDER BY id"),
+              (std::vector<std::string>{"1|8|1|1|<null>|<null>|<null>|free row of 8|<null>|<null>|"
+                                        "<null>",
+                                        "2|7|0|1|2|1|0|office 10|13|03|1\t2\t3",
+                                        "3|7|0|2|3|1|0|office 11|13|03|1\t2\t3",
+                                        "4|7|0|3|4|1|0|office 12|13|03|1\t2\t3"}));
+
+    // A shorter list leaves the surplus rows freed, with their data.
+    ASSERT_TRUE(k.ReadXMLEigyosho(ListReply("Eigyosho", {Office(10)})));
+    ASSERT_EQ(k.SyncDownloadEigyosho(db_, 7), 1);
+    EXPECT_EQ(Rows(db_,
+                   "SELECT id, disabled, Name FROM tCustomerEigyosyo WHERE CustomerID = 7 "
+                   "ORDER BY id"),
+              (std::vector<std::string>{"2|0|office 10", "3|1|office 11", "4|1|office 12"}));
+}
+
+TEST_F(EigyoshoListTest, AColumnMarkCountsOnlyWhenItIsOne) {
+    Sql(db_,
+        "INSERT INTO tCustomerEigyosyo (id, CustomerID, disabled, vno, MainEigyo, MainRendo, "
+        "Name, Kana, S_Code, PrefName, CityName, Address, Yubin1, Yubin2, TEL1, TEL2, TEL3, "
+        "Gyosyu, Reserved0, Reserved1, Reserved2, Reserved3, Reserved4, Reserved5, Reserved6, "
+        "Reserved7, Reserved8, Reserved9, Reserved10, RecordUpdate, InetCheckDate) VALUES "
+        "(1, 7, 0, 1, 2, 0, 'office 1', 'ｵﾌｨｽ', 13, '東京都', '千代田区', '一番町1', '100', "
+        "'0001', '03', '1111', '2222', '1\t2\t3', '', '', '', '', '', '', '', '', '', '', '', "
+        "'2024-05-01 08:00:00', '2024-05-01 08:00:00');");
+    cCustKihon k;
+    ASSERT_TRUE(k.ReadXMLEigyosho(ListReply("Eigyosho", {Office(1, {{"MainEigyo", "2"}})})));
+    EXPECT_NE(k.CompareLocalDBEigyosho(db_, 7), 0);
+    Sql(db_, "UPDATE tCustomerEigyosyo SET MainEigyo = 1;");
+    EXPECT_EQ(k.CompareLocalDBEigyosho(db_, 7), 0);
+    EXPECT_EQ(One(db_, "SELECT InetCheckDate FROM tCustomerEigyosyo WHERE id = 1"),
+              "2024/06/01 9:00:00");
+}
+
+TEST_F(EigyoshoListTest, UploadSendsFixedMarksAndThePosition) {
+    ctrlMorvane obj;
+    LogIn();
+    Sql(db_,
+        "INSERT INTO tCustomerEigyosyo (id, CustomerID, disabled, vno, MainEigyo, MainRendo, "
+        "Name, S_Code, TEL1, Gyosyu, Reserved10) VALUES "
+        "(3, 7, 0, 2, 0, 2, 'branch', NULL, '06', '4\t5', 'r&10'), "
+        "(4, 7, 0, 1, 1, 0, 'main', 9, '03', '', NULL);");
+    server_->On(kSetEigyosho, Envelope(1, "T2"));
+    EXPECT_EQ(obj.SyncUploadCustomerEigyoshoList(db_, 7), 1);
+    const auto posts = server_->RequestsTo(kSetEigyosho);
+    ASSERT_EQ(posts.size(), 2u);
+    EXPECT_EQ(posts[0].body,
+              "ID=user1&token=T1&CustomerID=7&EigyoshoItemID=4&DISABLEDALL=DISABLEDALL&"
+              "MainEigyo=1&MainRendo=0&Name=main&Kana=&S_Code=9&PrefName=&CityName=&Address=&"
+              "Yubin1=&Yubin2=&Tel1=03&Tel2=&Tel3=&Gyosyu=&Reserved0=&Reserved1=&Reserved2=&"
+              "Reserved3=&Reserved4=&Reserved5=&Reserved6=&Reserved7=&Reserved8=&Reserved9=&"
+              "Reserved10=&vno=1&");
+    // A column mark of 2 is no mark, as in the comparison.
+    const std::string second = posts[1].body;
+    EXPECT_EQ(second.substr(0, 77),
+              "ID=user1&token=T2&CustomerID=7&EigyoshoItemID=3&MainEigyo=0&MainRendo=0&Name=");
+    EXPECT_NE(second.find("&S_Code=0&"), std::string::npos);
+    EXPECT_NE(second.find("&Gyosyu=4\t5&"), std::string::npos);
+    EXPECT_NE(second.find("&Reserved10=r&10&vno=2&"), std::string::npos);
+}
+
+const std::string kSetMemo = "customer/setMemo.php";
+
+std::string MemoItem(int id, const std::map<std::string, std::string>& changed = {},
+                     const std::set<std::string>& leftOut = {}) {
+    return ItemXml(
+        "MemoItem",
+        TagsOf("MemoItemID=" + std::to_string(id) + "|History=note " + std::to_string(id) +
+               "|RegDate=2024/04/01 10:00:00|UpdateDate=2024/04/02 11:30:15|"
+               "other1=a|other2=b|other3=c"),
+        changed, leftOut);
+}
+
+using MemoListTest = RecordDbTest;
+
+TEST_F(MemoListTest, OtherTextsAreOptionalButEveryFlaggedTagIsNot) {
+    cCustKihon k;
+    ASSERT_TRUE(
+        k.ReadXMLMemo(ListReply("Memo", {MemoItem(1, {}, {"other1", "other3"}), MemoItem(2)})));
+    ASSERT_EQ(k.MemoCount(), 2);
+    const auto& first = k.Memo().Items()[0];
+    EXPECT_EQ(first.Key, "K1");
+    EXPECT_EQ(first.other[0], "");
+    EXPECT_EQ(first.other[1], "b");
+    EXPECT_EQ(k.RecordUpdate(), "2024/05/01 10:00:00");
+
+    // A memo without RegDate is dropped, and the count then fails the whole reply.
+    EXPECT_FALSE(k.ReadXMLMemo(ListReply("Memo", {MemoItem(1, {}, {"RegDate"}), MemoItem(2)})));
+    // A stamp beside the list, in the payload, counts as well.
+    EXPECT_TRUE(k.ReadXMLMemo(Document(
+        "<Customer><CustomerID>7</CustomerID><RecordUpdate>2024/05/02 10:00:00</RecordUpdate>"
+        "<MemoList><MemoCount>1</MemoCount>" +
+        MemoItem(1) + "</MemoList></Customer>")));
+    EXPECT_EQ(k.RecordUpdate(), "2024/05/02 10:00:00");
+}
+
+TEST_F(MemoListTest, DownloadTakesAnyFreeRowAndWritesNonDatesAsNull) {
+    Sql(db_,
+        "INSERT INTO tCustomerHistory (id, CustomerID, disabled, vno, History) VALUES "
+        "(1, 7, 0, 1, 'old'), (2, 8, 1, 1, 'freed by 8'), (3, 8, 0, 1, 'live of 8');");
+    cCustKihon k;
+    ASSERT_TRUE(k.ReadXMLMemo(
+        ListReply("Memo", {MemoItem(10), MemoItem(11, {{"RegDate", "someday"}}), MemoItem(12)})));
+    ASSERT_EQ(k.SyncDownloadMemo(db_, 7), 1);
+    EXPECT_EQ(Rows(db_,
+                   "SELECT id, CustomerID, disabled, vno, History, RegDate, UpdateDate, other1 "
+                   "FROM tCustomerHistory ORDER BY id"),
+              (std::vector<std::string>{
+                  "1|7|0|1|note 10|2024/04/01 10:00:00|2024/04/02 11:30:15|a",
+                  "2|7|0|2|note 11|<null>|2024/04/02 11:30:15|a",  // customer 8's free row
+                  "3|8|0|1|live of 8|<null>|<null>|<null>",
+                  "4|7|0|3|note 12|2024/04/01 10:00:00|2024/04/02 11:30:15|a"}));
+}
+
+TEST_F(MemoListTest, RowsAreWalkedInIdOrderAndAgreementStampsThem) {
+    // Positions reversed against ids: the walk follows the ids.
+    Sql(db_,
+        "INSERT INTO tCustomerHistory (id, CustomerID, disabled, vno, History, RegDate, "
+        "UpdateDate, other1, other2, other3, RecordUpdate, InetCheckDate) VALUES "
+        "(1, 7, 0, 2, 'note 1', '2024-04-01 10:00:00', '2024-04-02 11:30:15', 'a', 'b', 'c', "
+        "'2024-05-01 08:00:00', '2024-05-01 08:00:00'), "
+        "(2, 7, 0, 1, 'note 2', '2024-04-01 10:00:00', '2024-04-02 11:30:15', 'a', 'b', 'c', "
+        "'2024-05-01 08:00:00', '2024-05-01 08:00:00');");
+    cCustKihon k;
+    ASSERT_TRUE(k.ReadXMLMemo(ListReply("Memo", {MemoItem(1), MemoItem(2)})));
+    EXPECT_EQ(k.CompareLocalDBMemo(db_, 7), 0);
+    EXPECT_EQ(One(db_, "SELECT InetCheckDate FROM tCustomerHistory WHERE id = 1"),
+              "2024/06/01 9:00:00");
+
+    ASSERT_TRUE(
+        k.ReadXMLMemo(ListReply("Memo", {MemoItem(2), MemoItem(1)}, "2024/06/01 09:30:00")));
+    At(10);
+    EXPECT_NE(k.CompareLocalDBMemo(db_, 7), 0);
+}
+
+TEST_F(MemoListTest, UploadSendsOnePostAMemoAndNothingWithoutRows) {
+    ctrlMorvane obj;
+    LogIn();
+    Sql(db_,
+        "INSERT INTO tCustomerHistory (id, CustomerID, disabled, vno, History, RegDate, "
+        "UpdateDate, other1, other2, other3) VALUES "
+        "(4, 7, 0, 9, 'a&b', '2024-04-01 10:00:00', 'not a date', 'x', NULL, 'z'), "
+        "(5, 7, 0, 1, 'second', NULL, NULL, NULL, NULL, NULL);");
+    server_->On(kSetMemo, Envelope(1, "T2"));
+    EXPECT_EQ(obj.SyncUploadCustomerMemoList(db_, 7), 1);
+    const auto posts = server_->RequestsTo(kSetMemo);
+    ASSERT_EQ(posts.size(), 2u);
+    EXPECT_EQ(posts[0].body,
+              "ID=user1&token=T1&CustomerID=7&MemoItemID=4&DISABLEDALL=DISABLEDALL&History=a&b&"
+              "RegDate=2024/04/01 10:00:00&UpdateDate=&other1=x&other2=&other3=z&vno=1&");
+    EXPECT_EQ(posts[1].body,
+              "ID=user1&token=T2&CustomerID=7&MemoItemID=5&History=second&RegDate=&"
+              "UpdateDate=&other1=&other2=&other3=&vno=2&");
+    EXPECT_EQ(One(db_, "SELECT InetCheckDate FROM tCustomerHistory WHERE id = 5"),
+              "2024/06/01 9:00:00");
+
+    server_->ClearRequests();
+    EXPECT_EQ(obj.SyncUploadCustomerMemoList(db_, 9), 0);
+    EXPECT_TRUE(server_->Requests().empty());
+}
+
+const std::string kSetKikan = "customer/setNyusatsuKikan.php";
+const std::string kSetSanka = "customer/setNyusatsuSanka.php";
+const std::string kSetKihon = "customer/setCompKihon.php";
+
+std::string KikanItem(int id, int localIndex, const std::string& name,
+                      const std::map<std::string, std::string>& changed = {},
+                      const std::set<std::string>& leftOut = {}) {
+    const Tags tags = TagsOf("NyusatsuKikanItemID=" + std::to_string(id) +
+                             "|LocalIndex=" + std::to_string(localIndex) + "|KikanName=" + name +
+                             "|Kubun=1|Nendo1=R6|" + Numbered("Nendo", 2, 10));
+    return ItemXml("NyusatsuKikanItem", tags, changed, leftOut);
+}
+
+std::string SankaItem(int id, const std::string& code,
+                      const std::map<std::string, std::string>& changed = {}) {
+    return ItemXml("NyusatsuSankaItem",
+                   TagsOf("NyusatsuSankaItemID=" + std::to_string(id) + "|KikanCode=" + code +
+                          "|Effective=1|Reservation=0|Other=o|DataFile=f.pdf|CheckSync=1|Other1=p"),
+                   changed);
+}
+
+// Agencies named A1, A2, ... at positions 1, 2, ...
+std::vector<std::string> Agencies(int n) {
+    std::vector<std::string> items;
+    for (int i = 1; i <= n; ++i) items.push_back(KikanItem(100 + i, i, "A" + std::to_string(i)));
+    return items;
+}
+
+class NyusatsuListsTest : public RecordDbTest {
+protected:
+    // Reads the agencies and writes them for customer 7.
+    void DownloadAgencies(const std::vector<std::string>& items) {
+        cCustKihon k;
+        ASSERT_TRUE(k.ReadXMLNyusatuKikan(ListReply("NyusatsuKikan", items)));
+        ASSERT_EQ(k.SyncDownloadNyusatsuKikan(db_, 7), 1);
+    }
+    std::string Count(const std::string& where) {
+        return One(db_, "SELECT COUNT(*) FROM tCustomerNyusatsuKanri WHERE " + where);
+    }
+};
+
+TEST_F(NyusatsuListsTest, AnAgencyItemNeedsAllFourteenTags) {
+    cCustKihon k;
+    ASSERT_TRUE(k.ReadXMLNyusatuKikan(ListReply("NyusatsuKikan", Agencies(2))));
+    EXPECT_EQ(k.NyusatsuKikanCount(), 2);
+    EXPECT_EQ(k.NyusatsuKikan().Items()[1].Key, "K102");
+    EXPECT_EQ(k.NyusatsuKikan().Items()[0].Nendo[0], "R6");
+    EXPECT_FALSE(k.ReadXMLNyusatuKikan(
+        ListReply("NyusatsuKikan", {KikanItem(1, 1, "x", {}, {"Nendo7"}), KikanItem(2, 2, "y")})));
+}
+
+TEST_F(NyusatsuListsTest, FirstDownloadMakesTheWholeGridAndLaterOnesKeepItWholeAndBlank) {
+    Sql(db_,
+        "INSERT INTO tCustomerNyusatsuKanri (CustomerID, disabled, LocalIndex, KikanName) "
+        "VALUES (8, 1, 1, 'of 8');");
+    // Server positions with gaps: the rows take the items' own positions.
+    DownloadAgencies({KikanItem(1, 5, "A"), KikanItem(2, 9, "B"), KikanItem(3, 12, "C")});
+    EXPECT_EQ(Count("CustomerID = 7"), "100");
+    EXPECT_EQ(Count("CustomerID = 7 AND disabled <> 0"), "0");
+    EXPECT_EQ(Rows(db_,
+                   "SELECT LocalIndex, KikanName, Nendo1 FROM tCustomerNyusatsuKanri "
+                   "WHERE CustomerID = 7 AND KikanName <> '' ORDER BY LocalIndex"),
+              (std::vector<std::string>{"1|A|R6", "2|B|R6", "3|C|R6"}));
+    EXPECT_EQ(Count("CustomerID = 8 AND disabled = 1"), "1") << "another customer's rows stay";
+
+    // Fewer agencies: the rows they leave come back live and blank, the grid stays 100.
+    DownloadAgencies({KikanItem(4, 1, "D")});
+    EXPECT_EQ(Count("CustomerID = 7"), "100");
+    EXPECT_EQ(Count("CustomerID = 7 AND disabled <> 0"), "0");
+    EXPECT_EQ(Count("CustomerID = 7 AND (KikanName <> '' OR Kubun <> '' OR Nendo1 <> '')"), "1");
+    EXPECT_EQ(One(db_,
+                  "SELECT KikanName FROM tCustomerNyusatsuKanri WHERE CustomerID = 7 AND "
+                  "LocalIndex = 1"),
+              "D");
+
+    // A list with gaps was closed up locally, so it differs until the server is told.
+    cCustKihon k;
+    ASSERT_TRUE(k.ReadXMLNyusatuKikan(
+        ListReply("NyusatsuKikan", {KikanItem(4, 3, "D")}, "2024/06/01 09:30:00")));
+    At(10);
+    EXPECT_NE(k.CompareLocalDBNyusatsuKikan(db_, 7), 0);
+}
+
+TEST_F(NyusatsuListsTest, MoreAgenciesThanTheGridAddRowsThatStay) {
+    DownloadAgencies(Agencies(120));
+    EXPECT_EQ(Count("CustomerID = 7"), "120");
+    EXPECT_EQ(Count("CustomerID = 7 AND disabled = 0 AND KikanName <> ''"), "120");
+    EXPECT_EQ(One(db_, "SELECT KikanName FROM tCustomerNyusatsuKanri WHERE LocalIndex = 120"),
+              "A120");
+    DownloadAgencies(Agencies(2));
+    EXPECT_EQ(Count("CustomerID = 7 AND disabled = 0"), "120");
+}
+
+TEST_F(NyusatsuListsTest, BlankRowsAreInvisibleToTheComparison) {
+    std::string grid;
+    for (int i = 1; i <= 100; ++i) {
+        const bool filled = i == 2 || i == 50 || i == 99;
+        grid +=
+            "INSERT INTO tCustomerNyusatsuKanri (CustomerID, disabled, LocalIndex, "
+            "KikanName, Kubun, Nendo1, RecordUpdate, InetCheckDate) VALUES (7, 0, " +
+            std::to_string(i) + ", '" + (filled ? "A" + std::to_string(i) : "") + "', '" +
+            (filled ? "1" : "") + "', '" + (filled ? "R6" : "") +
+            "', '2024-05-01 08:00:00', '2024-05-01 08:00:00');";
+    }
+    Sql(db_, grid);
+    const std::vector<std::string> three{KikanItem(1, 2, "A2"), KikanItem(2, 50, "A50"),
+                                         KikanItem(3, 99, "A99")};
+    cCustKihon k;
+    ASSERT_TRUE(k.ReadXMLNyusatuKikan(ListReply("NyusatsuKikan", three, "2024/05/20 10:00:00")));
+    EXPECT_EQ(k.CompareLocalDBNyusatsuKikan(db_, 7), 0);
+    // Only the filled rows are stamped as agreed.
+    EXPECT_EQ(Count("CustomerID = 7 AND InetCheckDate > '2024-05-02'"), "3");
+
+    auto four = three;
+    four.push_back(KikanItem(4, 100, "A100"));
+    ASSERT_TRUE(k.ReadXMLNyusatuKikan(ListReply("NyusatsuKikan", four, "2024/06/01 09:30:00")));
+    At(10);
+    EXPECT_EQ(k.CompareLocalDBNyusatsuKikan(db_, 7), 1);
+}
+
+TEST_F(NyusatsuListsTest, UploadNumbersTheFilledRowsAndEndsWithTheYear) {
+    ctrlMorvane obj;
+    LogIn();
+    Sql(db_,
+        "INSERT INTO tCustomer (id, disabled, Code, KanriNendoNyusatsu) VALUES (7, 0, 'C7', "
+        "'2025');"
+        "INSERT INTO tCustomerNyusatsuKanri (id, CustomerID, disabled, LocalIndex, KikanName, "
+        "Kubun, Nendo1, Nendo10) VALUES (11, 7, 0, 1, 'A&1', '2', 'R6', ''), "
+        "(12, 7, 0, 2, '', '', '', ''), (13, 7, 0, 3, '', '', '', 'R9');");
+    server_->On(kSetKikan, Envelope(1, "T2"));
+    server_->On(kSetKihon, Envelope(1, "T3"));
+    EXPECT_EQ(obj.SyncUploadCustomerNyusatsuKikanList(db_, 7), 1);
+    const auto& all = server_->Requests();
+    ASSERT_EQ(all.size(), 3u);
+    EXPECT_EQ(all[0].body,
+              "ID=user1&token=T1&CustomerID=7&NyusatsuKikanItemID=11&DISABLEDALL=DISABLEDALL&"
+              "KikanName=A&1&Kubun=2&Nendo1=R6&Nendo2=&Nendo3=&Nendo4=&Nendo5=&Nendo6=&Nendo7=&"
+              "Nendo8=&Nendo9=&Nendo10=&LocalIndex=1&");
+    EXPECT_NE(all[1].body.find("NyusatsuKikanItemID=13&KikanName="), std::string::npos);
+    EXPECT_NE(all[1].body.find("&Nendo10=R9&LocalIndex=2&"), std::string::npos);
+    EXPECT_EQ(all[2].path, kSetKihon);
+    EXPECT_EQ(all[2].body, "ID=user1&token=T2&CustomerID=7&KanriNendoNyusatsu=2025&");
+    EXPECT_EQ(Count("InetCheckDate IS NOT NULL"), "2");
+
+    // The year refused: the agencies went up, but nothing is stamped.
+    Sql(db_, "UPDATE tCustomerNyusatsuKanri SET InetCheckDate = NULL;");
+    server_->On(kSetKihon, Envelope(-1, "T4"));
+    EXPECT_EQ(obj.SyncUploadCustomerNyusatsuKikanList(db_, 7), 0);
+    EXPECT_EQ(Count("InetCheckDate IS NOT NULL"), "0");
+
+    // No filled row: nothing at all is sent.
+    server_->ClearRequests();
+    Sql(db_,
+        "UPDATE tCustomerNyusatsuKanri SET KikanName = '', Kubun = '', Nendo1 = '', "
+        "Nendo10 = '';");
+    EXPECT_EQ(obj.SyncUploadCustomerNyusatsuKikanList(db_, 7), 0);
+    EXPECT_TRUE(server_->Requests().empty());
+}
+
+TEST_F(NyusatsuListsTest, EntriesTakeAnyFreeRowAndAnEmptyListFreesThemAll) {
+    Sql(db_,
+        "INSERT INTO tCustomerNyusatsuHistory_V5 (id, CustomerID, disabled, vno, KikanCode) "
+        "VALUES (1, 7, 0, 1, 'old'), (2, 8, 1, 1, 'freed by 8'), (3, 8, 0, 1, 'live of 8');");
+    cCustKihon k;
+    ASSERT_TRUE(k.ReadXMLNyusatuSanka(
+        ListReply("NyusatsuSanka", {SankaItem(1, "K1"), SankaItem(2, "K2", {{"Effective", "x"}}),
+                                    SankaItem(3, "K3", {{"Reservation", "4"}})})));
+    ASSERT_EQ(k.SyncDownloadNyusatsuSanka(db_, 7), 1);
+    EXPECT_EQ(Rows(db_,
+                   "SELECT id, CustomerID, disabled, vno, KikanCode, Effective, "
+                   "Reservation, Other, DataFile, CheckSync, Other1 "
+                   "FROM tCustomerNyusatsuHistory_V5 ORDER BY id"),
+              (std::vector<std::string>{
+                  "1|7|0|1|K1|1|0|o|f.pdf|1|p",
+                  "2|7|0|2|K2|0|0|o|f.pdf|1|p",  // customer 8's free row; no number is 0
+                  "3|8|0|1|live of 8|<null>|<null>|<null>|<null>|<null>|<null>",
+                  "4|7|0|3|K3|1|4|o|f.pdf|1|p"}));
+
+    ASSERT_TRUE(k.ReadXMLNyusatuSanka(ListReply("NyusatsuSanka", {})));
+    ASSERT_EQ(k.SyncDownloadNyusatsuSanka(db_, 7), 1);
+    EXPECT_EQ(One(db_,
+                  "SELECT COUNT(*) FROM tCustomerNyusatsuHistory_V5 WHERE CustomerID = 7 "
+                  "AND disabled = 1"),
+              "3");
+}
+
+TEST_F(NyusatsuListsTest, EntriesCompareAgencyEffectAndReservationOnly) {
+    Sql(db_,
+        "INSERT INTO tCustomerNyusatsuHistory_V5 (id, CustomerID, disabled, vno, KikanCode, "
+        "Effective, Reservation, Other, DataFile, CheckSync, Other1, RecordUpdate, "
+        "InetCheckDate) VALUES (1, 7, 0, 2, 'K2', 0, 0, 'mine', '', 0, '', "
+        "'2024-05-01 08:00:00', '2024-05-01 08:00:00'), (2, 7, 0, 1, 'K1', 1, 0, '', 'g', 0, "
+        "'x', '2024-05-01 08:00:00', '2024-05-01 08:00:00');");
+    cCustKihon k;
+    // Walked by position, not by id; the carried texts and the sync mark are not compared.
+    ASSERT_TRUE(k.ReadXMLNyusatuSanka(
+        ListReply("NyusatsuSanka", {SankaItem(9, "K1"), SankaItem(8, "K2", {{"Effective", "0"}})},
+                  "2024/05/20 10:00:00")));
+    EXPECT_EQ(k.CompareLocalDBNyusatsuSanka(db_, 7), 0);
+
+    ASSERT_TRUE(k.ReadXMLNyusatuSanka(ListReply(
+        "NyusatsuSanka",
+        {SankaItem(9, "K1"), SankaItem(8, "K2", {{"Effective", "0"}, {"Reservation", "1"}})},
+        "2024/06/01 09:30:00")));
+    At(10);
+    EXPECT_EQ(k.CompareLocalDBNyusatsuSanka(db_, 7), 1);
+}
+
+TEST(RendoFold, LocalNewerWinsAndEverythingElseFoldsIntoServerNewer) {
+    struct Case {
+        RendoResults results;
+        std::int32_t folded;
+        RendoFlags flags;
+    };
+    const Case cases[] = {
+        {{0, 0, 0, 0}, 0, {false, false, false, false}},
+        {{0, 2, 1, 0}, 2, {false, true, true, false}},
+        {{1, 3, 0, 0}, 1, {true, true, false, false}},
+        {{3, 0, 0, 0}, 1, {true, false, false, false}},
+        {{0, 0, 0, 2}, 2, {false, false, false, true}},
+    };
+    for (const Case& c : cases) {
+        RendoFlags flags{true, true, true, true};
+        EXPECT_EQ(FoldRendoResults(c.results, flags), c.folded);
+        EXPECT_EQ(flags, c.flags);
+    }
+}
+
+}  // namespace
+}  // namespace morvane::test
