@@ -12,6 +12,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/ScopedFd.h"
+
 namespace morvane::platform {
 
 class AtomicFile {
@@ -49,12 +51,12 @@ public:
     const std::filesystem::path& TempPath() const { return temp_; }
 
 private:
-    AtomicFile(std::filesystem::path target, std::filesystem::path temp, int fd);
+    AtomicFile(std::filesystem::path target, std::filesystem::path temp, ScopedFd fd);
     void Discard();
 
     std::filesystem::path target_;
     std::filesystem::path temp_;
-    int fd_ = -1;
+    ScopedFd fd_;
     std::uint64_t written_ = 0;
     bool committed_ = false;
 };
