@@ -9,6 +9,7 @@ constexpr const char* kAccountColumns =
     "id, contract_no, contractor_name, contract_begin, contract_end, shared_count, "
     "max_customer, single_login";
 
+// The account on the statement's next row, if there is one.
 std::optional<Account> ReadAccount(SQLite::Statement& st) {
     if (!st.executeStep()) return std::nullopt;
     Account a;
