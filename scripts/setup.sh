@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(
     build-essential cmake ninja-build pkg-config clang-format clang libclang-rt-14-dev
-    libcurl4-openssl-dev libpugixml-dev libsqlite3-dev libssl-dev zlib1g-dev libicu-dev
+    libcurl4-openssl-dev libpugixml-dev libsqlite3-dev libsqlitecpp-dev libssl-dev zlib1g-dev libicu-dev
     libcpp-httplib-dev libcli11-dev nlohmann-json3-dev python3 python3-jsonschema
     libgtest-dev libgmock-dev libbenchmark-dev
     qt6-base-dev libgl-dev fonts-noto-cjk

@@ -9,16 +9,18 @@ constexpr const char* kAccountColumns =
     "id, contract_no, contractor_name, contract_begin, contract_end, shared_count, "
     "max_customer, single_login";
 
-Account ReadAccount(const Statement& st) {
+// The account on the statement's next row, if there is one.
+std::optional<Account> ReadAccount(SQLite::Statement& st) {
+    if (!st.executeStep()) return std::nullopt;
     Account a;
-    a.id = st.Integer(0);
-    a.fields.contractNo = st.Text(1);
-    a.fields.contractorName = st.Text(2);
-    a.fields.contractBegin = st.Text(3);
-    a.fields.contractEnd = st.Text(4);
-    a.fields.sharedCount = static_cast<std::int32_t>(st.Integer(5));
-    a.fields.maxCustomer = static_cast<std::int32_t>(st.Integer(6));
-    a.fields.singleLogin = st.Integer(7) != 0;
+    a.id = st.getColumn(0).getInt64();
+    a.fields.contractNo = st.getColumn(1).getString();
+    a.fields.contractorName = st.getColumn(2).getString();
+    a.fields.contractBegin = st.getColumn(3).getString();
+    a.fields.contractEnd = st.getColumn(4).getString();
+    a.fields.sharedCount = st.getColumn(5).getInt();
+    a.fields.maxCustomer = st.getColumn(6).getInt();
+    a.fields.singleLogin = st.getColumn(7).getInt() != 0;
     return a;
 }
 }  // namespace
@@ -26,18 +28,12 @@ Account ReadAccount(const Statement& st) {
 std::int64_t AccountStore::CreateAccount(const AccountFields& f) {
     if (f.contractNo.empty()) throw AccountError("a contract number is required");
     if (FindAccount(f.contractNo)) throw AccountError("contract number already exists");
-    db_.Prepare(
-           "INSERT INTO accounts(contract_no, contractor_name, contract_begin, contract_end, "
-           "shared_count, max_customer, single_login) VALUES(?,?,?,?,?,?,?)")
-        .Bind(1, f.contractNo)
-        .Bind(2, f.contractorName)
-        .Bind(3, f.contractBegin)
-        .Bind(4, f.contractEnd)
-        .Bind(5, f.sharedCount)
-        .Bind(6, f.maxCustomer)
-        .Bind(7, f.singleLogin ? 1 : 0)
-        .Run();
-    return db_.LastInsertId();
+    Execute(db_,
+            "INSERT INTO accounts(contract_no, contractor_name, contract_begin, contract_end, "
+            "shared_count, max_customer, single_login) VALUES(?,?,?,?,?,?,?)",
+            f.contractNo, f.contractorName, f.contractBegin, f.contractEnd, f.sharedCount,
+            f.maxCustomer, f.singleLogin ? 1 : 0);
+    return db_.getLastInsertRowid();
 }
 
 void AccountStore::AddUser(const std::string& contractNo, const std::string& userId,
@@ -48,29 +44,24 @@ void AccountStore::AddUser(const std::string& contractNo, const std::string& use
     // Values travel unescaped in request bodies, so these characters could never log in.
     if (userId.find_first_of("&=") != std::string::npos)
         throw AccountError("a user ID may not hold '&' or '='");
-    auto exists = db_.Prepare("SELECT 1 FROM users WHERE account_id=? AND user_id=?");
-    exists.Bind(1, account->id).Bind(2, userId);
-    if (exists.Step()) throw AccountError("user already exists");
-    db_.Prepare("INSERT INTO users(account_id, user_id, user_name, password_hash) VALUES(?,?,?,?)")
-        .Bind(1, account->id)
-        .Bind(2, userId)
-        .Bind(3, userName)
-        .Bind(4, HashPassword(password))
-        .Run();
+    SQLite::Statement exists(db_, "SELECT 1 FROM users WHERE account_id=? AND user_id=?");
+    SQLite::bind(exists, account->id, userId);
+    if (exists.executeStep()) throw AccountError("user already exists");
+    Execute(db_, "INSERT INTO users(account_id, user_id, user_name, password_hash) VALUES(?,?,?,?)",
+            account->id, userId, userName, HashPassword(password));
 }
 
 std::optional<Account> AccountStore::FindAccount(const std::string& contractNo) {
-    auto st = db_.Prepare(std::string("SELECT ") + kAccountColumns +
-                          " FROM accounts WHERE contract_no=?");
-    st.Bind(1, contractNo);
-    if (!st.Step()) return std::nullopt;
+    SQLite::Statement st(
+        db_, std::string("SELECT ") + kAccountColumns + " FROM accounts WHERE contract_no=?");
+    st.bind(1, contractNo);
     return ReadAccount(st);
 }
 
 std::optional<Account> AccountStore::AccountById(std::int64_t id) {
-    auto st = db_.Prepare(std::string("SELECT ") + kAccountColumns + " FROM accounts WHERE id=?");
-    st.Bind(1, id);
-    if (!st.Step()) return std::nullopt;
+    SQLite::Statement st(db_,
+                         std::string("SELECT ") + kAccountColumns + " FROM accounts WHERE id=?");
+    st.bind(1, id);
     return ReadAccount(st);
 }
 
@@ -79,12 +70,12 @@ std::optional<LoginUser> AccountStore::Authenticate(const std::string& contractN
                                                     const std::string& password) {
     auto account = FindAccount(contractNo);
     if (!account) return std::nullopt;
-    auto st =
-        db_.Prepare("SELECT user_name, password_hash FROM users WHERE account_id=? AND user_id=?");
-    st.Bind(1, account->id).Bind(2, userId);
-    if (!st.Step()) return std::nullopt;
-    if (!VerifyPassword(password, st.Text(1))) return std::nullopt;
-    return LoginUser{*account, userId, st.Text(0)};
+    SQLite::Statement st(
+        db_, "SELECT user_name, password_hash FROM users WHERE account_id=? AND user_id=?");
+    SQLite::bind(st, account->id, userId);
+    if (!st.executeStep()) return std::nullopt;
+    if (!VerifyPassword(password, st.getColumn(1).getString())) return std::nullopt;
+    return LoginUser{*account, userId, st.getColumn(0).getString()};
 }
 
 }  // namespace morvane::server

@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "server/db/Database.h"
+#include "server/core/Storage.h"
 
 namespace morvane::server {
 
@@ -39,7 +39,7 @@ public:
 
 class AccountStore {
 public:
-    explicit AccountStore(Database& db) : db_(db) {}
+    explicit AccountStore(SQLite::Database& db) : db_(db) {}
 
     // Creates the account, or fails when the contract number is taken.
     std::int64_t CreateAccount(const AccountFields& fields);
@@ -52,7 +52,7 @@ public:
                                           const std::string& password);
 
 private:
-    Database& db_;
+    SQLite::Database& db_;
 };
 
 }  // namespace morvane::server

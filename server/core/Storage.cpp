@@ -1,5 +1,7 @@
 #include "server/core/Storage.h"
 
+#include <stdexcept>
+
 namespace morvane::server {
 
 namespace {
@@ -47,14 +49,26 @@ CREATE TABLE IF NOT EXISTS item_fields(
     PRIMARY KEY(item, name));
 )sql";
 
+SQLite::Database Open(const std::filesystem::path& file) {
+    try {
+        SQLite::Database db(file.string(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE, 5000);
+        db.exec("PRAGMA journal_mode=WAL");
+        db.exec("PRAGMA foreign_keys=ON");
+        return db;
+    } catch (const SQLite::Exception& e) {
+        // The command line shows this message, so it names the file.
+        throw std::runtime_error("open " + file.string() + ": " + e.what());
+    }
+}
+
 }  // namespace
 
 std::filesystem::path Storage::DatabaseFile(const std::filesystem::path& dataDir) {
     return dataDir / "morvane-server.db";
 }
 
-Storage::Storage(const std::filesystem::path& dataDir) : db_(DatabaseFile(dataDir)) {
-    db_.Exec(kSchema);
+Storage::Storage(const std::filesystem::path& dataDir) : db_(Open(DatabaseFile(dataDir))) {
+    db_.exec(kSchema);
 }
 
 }  // namespace morvane::server

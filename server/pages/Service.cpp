@@ -1,5 +1,7 @@
 #include "server/pages/Service.h"
 
+#include <SQLiteCpp/Transaction.h>
+
 #include "server/util/Text.h"
 
 namespace morvane::server {
@@ -124,13 +126,13 @@ HttpReply Service::RunJudged(const HttpRequest& request, FormBody body, const st
         std::vector<std::function<void()>> afterCommit;
         std::string out;
         {
-            Transaction tx(storage_.Db());
+            SQLite::Transaction tx(storage_.Db(), SQLite::TransactionBehavior::IMMEDIATE);
             XmlWriter xml("root");
             xml.Open("system").Leaf("flags", "1").Leaf("token", newToken).Close();
             Call call{request, std::move(body), user, xml, afterCommit};
             handler(call);
             out = xml.Finish();
-            tx.Commit();
+            tx.commit();
         }
         for (auto& action : afterCommit) {
             try {

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "server/db/Database.h"
+#include "server/core/Storage.h"
 
 namespace morvane::server {
 
@@ -32,7 +32,7 @@ struct Place {
 
 class RecordStore {
 public:
-    explicit RecordStore(Database& db) : db_(db) {}
+    explicit RecordStore(SQLite::Database& db) : db_(db) {}
 
     // Roster.
     bool CustomerExists(std::int64_t account, std::int64_t customer);
@@ -67,7 +67,12 @@ public:
 private:
     std::int64_t ItemRow(const Place& place, const std::string& store, const std::string& itemId,
                          bool create, std::int64_t order);
-    Database& db_;
+    static constexpr const char* kFieldsOfItem = "SELECT name, value FROM item_fields WHERE item=?";
+    // Adds the fields of item `row` to `out`, leaving `st` ready for the next item.
+    static void ReadFields(SQLite::Statement& st, std::int64_t row, Fields& out);
+    void WriteFields(std::int64_t row,
+                     const std::vector<std::pair<std::string, std::string>>& fields);
+    SQLite::Database& db_;
 };
 
 }  // namespace morvane::server

@@ -90,24 +90,6 @@ bool IsXmlSafe(std::string_view s) {
     return true;
 }
 
-std::optional<std::string> PercentDecode(std::string_view s) {
-    std::string out;
-    out.reserve(s.size());
-    for (std::size_t i = 0; i < s.size(); ++i) {
-        if (s[i] != '%') {
-            out += s[i];
-            continue;
-        }
-        if (i + 2 >= s.size()) return std::nullopt;
-        int value = 0;
-        auto [ptr, ec] = std::from_chars(s.data() + i + 1, s.data() + i + 3, value, 16);
-        if (ec != std::errc() || ptr != s.data() + i + 3) return std::nullopt;
-        out += static_cast<char>(value);
-        i += 2;
-    }
-    return out;
-}
-
 std::string StampText(std::chrono::system_clock::time_point t) {
     const std::time_t tt = std::chrono::system_clock::to_time_t(t);
     std::tm tm{};

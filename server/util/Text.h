@@ -22,9 +22,6 @@ std::optional<std::int32_t> ParseInt32(std::string_view s);
 // True when the text is valid UTF-8 and holds only characters an XML 1.0 document may carry.
 bool IsXmlSafe(std::string_view s);
 
-// Decodes %XX sequences; nothing when a sequence is broken.
-std::optional<std::string> PercentDecode(std::string_view s);
-
 // Server clock text "yyyy/MM/dd hh:mm:ss" in local time (24-hour).
 std::string StampText(std::chrono::system_clock::time_point t);
 

@@ -60,7 +60,8 @@ fs::path FolderOf(const fs::path& target) {
 
 bool AtomicFile::WriteAll(const char* data, size_t size) {
     while (size > 0) {
-        const ssize_t n = env_ ? env_->Write(fd_, data, size) : ::write(fd_, data, size);
+        const ssize_t n =
+            env_ ? env_->Write(fd_.Get(), data, size) : ::write(fd_.Get(), data, size);
         if (n < 0 && errno == EINTR) continue;
         if (n < 0) return false;
         data += n;
@@ -79,13 +80,13 @@ std::optional<AtomicFile> AtomicFile::Create(const fs::path& target, mode_t mode
     const fs::path folder = FolderOf(target);
     for (int attempt = 0; attempt < 16; ++attempt) {
         const fs::path temp = folder / (VersionPrefix(target) + RandomHex() + std::string(kSuffix));
-        const int fd =
-            ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
-        if (fd < 0 && errno == EEXIST) continue;
-        if (fd < 0) return std::nullopt;
-        AtomicFile file(target, temp, fd, env);
+        ScopedFd fd(
+            ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
+        if (!fd.Valid() && errno == EEXIST) continue;
+        if (!fd.Valid()) return std::nullopt;
+        AtomicFile file(target, temp, std::move(fd), env);
         // The old file's mode is kept exactly, whatever the umask says.
-        if (hasOld && ::fchmod(fd, old.st_mode & 07777) != 0) {
+        if (hasOld && !file.SetMode(old.st_mode & 07777)) {
             const int err = errno;
             file.Discard();
             errno = err;
@@ -97,13 +98,13 @@ std::optional<AtomicFile> AtomicFile::Create(const fs::path& target, mode_t mode
     return std::nullopt;
 }
 
-AtomicFile::AtomicFile(fs::path target, fs::path temp, int fd, Env* env)
-    : target_(std::move(target)), temp_(std::move(temp)), fd_(fd), env_(env) {}
+AtomicFile::AtomicFile(fs::path target, fs::path temp, ScopedFd fd, Env* env)
+    : target_(std::move(target)), temp_(std::move(temp)), fd_(std::move(fd)), env_(env) {}
 
 AtomicFile::AtomicFile(AtomicFile&& other) noexcept
     : target_(std::move(other.target_)),
       temp_(std::move(other.temp_)),
-      fd_(std::exchange(other.fd_, -1)),
+      fd_(std::move(other.fd_)),
       env_(other.env_),
       written_(other.written_),
       committed_(std::exchange(other.committed_, true)) {}
@@ -111,7 +112,7 @@ AtomicFile::AtomicFile(AtomicFile&& other) noexcept
 AtomicFile::~AtomicFile() { Discard(); }
 
 void AtomicFile::Discard() {
-    if (fd_ >= 0) ::close(std::exchange(fd_, -1));
+    fd_.Close();
     if (!committed_) {
         ::unlink(temp_.c_str());
         committed_ = true;
@@ -119,20 +120,20 @@ void AtomicFile::Discard() {
 }
 
 bool AtomicFile::Write(std::string_view bytes) {
-    if (fd_ < 0 || !WriteAll(bytes.data(), bytes.size())) return false;
+    if (!fd_.Valid() || !WriteAll(bytes.data(), bytes.size())) return false;
     written_ += bytes.size();
     return true;
 }
 
 bool AtomicFile::CopyFrom(const fs::path& source) {
-    if (fd_ < 0) return false;
-    const int in = ::open(source.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
-    if (in < 0) return false;
+    if (!fd_.Valid()) return false;
+    const ScopedFd in(::open(source.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+    if (!in.Valid()) return false;
     struct stat st {};
-    bool ok = ::fstat(in, &st) == 0 && S_ISREG(st.st_mode);
+    bool ok = ::fstat(in.Get(), &st) == 0 && S_ISREG(st.st_mode);
     char buf[1 << 16];
     while (ok) {
-        const ssize_t n = ::read(in, buf, sizeof buf);
+        const ssize_t n = ::read(in.Get(), buf, sizeof buf);
         if (n < 0 && errno == EINTR) continue;
         if (n <= 0) {
             ok = n == 0;
@@ -141,22 +142,19 @@ bool AtomicFile::CopyFrom(const fs::path& source) {
         ok = WriteAll(buf, static_cast<size_t>(n));
         if (ok) written_ += static_cast<std::uint64_t>(n);
     }
-    const int saved = errno;
-    ::close(in);
-    errno = saved;
     return ok;
 }
 
-bool AtomicFile::SetMode(mode_t mode) { return fd_ >= 0 && ::fchmod(fd_, mode) == 0; }
+bool AtomicFile::SetMode(mode_t mode) { return fd_.Valid() && ::fchmod(fd_.Get(), mode) == 0; }
 
 bool AtomicFile::SetModified(timespec modified) {
     const timespec times[2] = {{0, UTIME_OMIT}, modified};
-    return fd_ >= 0 && ::futimens(fd_, times) == 0;
+    return fd_.Valid() && ::futimens(fd_.Get(), times) == 0;
 }
 
 int AtomicFile::Commit(const std::function<int()>& beforeReplace) {
-    if (fd_ < 0 || committed_) return EBADF;
-    if ((env_ ? env_->Sync(fd_) : ::fsync(fd_)) != 0 || ::close(std::exchange(fd_, -1)) != 0) {
+    if (!fd_.Valid() || committed_) return EBADF;
+    if ((env_ ? env_->Sync(fd_.Get()) : ::fsync(fd_.Get())) != 0 || fd_.Close() != 0) {
         const int err = errno;
         Discard();
         return err;
@@ -201,11 +199,9 @@ void RemoveLeftoverVersions(const fs::path& target) {
 }
 
 int SyncFolder(const fs::path& folder) {
-    const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd < 0) return errno;
-    const int err = ::fsync(fd) == 0 ? 0 : errno;
-    ::close(fd);
-    return err;
+    const ScopedFd fd(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!fd.Valid()) return errno;
+    return ::fsync(fd.Get()) == 0 ? 0 : errno;
 }
 
 }  // namespace morvane::platform

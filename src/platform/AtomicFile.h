@@ -12,6 +12,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/ScopedFd.h"
+
 namespace morvane::platform {
 
 class Env;
@@ -52,13 +54,13 @@ public:
     const std::filesystem::path& TempPath() const { return temp_; }
 
 private:
-    AtomicFile(std::filesystem::path target, std::filesystem::path temp, int fd, Env* env);
+    AtomicFile(std::filesystem::path target, std::filesystem::path temp, ScopedFd fd, Env* env);
     void Discard();
     bool WriteAll(const char* data, std::size_t size);
 
     std::filesystem::path target_;
     std::filesystem::path temp_;
-    int fd_ = -1;
+    ScopedFd fd_;
     Env* env_ = nullptr;
     std::uint64_t written_ = 0;
     bool committed_ = false;

@@ -13,6 +13,7 @@
 
 #include "platform/AtomicFile.h"
 #include "platform/Checksum.h"
+#include "platform/ScopedFd.h"
 #include "util/Text.h"
 
 namespace morvane::platform {
@@ -127,38 +128,24 @@ std::optional<Values> ParseChecked(std::string_view text) {
     return std::nullopt;
 }
 
-class ScopedFd {
-public:
-    explicit ScopedFd(int fd) : fd_(fd) {}
-    ~ScopedFd() {
-        if (fd_ >= 0) ::close(fd_);
-    }
-    ScopedFd(const ScopedFd&) = delete;
-    ScopedFd& operator=(const ScopedFd&) = delete;
-    int get() const { return fd_; }
-
-private:
-    int fd_;
-};
-
 // Overwrites the file where it is: no new inode, no rename, nothing flushed, as for a value
 // that changes with every request such a replace costs more than the request itself.
 // oldSize: what the file holds now, if it is there.
 bool OverwriteInPlace(const std::filesystem::path& file, std::string_view text, timespec modified,
                       std::optional<off_t> oldSize) {
     const ScopedFd fd(::open(file.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600));
-    if (fd.get() < 0 || (!oldSize && ::fchmod(fd.get(), 0600) != 0)) return false;
+    if (!fd.Valid() || (!oldSize && ::fchmod(fd.Get(), 0600) != 0)) return false;
     for (size_t done = 0; done < text.size();) {
         const ssize_t n =
-            ::pwrite(fd.get(), text.data() + done, text.size() - done, static_cast<off_t>(done));
+            ::pwrite(fd.Get(), text.data() + done, text.size() - done, static_cast<off_t>(done));
         if (n < 0 && errno == EINTR) continue;
         if (n <= 0) return false;
         done += static_cast<size_t>(n);
     }
     const timespec times[2] = {{0, UTIME_OMIT}, modified};
     const auto size = static_cast<off_t>(text.size());
-    return (oldSize.value_or(size + 1) <= size || ::ftruncate(fd.get(), size) == 0) &&
-           ::futimens(fd.get(), times) == 0;
+    return (oldSize.value_or(size + 1) <= size || ::ftruncate(fd.Get(), size) == 0) &&
+           ::futimens(fd.Get(), times) == 0;
 }
 
 // Strictly past the replaced file's time, so that each version has a stamp of its own even

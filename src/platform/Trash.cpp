@@ -10,31 +10,13 @@
 #include <string>
 
 #include "platform/AtomicFile.h"
+#include "platform/PercentEncoding.h"
+#include "platform/ScopedFd.h"
 
 namespace morvane::platform {
 namespace {
 
 namespace fs = std::filesystem;
-
-// Percent-encodes what a trash note's path may not hold as it is.
-std::string EscapePath(const std::string& path) {
-    static constexpr char kHex[] = "0123456789ABCDEF";
-    std::string out;
-    for (const char ch : path) {
-        const unsigned char c = static_cast<unsigned char>(ch);
-        const bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
-                           (c >= '0' && c <= '9') ||
-                           std::string_view("/-_.~").find(ch) != std::string_view::npos;
-        if (plain) {
-            out += ch;
-        } else {
-            out += '%';
-            out += kHex[c >> 4];
-            out += kHex[c & 15];
-        }
-    }
-    return out;
-}
 
 std::string LocalTimeText() {
     std::time_t now = std::time(nullptr);
@@ -48,11 +30,11 @@ std::string LocalTimeText() {
 // Creates info/<name>.trashinfo exclusively, so two deletions never take one name.
 int ClaimName(const fs::path& infoDir, const std::string& name, const std::string& note) {
     const fs::path info = infoDir / (name + ".trashinfo");
-    const int fd = ::open(info.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-    if (fd < 0) return errno;
-    const ssize_t written = ::write(fd, note.data(), note.size());
+    ScopedFd fd(::open(info.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (!fd.Valid()) return errno;
+    const ssize_t written = ::write(fd.Get(), note.data(), note.size());
     const int err = written == static_cast<ssize_t>(note.size()) ? 0 : EIO;
-    ::close(fd);
+    fd.Close();
     if (err) ::unlink(info.c_str());
     return err;
 }
@@ -79,7 +61,7 @@ int IntoTrash(const fs::path& file, Place place) {
     fs::create_directories(trash / "info", ec);
     if (ec) return ec.value();
 
-    const std::string note = "[Trash Info]\nPath=" + EscapePath(source.string()) +
+    const std::string note = "[Trash Info]\nPath=" + PercentEncode(source.string(), kPathBare) +
                              "\nDeletionDate=" + LocalTimeText() + "\n";
     const std::string stem = source.filename().string();
     for (int n = 1; n < 10000; ++n) {

@@ -251,59 +251,72 @@ std::int32_t cCustKihon::SyncDownloadNormal(const std::string& LocalDB, std::int
     return Download(LocalDB, CustID, false);
 }
 
-std::int32_t cCustKihon::Download(const std::string& LocalDB, std::int32_t CustID, bool mainOnly) {
+std::int32_t cCustKihon::WriteLocal(
+    const std::string& LocalDB,
+    const std::function<void(dao::Database&, const Value&)>& write) const {
     try {
         auto ws = CreateMorvaneWorkspace();
         dao::Database& db = ws->OpenDatabase(LocalDB);
         ws->BeginTrans();
-        const Value now(State().Clock().Now());
-        {
-            // A missing row is not created; the side rows are still written.
-            auto rs = db.OpenRecordset(RowSql(CustID), dao::dbOpenDynaset);
-            if (!Empty(*rs)) {
-                rs->MoveFirst();
-                rs->Edit();
-                for (const KihonField& row : KihonFields()) {
-                    if (!row.table.empty() || (mainOnly && !row.required)) continue;
-                    if (auto v =
-                            record::ToColumn(row.guard, row.writeFormat, row.slot.Get(record_)))
-                        rs->Fields(row.column).PutValue(*v);
-                }
-                if (!mainOnly) {
-                    rs->Fields("RecordUpdate").PutValue(now);
-                    rs->Fields("InetCheckDate").PutValue(now);
-                }
-                rs->Update();
-            }
-        }
-        if (!mainOnly) {
-            for (const char* table : kSideTables) {
-                auto rs = db.OpenRecordset(SideRowSql(table, CustID), dao::dbOpenDynaset);
-                if (Empty(*rs)) {
-                    rs->AddNew();
-                } else {
-                    rs->MoveFirst();
-                    rs->Edit();
-                }
-                rs->Fields("CustomerID").PutValue(Value(CustID));
-                rs->Fields("Disabled").PutValue(Value(std::int32_t{0}));
-                for (const KihonField& row : KihonFields()) {
-                    if (row.table != table) continue;
-                    if (auto v =
-                            record::ToColumn(row.guard, row.writeFormat, row.slot.Get(record_)))
-                        rs->Fields(row.column).PutValue(*v);
-                }
-                rs->Fields("RecordUpdate").PutValue(now);
-                rs->Fields("InetCheckDate").PutValue(now);
-                rs->Update();
-            }
-        }
+        write(db, Value(State().Clock().Now()));
         ws->CommitTrans();
         return 1;
     } catch (...) {
         Trap();
         return 0;
     }
+}
+
+void cCustKihon::PutRow(dao::Recordset& rs, const std::vector<const KihonField*>& fields,
+                        const Value* now) const {
+    for (const KihonField* row : fields)
+        if (auto v = record::ToColumn(row->guard, row->writeFormat, row->slot.Get(record_)))
+            rs.Fields(row->column).PutValue(*v);
+    if (now) {
+        rs.Fields("RecordUpdate").PutValue(*now);
+        rs.Fields("InetCheckDate").PutValue(*now);
+    }
+    rs.Update();
+}
+
+void cCustKihon::EditFirstRow(dao::Database& db, const std::string& sql,
+                              const std::vector<const KihonField*>& fields,
+                              const Value* now) const {
+    // A missing row is not created.
+    auto rs = db.OpenRecordset(sql, dao::dbOpenDynaset);
+    if (Empty(*rs)) return;
+    rs->MoveFirst();
+    rs->Edit();
+    PutRow(*rs, fields, now);
+}
+
+std::int32_t cCustKihon::Download(const std::string& LocalDB, std::int32_t CustID, bool mainOnly) {
+    const auto pick = [](auto take) {
+        std::vector<const KihonField*> out;
+        for (const KihonField& row : KihonFields())
+            if (take(row)) out.push_back(&row);
+        return out;
+    };
+    return WriteLocal(LocalDB, [&](dao::Database& db, const Value& now) {
+        // A missing main row is not created; the side rows are still written.
+        EditFirstRow(db, RowSql(CustID), pick([&](const KihonField& row) {
+                         return row.table.empty() && (row.required || !mainOnly);
+                     }),
+                     mainOnly ? nullptr : &now);
+        if (mainOnly) return;
+        for (const char* table : kSideTables) {
+            auto rs = db.OpenRecordset(SideRowSql(table, CustID), dao::dbOpenDynaset);
+            if (Empty(*rs)) {
+                rs->AddNew();
+            } else {
+                rs->MoveFirst();
+                rs->Edit();
+            }
+            rs->Fields("CustomerID").PutValue(Value(CustID));
+            rs->Fields("Disabled").PutValue(Value(std::int32_t{0}));
+            PutRow(*rs, pick([&](const KihonField& row) { return row.table == table; }), &now);
+        }
+    });
 }
 
 // ---- Loading and sending ---------------------------------------------------------------

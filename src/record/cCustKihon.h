@@ -5,8 +5,10 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "record/EigyoshoList.h"
 #include "record/KihonFields.h"
@@ -22,7 +24,8 @@ class XmlDocument;
 }
 namespace dao {
 class Database;
-}
+class Recordset;
+}  // namespace dao
 
 // The four kinds the linkage calls move as one: main record, trades, staff, offices.
 using RendoResults = std::array<std::int32_t, 4>;
@@ -140,6 +143,17 @@ private:
     void LoadKanriNendo(const std::string& LocalDB, std::int32_t CustID);
     std::int32_t CompareLocal(const std::string& LocalDB, std::int32_t CustID, bool mainOnly);
     std::int32_t Download(const std::string& LocalDB, std::int32_t CustID, bool mainOnly);
+    // Runs `write` on the local database in one transaction, with the present time for the
+    // rows' stamps: 1 when it committed, else 0 with the error trapped and nothing written.
+    std::int32_t WriteLocal(const std::string& LocalDB,
+                            const std::function<void(dao::Database&, const Value&)>& write) const;
+    // Writes the record's value of each field into the row `rs` is editing or adding, and the
+    // stamps when `now` is given, then saves the row.
+    void PutRow(dao::Recordset& rs, const std::vector<const KihonField*>& fields,
+                const Value* now) const;
+    // The same into the first row `sql` selects; a missing row is not created.
+    void EditFirstRow(dao::Database& db, const std::string& sql,
+                      const std::vector<const KihonField*>& fields, const Value* now) const;
 
     std::int32_t customerId_ = 0;
     KihonRecord record_;

@@ -108,55 +108,27 @@ std::int32_t cCustKihon::CompareLocalDBGyosyu(const std::string& LocalDB, std::i
 }
 
 std::int32_t cCustKihon::SyncDownloadGyosyu(const std::string& LocalDB, std::int32_t CustID) {
-    try {
-        auto ws = CreateMorvaneWorkspace();
-        dao::Database& db = ws->OpenDatabase(LocalDB);
-        ws->BeginTrans();
-        const Value now(State().Clock().Now());
-        {
-            auto rs = db.OpenRecordset(HeaderSql(CustID), dao::dbOpenDynaset);
-            if (!Empty(*rs)) {
-                rs->MoveFirst();
+    return WriteLocal(LocalDB, [&](dao::Database& db, const Value& now) {
+        std::vector<const KihonField*> header;
+        for (const KihonField& row : GyoshuHeaderFields()) header.push_back(&row);
+        EditFirstRow(db, HeaderSql(CustID), header, &now);
+        // Rows are matched by position; an added row takes its code from the table.
+        auto rs = db.OpenRecordset(GridSql(CustID), dao::dbOpenDynaset);
+        bool adding = Empty(*rs);
+        if (!adding) rs->MoveFirst();
+        for (int i = 0; i < kGyoshuCount; ++i) {
+            if (!adding && rs->Eof()) adding = true;
+            if (adding) {
+                rs->AddNew();
+                rs->Fields("Customerid").PutValue(Value(CustID));
+                rs->Fields("disabled").PutValue(Value(std::int32_t{0}));
+            } else {
                 rs->Edit();
-                for (const KihonField& row : GyoshuHeaderFields())
-                    if (auto v =
-                            record::ToColumn(row.guard, row.writeFormat, row.slot.Get(record_)))
-                        rs->Fields(row.column).PutValue(*v);
-                rs->Fields("RecordUpdate").PutValue(now);
-                rs->Fields("InetCheckDate").PutValue(now);
-                rs->Update();
             }
+            PutRow(*rs, {&GyoshuCheckField(i), &GyoshuDateField(i)}, &now);
+            if (!adding) rs->MoveNext();
         }
-        {
-            // Rows are matched by position; an added row takes its code from the table.
-            auto rs = db.OpenRecordset(GridSql(CustID), dao::dbOpenDynaset);
-            bool adding = Empty(*rs);
-            if (!adding) rs->MoveFirst();
-            for (int i = 0; i < kGyoshuCount; ++i) {
-                if (!adding && rs->Eof()) adding = true;
-                if (adding) {
-                    rs->AddNew();
-                    rs->Fields("Customerid").PutValue(Value(CustID));
-                    rs->Fields("disabled").PutValue(Value(std::int32_t{0}));
-                } else {
-                    rs->Edit();
-                }
-                for (const KihonField* cell : {&GyoshuCheckField(i), &GyoshuDateField(i)})
-                    if (auto v = record::ToColumn(cell->guard, cell->writeFormat,
-                                                  cell->slot.Get(record_)))
-                        rs->Fields(cell->column).PutValue(*v);
-                rs->Fields("RecordUpdate").PutValue(now);
-                rs->Fields("InetCheckDate").PutValue(now);
-                rs->Update();
-                if (!adding) rs->MoveNext();
-            }
-        }
-        ws->CommitTrans();
-        return 1;
-    } catch (...) {
-        Trap();
-        return 0;
-    }
+    });
 }
 
 void cCustKihon::LoadLocalGyosyu(dao::Database& db, std::int32_t CustID) {

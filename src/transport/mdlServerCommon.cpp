@@ -1,6 +1,7 @@
 #include "transport/mdlServerCommon.h"
 
 #include "BuildConfig.h"
+#include "platform/PercentEncoding.h"
 #include "session/ProcessState.h"
 #include "session/mdlRegConstMorvane.h"
 #include "session/mdlRegControlMorvane.h"
@@ -60,23 +61,7 @@ std::string PostConnectionTest(std::string_view url, std::string_view contractNo
 }
 
 std::string EncodeURIValue(std::string_view text) {
-    static constexpr std::string_view kKept = "-_.!~*'();,/?:@&=+$#";
-    static constexpr char kHex[] = "0123456789ABCDEF";
-    std::string out;
-    out.reserve(text.size() * 3);
-    for (const char ch : text) {
-        const unsigned char c = static_cast<unsigned char>(ch);
-        const bool alnum =
-            (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-        if (alnum || kKept.find(ch) != std::string_view::npos) {
-            out += ch;
-        } else {
-            out += '%';
-            out += kHex[c >> 4];
-            out += kHex[c & 15];
-        }
-    }
-    return out;
+    return platform::PercentEncode(text, platform::kUriBare);
 }
 
 }  // namespace morvane

@@ -1,8 +1,11 @@
 // Bad requests get failure replies and change nothing; concurrent clients stay consistent.
+#include <SQLiteCpp/Database.h>
+
 #include <atomic>
 #include <thread>
 
 #include "ServerFixture.h"
+#include "server/core/Storage.h"
 
 namespace morvane::server::testing {
 namespace {
@@ -53,6 +56,26 @@ TEST_F(ServerTest, AFailedWriteChangesNothing) {
     }
     EXPECT_EQ(Flags(u, "customer/createCompKihon.php", "CustomerID=2&Code=\x02&", "id"), -1);
     EXPECT_EQ(Call(u, "customer/getCompList.php", "").At("compList/CompCount"), "1");
+}
+
+TEST_F(ServerTest, ADatabaseErrorFailsThatPageOnlyAndStoresNothing) {
+    Login u = LogIn();
+    CreateCustomer(u, 1);
+    SQLite::Database db(Storage::DatabaseFile(options_.dataDir).string(), SQLite::OPEN_READWRITE);
+    db.exec("DROP TABLE item_fields; DROP TABLE users");
+    const auto items = [&] { return db.execAndGet("SELECT COUNT(*) FROM items").getInt(); };
+    const int before = items();
+
+    Reply read = Call(u, "customer/getCompKihon.php", "CustomerID=1&");
+    EXPECT_EQ(read.Flags(), -1);
+    EXPECT_FALSE(read.Token().empty()) << "the session goes on";
+    // The item row was written before the failing statement; the page's transaction drops it.
+    EXPECT_EQ(Call(u, "customer/setMemo.php", "CustomerID=1&MemoItemID=1&History=h&").Flags(), -1);
+    EXPECT_EQ(items(), before);
+    EXPECT_EQ(Call(u, "customer/lockComp.php", "CustomerID=1&", "id").At("LockInfo/Customer/result"),
+              "1");
+    // Outside a page's transaction the error still ends in a failure reply.
+    EXPECT_EQ(Post("login.php", "no=K100&ID=u1&PW=secret&").Flags(), -1);
 }
 
 TEST_F(ServerTest, ConcurrentClientsOnOneCustomerKeepEveryItemAndOneLockHolder) {

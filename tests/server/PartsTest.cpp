@@ -132,16 +132,13 @@ TEST(XmlWriter, EscapesValuesAndRefusesWhatXmlCannotHold) {
     EXPECT_THROW(bad.Leaf("v", "\xc0\xaf"), XmlBuildError);
 }
 
-TEST(Text, NumbersAndPercentDecoding) {
+TEST(Text, Numbers) {
     EXPECT_EQ(LeadingNumber(" 12abc"), 12);
     EXPECT_EQ(LeadingNumber("-3"), -3);
     EXPECT_EQ(LeadingNumber("x"), 0);
     EXPECT_EQ(ParseInt32("2147483647"), 2147483647);
     EXPECT_FALSE(ParseInt32("2147483648"));
     EXPECT_FALSE(ParseInt32("1x"));
-    EXPECT_EQ(PercentDecode("%E6%B1%BA%20a"), "決 a");
-    EXPECT_FALSE(PercentDecode("%E"));
-    EXPECT_FALSE(PercentDecode("%zz"));
 }
 
 }  // namespace
