@@ -30,16 +30,16 @@ struct Fault {
     std::function<void(FaultEnv&)> set;
 };
 
-class FaultsTest : public MorvaneTest {
+class FaultsTest : public RecordDbTest {
 protected:
     void SetUp() override {
-        MorvaneTest::SetUp();
+        RecordDbTest::SetUp();
         faults_ = std::make_shared<FaultEnv>(State().Env());
         State().SetEnv(faults_);
     }
     void TearDown() override {
         State().SetEnv(nullptr);
-        MorvaneTest::TearDown();
+        RecordDbTest::TearDown();
     }
     std::shared_ptr<FaultEnv> faults_;
 };
@@ -91,8 +91,7 @@ TEST_F(FaultsTest, ADataFileDownloadThatBreaksAnywhereLeavesTheLocalFileWhole) {
 }
 
 TEST_F(FaultsTest, ARecordDownloadThatBreaksInTheDatabaseLeavesTheRowAsItWas) {
-    std::shared_ptr<FixedClock> clock;
-    const std::string db = EmptyCustomerDb(temp_.Path() / "db", clock).string();
+    const std::string& db = db_;
     Sql(db,
         "INSERT INTO tCustomer (id, disabled, Code, ZipCode0, TAddr0, RecordUpdate, "
         "InetCheckDate) VALUES (7, 0, 'C7', '999', 'old', '2024-05-01 09:00:00', "
