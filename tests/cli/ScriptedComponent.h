@@ -34,9 +34,8 @@ public:
     std::string inetDateServer;
     RosterChoice chosen{1, "", "3", "2", "9"};  // the reconciliation dialog's, but its answer
     int loginState = 1, loginStateAfterRefusal = 1;
-    bool loginAsks = false;      // the login from the settings asks the server
-    bool passwordSaved = false;  // a fresh login with it is taken
-    int answersLeft = -1;        // the server answers no request after these; -1: all
+    bool loginAsks = false;  // the login from the settings asks the server
+    int answersLeft = -1;    // the server answers no request after these; -1: all
     // Requests the server refuses; members that send nothing and answer 0 (no local row).
     std::set<std::string, std::less<>> refused, sendNothing;
     PerCustomer<std::vector<std::string>> files;
@@ -98,12 +97,7 @@ public:
         ++exchanges.tried;
         return Answered() ? loginState : 0;
     }
-    int LoginWithSavedPassword() override {
-        if (!passwordSaved) return loginState;
-        ++exchanges.tried;
-        refused.erase("CompareCustomerList");
-        return loginState = 1;
-    }
+    int LoginWithSavedPassword() override { return loginState; }  // no password saved
     int LoginState() const override { return loginState; }
     ExchangeCounts Exchanges() const override { return exchanges; }
     SeenStamps TakeComparedStamps() override { return std::exchange(pendingStamps_, {}); }
