@@ -4,10 +4,10 @@
 #include <filesystem>
 #include <limits>
 #include <system_error>
+#include <variant>
 
 #include "ReachReason.h"
 #include "platform/Dao.h"
-#include "session/DispatchTable.h"
 #include "session/ProcessState.h"
 #include "session/basTextEncrypt.h"
 #include "session/mdlLogin.h"
@@ -20,26 +20,112 @@
 
 namespace morvane::cli {
 
-bool ObjectComponent::Has(std::string_view member) const {
-    return DispatchTable::Instance().Find(member) != nullptr;
+namespace {
+
+template <class... Call>
+struct Overloaded : Call... {
+    using Call::operator()...;
+};
+
+}  // namespace
+
+std::int32_t ObjectComponent::Run(const KindMember& member, const KindArgs& a) {
+    ctrlMorvane& o = obj_;
+    return std::visit(
+        Overloaded{
+            [](std::monostate) { return std::int32_t{0}; },
+            [&](CustomerCall call) { return (o.*call)(a.db, a.custId); },
+            [&](MasterCall call) { return (o.*call)(a.db); },
+            [&](FileCompareCall call) { return (o.*call)(a.custId, a.file); },
+            [&](FileMoveCall call) { return (o.*call)(a.custId, a.file, nullptr); },
+            [&](FormCall call) { return (o.*call)(a.db, a.custId, a.dataId, a.kessan); },
+        },
+        member.call);
 }
 
-Value ObjectComponent::Call(std::string_view member, const std::vector<Value>& args) {
-    const DispatchTable& table = DispatchTable::Instance();
-    const DispatchMember* m = table.Find(member);
-    if (!m || m->params.size() != args.size()) return Value();
-    std::vector<DispatchArg> converted;
-    for (size_t i = 0; i < args.size(); ++i) {
-        DispatchArg a;
-        if (m->params[i].type != ArgType::Object) a.value = args[i];
-        converted.push_back(a);
-    }
-    try {
-        return table.Invoke(obj_, m->name, converted);
-    } catch (const std::exception&) {
-        return Value();
-    }
+std::int32_t ObjectComponent::CompareCustomerList(const std::string& localDb) {
+    return obj_.CompareCustomerList(localDb);
 }
+
+std::int32_t ObjectComponent::SyncDownloadCustomerList(const std::string& localDb) {
+    return obj_.SyncDownloadCustomerList(localDb);
+}
+
+std::int32_t ObjectComponent::SyncUploadAddCustomer(const std::string& localDb,
+                                                    std::int32_t custId) {
+    return obj_.SyncUploadAddCustomer(localDb, custId);
+}
+
+std::int32_t ObjectComponent::SyncUploadDelCustomer(std::int32_t custId) {
+    return obj_.SyncUploadDelCustomer(custId);
+}
+
+RosterChoice ObjectComponent::ShowCompareCustListDlg() {
+    RosterChoice chosen;
+    chosen.answer = obj_.ShowCompareCustListDlg(nullptr, Value(), Value(), Value(), Value());
+    chosen.addLocal = obj_.GetCompareCustListDlg_AddLocalIDs();
+    chosen.addServer = obj_.GetCompareCustListDlg_AddServerIDs();
+    chosen.delLocal = obj_.GetCompareCustListDlg_DelLocalIDs();
+    chosen.delServer = obj_.GetCompareCustListDlg_DelServerIDs();
+    return chosen;
+}
+
+std::int32_t ObjectComponent::CheckInetEnabledFlags(const std::string& localDb) {
+    return obj_.CheckInetEnabledFlags(localDb);
+}
+
+std::int32_t ObjectComponent::ShowSelectCustEnabledDlg(const std::string& localDb,
+                                                       std::int32_t showType) {
+    return obj_.ShowSelectCustEnabledDlg(nullptr, localDb, showType, Value(), Value(), Value(),
+                                         Value());
+}
+
+std::int32_t ObjectComponent::CheckExistCustID(std::int32_t custId) {
+    return obj_.CheckExistCustID(custId);
+}
+
+std::int32_t ObjectComponent::CustmerInetEnabledFlag(std::int32_t custId) {
+    return obj_.CustmerInetEnabledFlag(custId);
+}
+
+std::int32_t ObjectComponent::CustmerBackupedTableSyncFlag(std::int32_t custId,
+                                                           std::int32_t index) {
+    return obj_.CustmerBackupedTableSyncFlag(custId, index);
+}
+
+std::string ObjectComponent::CustmerRecordUpdateTable_Server(std::int32_t custId,
+                                                             std::int32_t index) {
+    return obj_.CustmerRecordUpdateTable_Server(custId, index);
+}
+
+std::string ObjectComponent::CustmerRecordUpdateTable_Local(std::int32_t custId,
+                                                            std::int32_t index) {
+    return obj_.CustmerRecordUpdateTable_Local(custId, index);
+}
+
+std::string ObjectComponent::InetDateServer() { return obj_.InetDateServer(); }
+
+std::int32_t ObjectComponent::LockCoustomer(std::int32_t custId) {
+    return obj_.LockCoustomer(custId);
+}
+
+std::int32_t ObjectComponent::UnlockCoustomer(std::int32_t custId) {
+    return obj_.UnlockCoustomer(custId);
+}
+
+std::int32_t ObjectComponent::LockMasterData(std::int32_t mastId) {
+    return obj_.LockMasterData(mastId);
+}
+
+std::int32_t ObjectComponent::UnlockMasterData(std::int32_t mastId) {
+    return obj_.UnlockMasterData(mastId);
+}
+
+std::int32_t ObjectComponent::ShowCompareMsg(const std::string& title) {
+    return obj_.ShowCompareMsg(nullptr, title, Value(), Value(), Value(), Value());
+}
+
+void ObjectComponent::setObjectUsage(std::int32_t usage) { obj_.setObjectUsage(usage); }
 
 int ObjectComponent::LoginFromSettings() {
     LoadLoginInfo();

@@ -18,14 +18,14 @@ void SyncRun::Form(const SyncKind& kind, std::int32_t id, const std::vector<int>
                    ? c_.FormOwners(prefDb, BackupTables()[kind.tables[table]].name, id)
                    : std::vector<FormOwner>{};
     };
-    if (!kind.compare.empty()) {
+    if (kind.compare) {
         const std::vector<FormOwner> main = owners(0);
         const bool holds = !main.empty() || !owners(1).empty();
         // The host opens the form from the record its main row names, if any.
         const FormOwner owner = main.empty() ? FormOwner{} : main.front();
-        const std::vector<Value> args{Value(prefDb), Value(id), Value(owner.dataId),
-                                      Value(owner.kessan)};
-        const int decision = Compare(kind, id, args);
+        const KindArgs args{
+            .db = prefDb, .custId = id, .dataId = owner.dataId, .kessan = owner.kessan};
+        const int decision = Compare(kind, args);
         if (decision < 0) {
             ++summary_.failures;
             out_ << label << ": the comparison failed\n";
@@ -34,14 +34,12 @@ void SyncRun::Form(const SyncKind& kind, std::int32_t id, const std::vector<int>
         // Every live row counts as the one form, and a download leaves its rows to no one:
         // a customer holding no rows of it, for whom the server holds no form either, has
         // none, whatever the stamps of the others' say.
-        if ((decision == 2 || decision == 3) && !holds &&
-            NzString(c_.Call("InetDateServer", {})).empty())
-            return;
+        if ((decision == 2 || decision == 3) && !holds && c_.InetDateServer().empty()) return;
         if (decision != 0 && !options_.dryRun && !locked) {
-            tally_[kind.name].differ[decision]++;
+            tally_[kind.name][decision]++;
             return;
         }
-        Decide(kind, decision, args, label, id);
+        Decide(kind, decision, args, label);
         return;
     }
     // Sent up only, so the snapshot decides.
@@ -50,7 +48,7 @@ void SyncRun::Form(const SyncKind& kind, std::int32_t id, const std::vector<int>
     decision = WithUnfinishedMove(kind, id, decision, label);
     if (decision == 0) return;
     if (!options_.dryRun && !locked) {
-        tally_[kind.name].differ[decision]++;
+        tally_[kind.name][decision]++;
         return;
     }
     if (decision == 3) {
@@ -82,15 +80,16 @@ void SyncRun::Form(const SyncKind& kind, std::int32_t id, const std::vector<int>
                 Event(id, &kind, kind.name, "would upload", what);
                 continue;
             }
-            if (CallOk(kind.upload,
-                       {Value(prefDb), Value(id), Value(owner.dataId), Value(owner.kessan)})) {
+            const KindArgs args{
+                .db = prefDb, .custId = id, .dataId = owner.dataId, .kessan = owner.kessan};
+            if (CallOk([&] { return c_.Run(kind.upload, args); })) {
                 ++summary_.uploads;
                 out_ << what << ": uploaded\n";
                 Event(id, &kind, kind.name, "uploaded", what);
             } else {
                 ++summary_.failures;
-                out_ << what << ": " << kind.upload << " failed\n";
-                Event(id, &kind, kind.name, "failed", what + ": " + kind.upload + " failed");
+                out_ << what << ": " << kind.upload.name << " failed\n";
+                Event(id, &kind, kind.name, "failed", what + ": " + kind.upload.name + " failed");
                 all = false;
             }
         }

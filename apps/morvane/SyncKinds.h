@@ -1,30 +1,61 @@
-// The kinds of data a synchronisation walks, each with the members that compare and move it
-// and the backed-up tables whose stamps it covers. A kind is live once its members are in
-// the dispatch table: a new worker makes its row live without a change here.
+// The kinds of data a synchronisation walks, each with the members of the public object that
+// compare and move it and the backed-up tables whose stamps it covers.
 #pragma once
 
+#include <cstdint>
 #include <string>
-#include <string_view>
+#include <variant>
 #include <vector>
+
+namespace morvane {
+class ctrlMorvane;
+namespace forms {
+class Form;
+}
+}  // namespace morvane
 
 namespace morvane::cli {
 
 enum class KindScope {
     Customer,      // members take (LocalDB, CustID), under the customer's lock
     Master,        // members take (Master.dat path), under the master lock
-    CustomerFile,  // members take (CustID, LocalFile, Owner): needs the host's walk of files
+    CustomerFile,  // members take (CustID, LocalFile[, Owner]): needs the host's walk of files
     CustomerForm,  // members take (prefcustom.dat path, CustID, DataID, bKessan), under the
                    // lock; its first table's rows name the data files its forms belong to
     StampsOnly,    // tables compared by stamp alone: the component has no worker for them
 };
 
-struct SyncKind {
+// The member signatures a kind's compare, download and upload come in.
+using CustomerCall = std::int32_t (ctrlMorvane::*)(const std::string&, std::int32_t);
+using MasterCall = std::int32_t (ctrlMorvane::*)(const std::string&);
+using FileCompareCall = std::int32_t (ctrlMorvane::*)(std::int32_t, const std::string&);
+using FileMoveCall = std::int32_t (ctrlMorvane::*)(std::int32_t, const std::string&, forms::Form*);
+using FormCall = std::int32_t (ctrlMorvane::*)(const std::string&, std::int32_t, double, bool);
+
+// One member of the public object, with the name messages and the run log give it.
+struct KindMember {
     std::string name;
+    std::variant<std::monostate, CustomerCall, MasterCall, FileCompareCall, FileMoveCall, FormCall>
+        call;
+    explicit operator bool() const { return call.index() != 0; }
+};
+
+// What a kind's member is called with; each scope takes its own of these.
+struct KindArgs {
+    std::string db{};  // Customer.dat, Master.dat or prefcustom.dat
+    std::int32_t custId = 0;
+    std::string file{};  // CustomerFile: the data file's local path
+    double dataId = 0;   // CustomerForm: the data file the form belongs to
+    bool kessan = true;  // CustomerForm: a settlement record's data file, else a permit record's
+};
+
+struct SyncKind {
+    std::string name;  // as the run prints it and the journal keeps it
     KindScope scope = KindScope::Customer;
     std::vector<int> tables;  // backup table indexes whose snapshot flags it covers
-    std::string compare;      // member names; empty where the kind has no such member
-    std::string download;
-    std::string upload;
+    KindMember compare;       // none where the kind has no such member
+    KindMember download;
+    KindMember upload;
     std::string fileTable;  // CustomerFile: the records whose DataFile names the files
     std::string records;    // CustomerFile: the kind of those records
     // A move commits its first table before it touches the second: one cut in between is

@@ -146,16 +146,9 @@ void SyncRun::Event(std::int32_t customer, const SyncKind* kind, const std::stri
     summary_.events.push_back(std::move(e));
 }
 
-bool SyncRun::Live(const SyncKind& kind) const {
-    if (kind.scope == KindScope::StampsOnly) return false;
-    if (kind.scope == KindScope::CustomerForm && kind.compare.empty()) return c_.Has(kind.upload);
-    return !kind.compare.empty() && c_.Has(kind.compare) && c_.Has(kind.download) &&
-           c_.Has(kind.upload);
-}
-
-SyncRun::Answer SyncRun::Ask(std::string_view member, const std::vector<Value>& args) {
+SyncRun::Answer SyncRun::Ask(const std::function<std::int32_t()>& call) {
     const ExchangeCounts before = c_.Exchanges();
-    Answer answer{c_.Call(member, args)};
+    Answer answer{call()};
     const ExchangeCounts after = c_.Exchanges();
     answer.failed = after.failed > before.failed || after.unanswered > before.unanswered ||
                     after.errors > before.errors;
@@ -178,21 +171,22 @@ SyncRun::Answer SyncRun::Ask(std::string_view member, const std::vector<Value>& 
     return answer;
 }
 
-bool SyncRun::CallOk(std::string_view member, const std::vector<Value>& args) {
-    const Answer answer = Ask(member, args);
-    return !answer.failed && NzLong(answer.value) == 1;
+bool SyncRun::CallOk(const std::function<std::int32_t()>& call) {
+    const Answer answer = Ask(call);
+    return !answer.failed && answer.value == 1;
 }
 
-int SyncRun::Compare(const SyncKind& kind, std::int32_t custId, const std::vector<Value>& args) {
+int SyncRun::Compare(const SyncKind& kind, const KindArgs& args) {
+    const std::int32_t custId = args.custId;
     c_.TakeComparedStamps();
-    const Answer answer = Ask(kind.compare, args);
+    const Answer answer = Ask([&] { return c_.Run(kind.compare, args); });
     const SeenStamps seen = c_.TakeComparedStamps();
     lastSeen_ = seen;
     if (answer.failed) {
         Event(custId, &kind, kind.name, "failed", "the comparison failed");
         return -1;
     }
-    const int decision = NzLong(answer.value);
+    const int decision = answer.value;
     keptWorker_ = decision != 0;
     const std::optional<SeenStamps> agreed = journal_.Find(custId, kind.name);
     int folded = WithJournal(decision, agreed, seen);
@@ -235,16 +229,17 @@ bool SyncRun::Move(const SyncKind& kind, std::int32_t custId, int way, const std
     return done;
 }
 
-bool SyncRun::Settle(KindScope scope, std::int32_t custId, const std::vector<Value>& args) {
+bool SyncRun::Settle(KindScope scope, const KindArgs& args) {
+    const std::int32_t custId = args.custId;
     if (options_.journal.empty() || options_.dryRun) return false;
     bool agree = true;
     // Once every kind has moved: a later kind's move may change an earlier one's stamps.
     for (const SyncKind& kind : SyncKinds()) {
-        if (kind.scope != scope || !Live(kind) || Stopped()) continue;
+        if (kind.scope != scope || Stopped()) continue;
         c_.TakeComparedStamps();
-        const Answer answer = Ask(kind.compare, args);
+        const Answer answer = Ask([&] { return c_.Run(kind.compare, args); });
         const SeenStamps seen = c_.TakeComparedStamps();
-        if (!answer.failed && NzLong(answer.value) == 0) {
+        if (!answer.failed && answer.value == 0) {
             journal_.Agreed(custId, kind.name, seen);
         } else if (!answer.failed && journal_.Find(custId, kind.name + " kept") == seen) {
             // Still nothing to send: settled as the server keeps it.
@@ -275,13 +270,10 @@ SeenStamps SyncRun::CustomerStamps(std::int32_t id) {
     // nothing of what either side holds.
     SeenStamps folded;
     for (const SyncKind& kind : SyncKinds()) {
-        if (!CustomerKind(kind) || !Live(kind)) continue;
+        if (!CustomerKind(kind)) continue;
         for (int t : kind.tables) {
-            const std::vector<Value> at{Value(id), Value(t)};
-            folded.server =
-                FoldText(folded.server, NzString(c_.Call("CustmerRecordUpdateTable_Server", at)));
-            folded.local =
-                FoldText(folded.local, NzString(c_.Call("CustmerRecordUpdateTable_Local", at)));
+            folded.server = FoldText(folded.server, c_.CustmerRecordUpdateTable_Server(id, t));
+            folded.local = FoldText(folded.local, c_.CustmerRecordUpdateTable_Local(id, t));
         }
     }
     const auto local = [&](std::int32_t who) {
@@ -294,10 +286,9 @@ SeenStamps SyncRun::CustomerStamps(std::int32_t id) {
 
 bool SyncRun::SnapshotAgrees(std::int32_t id) {
     for (const SyncKind& kind : SyncKinds()) {
-        if (!CustomerKind(kind) || !Live(kind)) continue;
+        if (!CustomerKind(kind)) continue;
         std::vector<int> flags;
-        for (int t : kind.tables)
-            flags.push_back(NzLong(c_.Call("CustmerBackupedTableSyncFlag", {Value(id), Value(t)})));
+        for (int t : kind.tables) flags.push_back(c_.CustmerBackupedTableSyncFlag(id, t));
         if (SnapshotDecision(kind, flags) != 0) return false;
     }
     return true;
@@ -314,7 +305,7 @@ bool SyncRun::Unchanged(std::int32_t id) {
 void SyncRun::RecordSettled() {
     if (settled_.empty() || options_.dryRun || Stopped()) return;
     // Once more for the stamps the moves left; a failure only means the next run walks them.
-    const Answer again = Ask("CompareCustomerList", {Value(options_.localDb)});
+    const Answer again = Ask([&] { return c_.CompareCustomerList(options_.localDb); });
     if (again.failed) return;
     fingerprints_ = c_.LocalFingerprints(localTables_, dataDir_);
     for (const auto& [id, when] : settled_) {
@@ -322,8 +313,7 @@ void SyncRun::RecordSettled() {
         for (const LocalTable& t : localTables_) {
             if (t.index < 0) continue;
             // A server stamp after the customer settled is somebody else's move.
-            const auto stamp = DateValue::Parse(
-                NzString(c_.Call("CustmerRecordUpdateTable_Server", {Value(id), Value(t.index)})));
+            const auto stamp = DateValue::Parse(c_.CustmerRecordUpdateTable_Server(id, t.index));
             if (stamp && *stamp > when) quiet = false;
         }
         if (quiet) journal_.Agreed(id, kCustomerEntry, CustomerStamps(id));
@@ -362,7 +352,7 @@ SyncSummary SyncRun::Run() {
     summary_.customers = static_cast<int>(ids.size());
     localTables_.clear();
     for (const SyncKind& kind : SyncKinds()) {
-        if (!CustomerKind(kind) || !Live(kind)) continue;
+        if (!CustomerKind(kind)) continue;
         for (int t : kind.tables) localTables_.push_back(TableOf(t));
         if (kind.scope == KindScope::CustomerFile)
             localTables_.push_back(
@@ -409,8 +399,8 @@ bool SyncRun::RosterWithFreshLogin(bool savedLogin) {
 }
 
 bool SyncRun::Roster() {
-    const std::vector<Value> db{Value(options_.localDb)};
-    const Answer compared = Ask("CompareCustomerList", db);
+    const auto compare = [&] { return c_.CompareCustomerList(options_.localDb); };
+    const Answer compared = Ask(compare);
     if (compared.failed) {
         ++summary_.failures;
         if (Stopped() || (compared.unanswered && !summary_.serverAnswered)) {
@@ -428,7 +418,7 @@ bool SyncRun::Roster() {
         out_ << "  nothing is compared without the roster\n";
         return false;
     }
-    int result = NzLong(compared.value);
+    int result = compared.value;
     summary_.rosterResult = result;
     const char* meaning[] = {"agree", "", "", "differ", "server has none", "local has none"};
     out_ << "roster: " << (result >= 0 && result <= 5 ? meaning[result] : "?") << " (result "
@@ -450,13 +440,13 @@ bool SyncRun::Roster() {
     // A roster that moved is compared again so the per-table snapshot is current.
     if (!options_.dryRun && (!plan.addServer.empty() || !plan.delServer.empty() || plan.download)) {
         rosterAdd_.clear();
-        const Answer again = Ask("CompareCustomerList", db);
+        const Answer again = Ask(compare);
         if (again.failed) {
             ++summary_.failures;
             out_ << "roster after reconciliation: the comparison failed\n";
             return false;
         }
-        result = NzLong(again.value);
+        result = again.value;
         summary_.rosterResult = result;
         out_ << "roster after reconciliation: result " << result << '\n';
         if (result != 0 && c_.RosterUploadIDs(options_.localDb, add, del, upd))
@@ -486,13 +476,8 @@ bool SyncRun::PlanRoster(int result, const std::vector<std::int32_t>& localOnly,
         join();
         return true;
     }
-    if (!c_.Has("ShowCompareCustListDlg")) {
-        summary_.unsupported.push_back(
-            {"roster", "the reconciliation dialogs do not exist yet; use --prefer"});
-        return true;
-    }
-    const int choice =
-        NzLong(c_.Call("ShowCompareCustListDlg", {Value(), Value(), Value(), Value(), Value()}));
+    const RosterChoice chosen = c_.ShowCompareCustListDlg();
+    const int choice = chosen.answer;
     switch (choice) {
         case -1:
             ++summary_.conflicts;
@@ -510,12 +495,10 @@ bool SyncRun::PlanRoster(int result, const std::vector<std::int32_t>& localOnly,
             plan.addServer = localOnly;
             break;
         case 6: {
-            const auto text = [&](const char* member) { return NzString(c_.Call(member, {})); };
-            plan.addServer = SplitIDs(text("GetCompareCustListDlg_AddServerIDs"));
-            plan.delServer = SplitIDs(text("GetCompareCustListDlg_DelServerIDs"));
+            plan.addServer = SplitIDs(chosen.addServer);
+            plan.delServer = SplitIDs(chosen.delServer);
             // The server's roster, once changed, holds exactly what the user chose to keep.
-            plan.download = !text("GetCompareCustListDlg_AddLocalIDs").empty() ||
-                            !text("GetCompareCustListDlg_DelLocalIDs").empty();
+            plan.download = !chosen.addLocal.empty() || !chosen.delLocal.empty();
             break;
         }
         default:
@@ -526,15 +509,6 @@ bool SyncRun::PlanRoster(int result, const std::vector<std::int32_t>& localOnly,
 }
 
 bool SyncRun::RunRosterPlan(const RosterPlan& plan) {
-    const bool live = c_.Has("SyncUploadAddCustomer") && c_.Has("SyncUploadDelCustomer");
-    if (!live && (!plan.addServer.empty() || !plan.delServer.empty())) {
-        summary_.unsupported.push_back(
-            {"roster", std::to_string(plan.addServer.size()) + " customer(s) to add and " +
-                           std::to_string(plan.delServer.size()) +
-                           " to delete on the server: no roster upload worker yet"});
-        // Taking the server's roster now would delete the customers it lacks locally.
-        return false;
-    }
     if (options_.dryRun) {
         for (std::int32_t id : plan.addServer)
             out_ << "  roster: would add customer " << id << " to the server\n";
@@ -546,9 +520,9 @@ bool SyncRun::RunRosterPlan(const RosterPlan& plan) {
         return false;
     }
     bool allMoved = true;
-    const auto move = [&](const char* member, std::vector<Value> args, const std::string& what) {
-        const auto id = static_cast<std::int32_t>(NzLong(args.back()));
-        if (CallOk(member, args)) {
+    const auto move = [&](const char* member, std::int32_t id,
+                          const std::function<std::int32_t()>& call, const std::string& what) {
+        if (CallOk(call)) {
             ++summary_.uploads;
             out_ << "  roster: " << what << '\n';
             Event(id, nullptr, "roster", "uploaded", what);
@@ -561,20 +535,23 @@ bool SyncRun::RunRosterPlan(const RosterPlan& plan) {
     };
     for (std::int32_t id : plan.addServer) {
         const int failuresBefore = summary_.failures;
-        move("SyncUploadAddCustomer", {Value(options_.localDb), Value(id)},
-             "added customer " + std::to_string(id) + " to the server");
+        move(
+            "SyncUploadAddCustomer", id,
+            [&] { return c_.SyncUploadAddCustomer(options_.localDb, id); },
+            "added customer " + std::to_string(id) + " to the server");
         if (summary_.failures == failuresBefore) addedToServer_.insert(id);
     }
     for (std::int32_t id : plan.delServer)
-        move("SyncUploadDelCustomer", {Value(id)},
-             "deleted customer " + std::to_string(id) + " on the server");
+        move(
+            "SyncUploadDelCustomer", id, [&] { return c_.SyncUploadDelCustomer(id); },
+            "deleted customer " + std::to_string(id) + " on the server");
     if (!plan.download) return true;
     if (!allMoved) {
         // The server's roster now lacks what failed; taking it would delete those locally.
         out_ << "  roster: the server's roster is not taken after a failure\n";
         return true;
     }
-    if (CallOk("SyncDownloadCustomerList", {Value(options_.localDb)})) {
+    if (CallOk([&] { return c_.SyncDownloadCustomerList(options_.localDb); })) {
         ++summary_.downloads;
         out_ << "  roster: took the server's roster\n";
         Event(0, nullptr, "roster", "downloaded", "took the server's roster");
@@ -586,35 +563,28 @@ bool SyncRun::RunRosterPlan(const RosterPlan& plan) {
 }
 
 void SyncRun::BackupTargets() {
-    if (!c_.Has("CheckInetEnabledFlags")) {
-        out_ << "backup targets: not checked (no worker yet)\n";
-        summary_.unsupported.push_back({"backup targets", "the check has no worker yet"});
-        return;
-    }
     if (options_.dryRun) {
         // The check itself sets flags on the server.
         out_ << "backup targets: not checked in a dry run\n";
         return;
     }
-    const Answer checked = Ask("CheckInetEnabledFlags", {Value(options_.localDb)});
+    const Answer checked = Ask([&] { return c_.CheckInetEnabledFlags(options_.localDb); });
     if (checked.failed) {
         ++summary_.failures;
         out_ << "backup targets: the check failed\n";
         return;
     }
-    const int result = NzLong(checked.value);
+    const int result = checked.value;
     out_ << "backup targets: result " << result << '\n';
     if (result == 1 || result == 2) return;
     // 0: more customers are backed up than the account allows, 3: fewer.
     const int showType = result == 0 ? 1 : 2;
-    if (options_.prefer != Prefer::Ask || !c_.Has("ShowSelectCustEnabledDlg")) {
+    if (options_.prefer != Prefer::Ask) {
         ++summary_.conflicts;
         out_ << "  backup targets: the choice of customers needs a person; run with --prefer ask\n";
         return;
     }
-    const int chosen = NzLong(c_.Call(
-        "ShowSelectCustEnabledDlg",
-        {Value(), Value(options_.localDb), Value(showType), Value(), Value(), Value(), Value()}));
+    const int chosen = c_.ShowSelectCustEnabledDlg(options_.localDb, showType);
     if (chosen != 1) {
         ++summary_.conflicts;
         out_ << "  backup targets: the choice was cancelled\n";
@@ -625,24 +595,20 @@ std::vector<std::int32_t> SyncRun::CustomersToWalk() {
     // Customers both sides hold: the snapshot knows only those the server lists.
     std::vector<std::int32_t> ids;
     const std::set<std::string> localOnly(rosterAdd_.begin(), rosterAdd_.end());
-    const bool flags = c_.Has("CustmerInetEnabledFlag") && c_.Has("CheckExistCustID");
     for (std::int32_t id : c_.LocalCustomerIDs(options_.localDb)) {
         if (localOnly.count(std::to_string(id))) continue;
-        if (flags) {
-            const Answer exists = Ask("CheckExistCustID", {Value(id)});
-            const Answer enabled = NzLong(exists.value) == 1
-                                       ? Ask("CustmerInetEnabledFlag", {Value(id)})
-                                       : Answer{Value(1)};
-            if (Stopped()) break;
-            if (exists.failed || enabled.failed) {
-                ++summary_.failures;
-                out_ << "customer " << id << ": whether it is a backup target is unknown\n";
-                continue;
-            }
-            if (NzLong(enabled.value) != 1) {
-                out_ << "customer " << id << ": not a backup target\n";
-                continue;
-            }
+        const Answer exists = Ask([&] { return c_.CheckExistCustID(id); });
+        const Answer enabled =
+            exists.value == 1 ? Ask([&] { return c_.CustmerInetEnabledFlag(id); }) : Answer{1};
+        if (Stopped()) break;
+        if (exists.failed || enabled.failed) {
+            ++summary_.failures;
+            out_ << "customer " << id << ": whether it is a backup target is unknown\n";
+            continue;
+        }
+        if (enabled.value != 1) {
+            out_ << "customer " << id << ": not a backup target\n";
+            continue;
         }
         ids.push_back(id);
     }
@@ -651,20 +617,13 @@ std::vector<std::int32_t> SyncRun::CustomersToWalk() {
 
 void SyncRun::Customer(std::int32_t id) {
     const auto& tables = BackupTables();
-    const std::vector<Value> args{Value(options_.localDb), Value(id)};
+    const KindArgs args{.db = options_.localDb, .custId = id};
     const int movedBefore = summary_.downloads + summary_.uploads;
     const SyncSummary before = summary_;
     const SeenStamps stampsBefore = options_.journal.empty() ? SeenStamps{} : CustomerStamps(id);
-    bool anyLive = false;
-    for (const SyncKind& k : SyncKinds())
-        if (k.scope != KindScope::Master && k.scope != KindScope::StampsOnly && Live(k))
-            anyLive = true;
     bool locked = false;
-    if (anyLive && !options_.dryRun) {
-        if (!c_.Has("LockCoustomer")) {
-            summary_.unsupported.push_back(
-                {"customer " + std::to_string(id), "no customer lock yet: nothing moved"});
-        } else if (CallOk("LockCoustomer", {Value(id)})) {
+    if (!options_.dryRun) {
+        if (CallOk([&] { return c_.LockCoustomer(id); })) {
             locked = true;
         } else {
             ++summary_.failures;
@@ -681,7 +640,7 @@ void SyncRun::Customer(std::int32_t id) {
         const SyncKind& kind = SyncKinds()[k];
         if (kind.scope == KindScope::Master) continue;
         for (int t : kind.tables) {
-            const int f = NzLong(c_.Call("CustmerBackupedTableSyncFlag", {Value(id), Value(t)}));
+            const int f = c_.CustmerBackupedTableSyncFlag(id, t);
             ++compared;
             if (f != 0) {
                 ways[f]++;
@@ -711,12 +670,9 @@ void SyncRun::Customer(std::int32_t id) {
         if (kind.scope == KindScope::Master) continue;
         if (Stopped()) break;
         const std::string label = "customer " + std::to_string(id) + " " + kind.name;
-        if (!Live(kind)) {
-            const int combined = CombineFlags(flags[k]);
-            if (kind.tables.empty())
-                tally_[kind.name].notCompared++;
-            else if (combined != 0)
-                tally_[kind.name].differ[combined]++;
+        if (kind.scope == KindScope::StampsOnly) {
+            if (const int combined = CombineFlags(flags[k]); combined != 0)
+                tally_[kind.name][combined]++;
             continue;
         }
         if (kind.scope == KindScope::CustomerFile) {
@@ -727,7 +683,7 @@ void SyncRun::Customer(std::int32_t id) {
             Form(kind, id, flags[k], locked);
             continue;
         }
-        int decision = Compare(kind, id, args);
+        int decision = Compare(kind, args);
         if (decision < 0) {
             ++summary_.failures;
             out_ << label << ": the comparison failed\n";
@@ -740,24 +696,24 @@ void SyncRun::Customer(std::int32_t id) {
         // The server holds only what adding the customer sent: the rest goes up whole.
         if (decision == 0 && addedToServer_.count(id)) decision = 2;
         if (decision != 0 && !options_.dryRun && !locked) {
-            tally_[kind.name].differ[decision]++;
+            tally_[kind.name][decision]++;
             continue;
         }
-        if (Decide(kind, decision, args, label, id) == 2) sentUp.insert(kind.name);
+        if (Decide(kind, decision, args, label) == 2) sentUp.insert(kind.name);
     }
     const bool moved = summary_.downloads + summary_.uploads > movedBefore;
-    const bool clean = (locked || !anyLive) && !options_.dryRun && !Stopped() &&
+    const bool clean = locked && !options_.dryRun && !Stopped() &&
                        summary_.failures == before.failures &&
                        summary_.conflicts == before.conflicts &&
                        summary_.unsupported.size() == before.unsupported.size();
-    const bool settled = locked && moved ? Settle(KindScope::Customer, id, args) : !moved;
+    const bool settled = locked && moved ? Settle(KindScope::Customer, args) : !moved;
     if (clean && settled && !options_.journal.empty()) {
         if (moved)
             settled_.push_back({id, c_.ServerNow()});
         else
             journal_.Agreed(id, kCustomerEntry, stampsBefore);
     }
-    if (locked && !CallOk("UnlockCoustomer", {Value(id)})) {
+    if (locked && !CallOk([&] { return c_.UnlockCoustomer(id); })) {
         ++summary_.failures;
         out_ << "customer " << id << ": unlock failed\n";
         Event(id, nullptr, "customer", "failed", "unlock failed");
@@ -771,8 +727,9 @@ void SyncRun::Files(const SyncKind& kind, std::int32_t id, bool recordsSentUp) {
         const std::string path = (named.is_absolute() ? named : dataDir_ / named).string();
         // 0 the same (or on neither side), 1 the server's copy is to be taken, 2 the local one
         // is to be sent; never "both moved", so never a question.
-        const std::vector<Value> compareArgs{Value(id), Value(path)};
-        const Answer compared = Ask(kind.compare, compareArgs);
+        const KindArgs fileArgs{.custId = id, .file = path};
+        const auto compare = [&] { return c_.Run(kind.compare, fileArgs); };
+        const Answer compared = Ask(compare);
         if (compared.failed) {
             ++summary_.failures;
             out_ << "customer " << id << " file " << name << ": the comparison failed\n";
@@ -780,7 +737,7 @@ void SyncRun::Files(const SyncKind& kind, std::int32_t id, bool recordsSentUp) {
             if (Stopped()) return;
             continue;
         }
-        int decision = NzLong(compared.value);
+        int decision = compared.value;
         // The comparison cannot tell a file the server lacks from one it holds the same: files
         // of records just sent go up with them, those that are here.
         std::error_code ec;
@@ -796,9 +753,9 @@ void SyncRun::Files(const SyncKind& kind, std::int32_t id, bool recordsSentUp) {
             continue;
         }
         // A download answers 1 even when no whole file came: the copies are compared again.
-        if (CallOk(down ? kind.download : kind.upload, {Value(id), Value(path), Value()}) && [&] {
-                const Answer again = Ask(kind.compare, compareArgs);
-                return !again.failed && NzLong(again.value) == 0;
+        if (CallOk([&] { return c_.Run(down ? kind.download : kind.upload, fileArgs); }) && [&] {
+                const Answer again = Ask(compare);
+                return !again.failed && again.value == 0;
             }()) {
             ++(down ? summary_.downloads : summary_.uploads);
             out_ << label << ": " << (down ? "downloaded" : "uploaded") << '\n';
@@ -818,13 +775,14 @@ void SyncRun::Files(const SyncKind& kind, std::int32_t id, bool recordsSentUp) {
     // their new server stamp shows the other offices that the customer moved.
     if (!sentAlone || Stopped()) return;
     for (const SyncKind& records : SyncKinds())
-        if (records.name == kind.records && Live(records))
-            Decide(records, 2, {Value(options_.localDb), Value(id)},
-                   "customer " + std::to_string(id) + " " + records.name, id);
+        if (records.name == kind.records)
+            Decide(records, 2, {.db = options_.localDb, .custId = id},
+                   "customer " + std::to_string(id) + " " + records.name);
 }
 
-int SyncRun::Decide(const SyncKind& kind, int decision, const std::vector<Value>& args,
-                    const std::string& label, std::int32_t custId) {
+int SyncRun::Decide(const SyncKind& kind, int decision, const KindArgs& args,
+                    const std::string& label) {
+    const std::int32_t custId = args.custId;
     if (decision == 3) {
         switch (options_.prefer) {
             case Prefer::Server:
@@ -837,8 +795,7 @@ int SyncRun::Decide(const SyncKind& kind, int decision, const std::vector<Value>
                 decision = 0;
                 break;
             case Prefer::Ask:
-                decision = NzLong(c_.Call("ShowCompareMsg", {Value(), Value(kind.name), Value(),
-                                                             Value(), Value(), Value()}));
+                decision = c_.ShowCompareMsg(kind.name);
                 break;
         }
         if (decision == 0) {
@@ -855,20 +812,20 @@ int SyncRun::Decide(const SyncKind& kind, int decision, const std::vector<Value>
         Event(custId, &kind, kind.name, decision == 1 ? "would download" : "would upload");
         return decision;
     }
-    const std::string& member = decision == 1 ? kind.download : kind.upload;
+    const KindMember& member = decision == 1 ? kind.download : kind.upload;
     // A download its comparison did not call for finds no worker kept from it, and the
     // member would do nothing: it is told to fetch for itself.
-    const bool fetch = decision == 1 && !keptWorker_ && c_.Has("setObjectUsage");
+    const bool fetch = decision == 1 && !keptWorker_;
     keptWorker_ = false;
     Answer answer;
     const bool moved = Move(kind, custId, decision, label, [&] {
-        if (fetch) c_.Call("setObjectUsage", {Value(1)});
-        answer = Ask(member, args);
-        if (fetch) c_.Call("setObjectUsage", {Value(0)});
+        if (fetch) c_.setObjectUsage(1);
+        answer = Ask([&] { return c_.Run(member, args); });
+        if (fetch) c_.setObjectUsage(0);
         // An upload that sent nothing left nothing half done.
-        return (!answer.failed && NzLong(answer.value) == 1) || (decision == 2 && !answer.sent);
+        return (!answer.failed && answer.value == 1) || (decision == 2 && !answer.sent);
     });
-    if (moved && !answer.failed && NzLong(answer.value) == 1) {
+    if (moved && !answer.failed && answer.value == 1) {
         ++(decision == 1 ? summary_.downloads : summary_.uploads);
         out_ << label << ": " << (decision == 1 ? "downloaded" : "uploaded") << '\n';
         Event(custId, &kind, kind.name, decision == 1 ? "downloaded" : "uploaded");
@@ -877,7 +834,7 @@ int SyncRun::Decide(const SyncKind& kind, int decision, const std::vector<Value>
     // An upload that sent nothing because the customer has no live row of the kind here: a
     // list emptied locally is never emptied on the server, so the server keeps its copy, and
     // the kind counts as settled until either side moves.
-    if (decision == 2 && custId != 0 && !answer.sent && NzLong(answer.value) == 0 &&
+    if (decision == 2 && custId != 0 && !answer.sent && answer.value == 0 &&
         kind.scope == KindScope::Customer && NoLocalRows(kind, custId)) {
         ++summary_.keptOnServer;
         out_ << label << ": no local row to send (deleted or hidden here); the server keeps "
@@ -887,25 +844,20 @@ int SyncRun::Decide(const SyncKind& kind, int decision, const std::vector<Value>
         return 0;
     }
     ++summary_.failures;
-    out_ << label << ": " << member << " failed\n";
-    Event(custId, &kind, kind.name, "failed", member + " failed");
+    out_ << label << ": " << member.name << " failed\n";
+    Event(custId, &kind, kind.name, "failed", member.name + " failed");
     return 0;
 }
 
 void SyncRun::Masters() {
     std::vector<const SyncKind*> live;
-    for (const SyncKind& k : SyncKinds()) {
-        if (k.scope != KindScope::Master) continue;
-        if (Live(k))
-            live.push_back(&k);
-        else
-            tally_[k.name].notCompared++;
-    }
-    const std::vector<Value> args{Value(masterDb_)};
+    for (const SyncKind& k : SyncKinds())
+        if (k.scope == KindScope::Master) live.push_back(&k);
+    const KindArgs args{.db = masterDb_};
     // Compared first without the lock: masters that agree, as on most days, need none.
     std::vector<std::pair<const SyncKind*, int>> differing;
     for (const SyncKind* k : live) {
-        const int decision = Compare(*k, 0, args);
+        const int decision = Compare(*k, args);
         if (decision < 0) {
             ++summary_.failures;
             out_ << k->name << ": the comparison failed\n";
@@ -918,9 +870,7 @@ void SyncRun::Masters() {
         const int movedBefore = summary_.downloads + summary_.uploads;
         bool locked = false;
         if (!options_.dryRun) {
-            if (!c_.Has("LockMasterData")) {
-                summary_.unsupported.push_back({"masters", "no master lock yet: nothing moved"});
-            } else if (CallOk("LockMasterData", {Value(1)})) {
+            if (CallOk([&] { return c_.LockMasterData(1); })) {
                 locked = true;
             } else {
                 ++summary_.failures;
@@ -930,11 +880,11 @@ void SyncRun::Masters() {
         }
         for (auto [k, decision] : differing) {
             if (!options_.dryRun && !locked) {
-                tally_[k->name].differ[decision]++;
+                tally_[k->name][decision]++;
                 continue;
             }
             // Under the lock once more: another office may have moved it meanwhile.
-            if (locked) decision = Compare(*k, 0, args);
+            if (locked) decision = Compare(*k, args);
             if (decision < 0) {
                 ++summary_.failures;
                 out_ << k->name << ": the comparison failed\n";
@@ -944,31 +894,23 @@ void SyncRun::Masters() {
             Decide(*k, decision, args, k->name);
         }
         if (locked && summary_.downloads + summary_.uploads > movedBefore)
-            Settle(KindScope::Master, 0, args);
-        if (locked && !CallOk("UnlockMasterData", {Value(1)})) ++summary_.failures;
+            Settle(KindScope::Master, args);
+        if (locked && !CallOk([&] { return c_.UnlockMasterData(1); })) ++summary_.failures;
     }
     // The kinds no worker moves yet, in the table's order.
     for (const SyncKind& k : SyncKinds()) {
         auto it = tally_.find(k.name);
         if (it == tally_.end()) continue;
-        const Tally& t = it->second;
-        std::string detail;
-        const bool noWorkerEver = k.scope == KindScope::StampsOnly;
-        if (t.notCompared > 0)
-            detail = k.scope == KindScope::Master
-                         ? "not compared"
-                         : "not compared for " + std::to_string(t.notCompared) + " customer(s)";
         int differ = 0;
         std::vector<std::string> ways;
-        for (const auto& [flag, n] : t.differ) {
+        for (const auto& [flag, n] : it->second) {
             differ += n;
             ways.push_back(std::to_string(n) + " " + Way(flag));
         }
-        if (differ > 0)
-            detail += (detail.empty() ? "" : "; ") + std::to_string(differ) +
-                      " customer(s) differ (" + Join(ways, ", ") + ")";
-        if (detail.empty()) continue;
-        if (noWorkerEver)
+        if (differ == 0) continue;
+        const std::string detail =
+            std::to_string(differ) + " customer(s) differ (" + Join(ways, ", ") + ")";
+        if (k.scope == KindScope::StampsOnly)
             summary_.outside.push_back(
                 {k.name, detail + ": compared by stamp only, no member moves these tables"});
         else

@@ -18,7 +18,6 @@
 #include "SyncJournal.h"
 #include "SyncKinds.h"
 #include "util/DateValue.h"
-#include "util/Value.h"
 
 namespace morvane::cli {
 
@@ -33,8 +32,6 @@ struct FormOwner {
     friend bool operator==(const FormOwner&, const FormOwner&) = default;
 };
 
-// What the run needs of the component; the command line's own one calls the public object
-// by member name, tests give a scripted one.
 // The process's exchanges with the server so far: tried, never answered, and failed
 // (unanswered or refused); and the errors the component reported.
 struct ExchangeCounts {
@@ -42,6 +39,12 @@ struct ExchangeCounts {
     std::uint64_t unanswered = 0;
     std::uint64_t failed = 0;
     std::uint64_t errors = 0;  // errors the component reported, whatever its members returned
+};
+
+// The roster reconciliation dialog's answer, and the customers chosen one by one (answer 6).
+struct RosterChoice {
+    std::int32_t answer = 0;
+    std::string addLocal, addServer, delLocal, delServer;  // customer numbers, comma-separated
 };
 
 // A table of the local databases whose rows the host folds into a customer's fingerprint.
@@ -54,12 +57,47 @@ struct LocalTable {
     bool files = false;     // rows name data files in DataFile
 };
 
+// What the run needs of the component: the public object's members it calls, by their own
+// names and types, and the host's own reads of the local databases. The command line's one
+// calls the public object; tests give a scripted one.
 class Component {
 public:
     virtual ~Component() = default;
-    virtual bool Has(std::string_view member) const = 0;
-    // Calls a member; object parameters get no owner. A failed call gives an empty value.
-    virtual Value Call(std::string_view member, const std::vector<Value>& args) = 0;
+    // A kind's compare, download or upload, with the arguments its scope takes.
+    virtual std::int32_t Run(const KindMember& member, const KindArgs& args) = 0;
+
+    virtual std::int32_t CompareCustomerList(const std::string& localDb) = 0;
+    virtual std::int32_t SyncDownloadCustomerList(const std::string& localDb) = 0;
+    virtual std::int32_t SyncUploadAddCustomer(const std::string& localDb, std::int32_t custId) = 0;
+    virtual std::int32_t SyncUploadDelCustomer(std::int32_t custId) = 0;
+    // GetUploadCustomerListIDs with its output texts; false when it failed.
+    virtual bool RosterUploadIDs(const std::string& localDb, std::string& add, std::string& del,
+                                 std::string& update) = 0;
+    // The roster reconciliation dialog, with the customers it chose one by one.
+    virtual RosterChoice ShowCompareCustListDlg() = 0;
+
+    virtual std::int32_t CheckInetEnabledFlags(const std::string& localDb) = 0;
+    virtual std::int32_t ShowSelectCustEnabledDlg(const std::string& localDb,
+                                                  std::int32_t showType) = 0;
+    virtual std::int32_t CheckExistCustID(std::int32_t custId) = 0;
+    virtual std::int32_t CustmerInetEnabledFlag(std::int32_t custId) = 0;
+
+    // The roster comparison's snapshot, per customer and backed-up table.
+    virtual std::int32_t CustmerBackupedTableSyncFlag(std::int32_t custId, std::int32_t index) = 0;
+    virtual std::string CustmerRecordUpdateTable_Server(std::int32_t custId,
+                                                        std::int32_t index) = 0;
+    virtual std::string CustmerRecordUpdateTable_Local(std::int32_t custId, std::int32_t index) = 0;
+    // The server's stamp the last comparison saw.
+    virtual std::string InetDateServer() = 0;
+
+    virtual std::int32_t LockCoustomer(std::int32_t custId) = 0;
+    virtual std::int32_t UnlockCoustomer(std::int32_t custId) = 0;
+    virtual std::int32_t LockMasterData(std::int32_t mastId) = 0;
+    virtual std::int32_t UnlockMasterData(std::int32_t mastId) = 0;
+    // The user's choice between the two versions of a kind: 1 the server's, 2 the local one.
+    virtual std::int32_t ShowCompareMsg(const std::string& title) = 0;
+    virtual void setObjectUsage(std::int32_t usage) = 0;
+
     // The login from the saved settings; the login state.
     virtual int LoginFromSettings() = 0;
     // A login afresh with the saved password, when one is saved; the login state.
@@ -68,9 +106,6 @@ public:
     virtual ExchangeCounts Exchanges() const = 0;
     // The stamps the comparisons saw since the last call.
     virtual SeenStamps TakeComparedStamps() = 0;
-    // GetUploadCustomerListIDs with its output texts; false when it failed.
-    virtual bool RosterUploadIDs(const std::string& localDb, std::string& add, std::string& del,
-                                 std::string& update) = 0;
     // The live customer numbers of the local database, ascending.
     virtual std::vector<std::int32_t> LocalCustomerIDs(const std::string& localDb) = 0;
     // The DataFile names of a customer's live records in `table`, in row order, blanks left out.
@@ -100,7 +135,7 @@ public:
 };
 
 struct SyncOptions {
-    std::string localDb;  // the customer database; Master.dat lies beside it
+    std::string localDb{};  // the customer database; Master.dat lies beside it
     Prefer prefer = Prefer::Ask;
     bool dryRun = false;
     bool progress = false;  // a progress bar on the error stream, a terminal
@@ -109,11 +144,11 @@ struct SyncOptions {
     // their last agreement.
     bool full = false;
     // Where relative DataFile names lie; empty: the customer database's folder.
-    std::filesystem::path filesDir;
+    std::filesystem::path filesDir{};
     // The host's record of the last agreements; empty: none kept.
-    std::filesystem::path journal;
+    std::filesystem::path journal{};
     // Where each write of the run is logged, one JSON line each; empty: not logged.
-    std::filesystem::path runLog;
+    std::filesystem::path runLog{};
     bool json = false;  // the outcome as one JSON document on stdout, status lines on stderr
 };
 
@@ -192,21 +227,20 @@ private:
     void Masters();
     // Moves one live kind the way its decision (or the user) says.
     // What was done (or planned): 1 a download, 2 an upload, 0 nothing.
-    int Decide(const SyncKind& kind, int decision, const std::vector<Value>& args,
-               const std::string& label, std::int32_t custId = 0);
+    int Decide(const SyncKind& kind, int decision, const KindArgs& args, const std::string& label);
     // A member's call whose exchanges with the server are watched.
     struct Answer {
-        Value value;
+        std::int32_t value = 0;
         bool failed =
             false;  // an exchange failed or an error was reported: the result means nothing
         bool unanswered = false;
         bool sent = false;  // a request went out
     };
-    Answer Ask(std::string_view member, const std::vector<Value>& args);
+    Answer Ask(const std::function<std::int32_t()>& call);
     // 1 from the member and no failed exchange.
-    bool CallOk(std::string_view member, const std::vector<Value>& args);
+    bool CallOk(const std::function<std::int32_t()>& call);
     // The comparison of a kind with the journal's word folded in; -1 when it failed.
-    int Compare(const SyncKind& kind, std::int32_t custId, const std::vector<Value>& args);
+    int Compare(const SyncKind& kind, const KindArgs& args);
     // A decision with a move of the kind that a kill cut off folded in.
     int WithUnfinishedMove(const SyncKind& kind, std::int32_t custId, int decision,
                            const std::string& label);
@@ -217,12 +251,11 @@ private:
     // After moves, every live kind of the scope compared again: what agrees now goes into
     // the journal.
     // True when every kind agrees afterwards.
-    bool Settle(KindScope scope, std::int32_t custId, const std::vector<Value>& args);
+    bool Settle(KindScope scope, const KindArgs& args);
     bool Stopped() const { return summary_.unreachable || summary_.stopped; }
     // The roster, once more after a fresh login when the saved one turned out to have lapsed.
     bool RosterWithFreshLogin(bool savedLogin);
     void Progress(std::size_t done, std::size_t total, std::int32_t id);
-    bool Live(const SyncKind& kind) const;
     // Notes what the run found or did to a kind of the customer's (0: office-wide); a write
     // goes to the run log as well.
     void Event(std::int32_t customer, const SyncKind* kind, const std::string& name,
@@ -250,11 +283,8 @@ private:
     bool keptWorker_ = false;
     int unansweredInARow_ = 0;
     bool loginRefused_ = false;  // a reply refused the login
-    struct Tally {
-        int notCompared = 0;
-        std::map<int, int> differ;  // decision code -> customers
-    };
-    std::map<std::string, Tally> tally_;  // kinds no worker moves yet
+    // Per kind left unmoved (no worker, or no lock), customers by decision code.
+    std::map<std::string, std::map<int, int>> tally_;
 };
 
 }  // namespace morvane::cli

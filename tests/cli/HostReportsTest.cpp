@@ -40,40 +40,29 @@ TEST_F(LoginReportTest, SaysWhyTheServerCouldNotBeReachedAndSavesNothingUnverifi
         reply.delay = std::chrono::milliseconds(2500);
         return reply;
     });
-    struct Case {
-        std::string server;
-        std::string caFile;
-        int state;
-        std::vector<std::string> says;
-    };
     const std::string ca = server_->CaFile();
-    const std::vector<Case> cases{
-        {server_->HostName(), ca, 1, {"login: logged in (state 1); the server answered"}},
-        {"127.0.0.1:1", ca, 0, {"nothing answered at 127.0.0.1:1", "nothing was saved"}},
-        {"no-such-server.invalid:443", ca, 0, {"\"no-such-server.invalid\" was not found"}},
-        {untrusted.HostName(),
-         ca,
-         0,
-         {"certificate is not trusted", "--ca-file FILE or MORVANE_CA_FILE"}},
-        {expired.HostName(), expired.CaFile(), 0, {"certificate has expired"}},
-        {otherName.HostName(),
-         otherName.CaFile(),
-         0,
-         {"certificate is made out for another name than \"127.0.0.1\""}},
-        {slow.HostName(), slow.CaFile(), 0, {"did not answer in time", "--stall-timeout"}},
-    };
-    for (const Case& c : cases) {
+    const auto check = [&](const std::string& server, const std::string& caFile, int state,
+                           const std::vector<std::string>& says) {
         platform::HttpOptions http = State().HttpOptions();
-        http.caFile = c.caFile;
+        http.caFile = caFile;
         http.stallTimeoutSeconds = 1;
         State().SetHttpOptions(http);
         BeginTransportRun();
         std::ostringstream out;
-        EXPECT_EQ(RunLogin({c.server, "C-1001", "user1", "pass1", false}, out), c.state);
-        for (const std::string& says : c.says)
-            EXPECT_NE(out.str().find(says), std::string::npos) << c.server << ": " << out.str();
-        EXPECT_EQ(ReadMorvaneSetting(reg::kServerName), server_->HostName()) << c.server;
-    }
+        EXPECT_EQ(RunLogin({server, "C-1001", "user1", "pass1", false}, out), state) << server;
+        for (const std::string& text : says)
+            EXPECT_NE(out.str().find(text), std::string::npos) << server << ": " << out.str();
+        EXPECT_EQ(ReadMorvaneSetting(reg::kServerName), server_->HostName()) << server;
+    };
+    check(server_->HostName(), ca, 1, {"login: logged in (state 1); the server answered"});
+    check("127.0.0.1:1", ca, 0, {"nothing answered at 127.0.0.1:1", "nothing was saved"});
+    check("no-such-server.invalid:443", ca, 0, {"\"no-such-server.invalid\" was not found"});
+    check(untrusted.HostName(), ca, 0,
+          {"certificate is not trusted", "--ca-file FILE or MORVANE_CA_FILE"});
+    check(expired.HostName(), expired.CaFile(), 0, {"certificate has expired"});
+    check(otherName.HostName(), otherName.CaFile(), 0,
+          {"certificate is made out for another name than \"127.0.0.1\""});
+    check(slow.HostName(), slow.CaFile(), 0, {"did not answer in time", "--stall-timeout"});
     // status asks the server's clock, with the same words when it cannot.
     platform::HttpOptions http = State().HttpOptions();
     http.caFile = ca;

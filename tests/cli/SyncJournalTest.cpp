@@ -1,0 +1,144 @@
+// The host's journal of agreements: how its word folds into a comparison's, what it keeps
+// across runs, and the runs it spares or changes.
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "SyncJournal.h"
+#include "SyncRunTest.h"
+#include "support/TempDir.h"
+
+namespace morvane::cli {
+namespace {
+
+TEST(SyncJournal, ASideWhoseStampChangedSinceTheLastAgreementHasMoved) {
+    // Agreed at the stamps 11/22: the decision, the server's and the local stamp seen now (0:
+    // the comparison looked at none), and the decision folded. The first two rows are the
+    // blind minute: a move by the stamps would overwrite the other side's change.
+    const std::uint64_t rows[][4] = {{2, 12, 22, 3}, {1, 11, 23, 3}, {0, 12, 22, 1}, {0, 11, 23, 2},
+                                     {0, 12, 23, 3}, {0, 11, 22, 0}, {2, 11, 23, 2}, {1, 12, 22, 1},
+                                     {3, 11, 22, 3}, {2, 0, 0, 2}};
+    for (const auto& [decision, server, local, folded] : rows)
+        EXPECT_EQ(WithJournal(static_cast<int>(decision), SeenStamps{11, 22}, {server, local}),
+                  static_cast<int>(folded))
+            << decision << " seen " << server << "/" << local;
+    EXPECT_EQ(WithJournal(2, std::nullopt, {12, 22}), 2) << "no agreement: the stamps decide";
+    // A move cut off is taken up again unless the other side moved since.
+    const int cut[][3] = {{0, 1, 1}, {1, 1, 1}, {2, 1, 3}, {3, 1, 3}, {0, 2, 2},
+                          {2, 2, 2}, {1, 2, 3}, {3, 2, 3}, {2, 0, 2}};
+    for (const auto& [decision, way, expected] : cut)
+        EXPECT_EQ(WithUnfinished(decision, way), expected) << decision << " after way " << way;
+}
+
+TEST(SyncJournal, KeepsItsEntriesAcrossRunsAndSkipsTornLines) {
+    test::TempDir dir;
+    const auto path = dir.Path() / "config" / "journal";
+    {
+        SyncJournal j(path);
+        j.Agreed(1, "memos", {0xabc, 0xdef});
+        j.Agreed(2, "memos", {3, 4});
+        j.Forget(2, "memos");
+        ASSERT_TRUE(j.Save());
+        // Noted at once, with the agreements as last saved and not those of the run so far:
+        // a kill after this leaves only the note new.
+        j.Agreed(3, "memos", {5, 6});
+        ASSERT_TRUE(j.Begin(4, "delegation records", 1));
+        ASSERT_TRUE(j.Begin(5, "machinery list", 2));
+        ASSERT_TRUE(j.Finished(5, "machinery list"));
+    }
+    std::ofstream(path, std::ios::app) << "8\tmemos\tunfinished\t7\n7\tmemos\tzz";
+    SyncJournal again(path);
+    EXPECT_EQ(again.Find(1, "memos"), (SeenStamps{0xabc, 0xdef}));
+    for (int forgotten : {2, 3, 7}) EXPECT_FALSE(again.Find(forgotten, "memos")) << forgotten;
+    EXPECT_EQ(again.Unfinished(4, "delegation records"), 1);
+    EXPECT_EQ(again.Unfinished(8, "memos"), 0);
+    EXPECT_TRUE(again.AnyUnfinished(4));
+    EXPECT_FALSE(again.AnyUnfinished(5));
+    for (const auto& entry : std::filesystem::directory_iterator(path.parent_path()))
+        EXPECT_EQ(entry.path(), path) << "no temporary file is left";
+}
+
+// An office with one customer whose memos the runs compare.
+ScriptedComponent MemoOffice() {
+    ScriptedComponent c;
+    c.local = {1};
+    c.serverStamps[{1, 3}] = "2026/11/01 10:00:00";
+    c.localStamps[{1, 3}] = "2026-10-30 09:00:00";
+    c.fingerprints = {{1, 77}};
+    return c;
+}
+
+std::string Bytes(const std::filesystem::path& path) {
+    std::ifstream in(path);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+TEST(SyncJournal, ACustomerUnchangedOnBothSidesSinceItAgreedIsNotWalked) {
+    test::TempDir dir;
+    const auto journal = dir.Path() / "journal";
+    ScriptedComponent first = MemoOffice();
+    first.stamps["CompareCustomerMemoList"] = {5, 9};
+    EXPECT_EQ(RunWith(first, {.journal = journal}).counts, Counts{});
+    ASSERT_TRUE(first.Called("CompareCustomerMemoList"));
+    const std::string agreed = Bytes(journal);
+
+    // Anything that moved on either side brings the walk back, as does --full.
+    const char* moves[] = {"nothing",
+                           "the server's stamp",
+                           "the local stamp",
+                           "a row deleted, hidden or a file replaced",
+                           "a row of no customer",
+                           "the snapshot's flag",
+                           "--full"};
+    for (int m = 0; m < 7; ++m) {
+        ScriptedComponent c = MemoOffice();
+        if (m == 1) c.serverStamps[{1, 3}] += "x";
+        if (m == 2) c.localStamps[{1, 3}] = "2026-11";
+        if (m == 3) c.fingerprints[1] = 78;
+        if (m == 4) c.fingerprints[0] = 1;
+        if (m == 5) c.flags[{1, 3}] = 1;
+        const Outcome o = RunWith(c, {.dryRun = true, .full = m == 6, .journal = journal});
+        EXPECT_EQ(c.Called("CompareCustomerMemoList"), m != 0) << moves[m];
+        EXPECT_EQ(o.summary.unchanged, m == 0 ? 1 : 0) << moves[m];
+    }
+    EXPECT_EQ(Bytes(journal), agreed) << "a dry run writes no journal";
+}
+
+TEST(SyncJournal, AKindWithNoLocalRowToSendLeavesTheServersCopyAndSettles) {
+    test::TempDir dir;
+    const auto journal = dir.Path() / "journal";
+    const auto office = [] {
+        ScriptedComponent c = MemoOffice();
+        c.results["CompareCustomerMemoList"] = {2, 2};
+        c.stamps["CompareCustomerMemoList"] = {5, 9};
+        c.sendNothing.insert("SyncUploadCustomerMemoList");
+        c.liveRows[{"tCustomerHistory", 1}] = 0;  // every row deleted or hidden here
+        return c;
+    };
+    ScriptedComponent first = office();
+    Outcome o = RunWith(first, {.journal = journal});
+    EXPECT_TRUE(first.Called("SyncUploadCustomerMemoList"));
+    EXPECT_EQ(o.summary.keptOnServer, 1) << o.out;
+    EXPECT_EQ(o.counts, Counts{});
+    EXPECT_TRUE(
+        o.Says("customer 1 memos: no local row to send (deleted or hidden here); the "
+               "server keeps its copy"))
+        << o.out;
+
+    // Nothing moved since: no second attempt, still told, still settled.
+    ScriptedComponent second = office();
+    o = RunWith(second, {.journal = journal});
+    EXPECT_FALSE(second.Called("SyncUploadCustomerMemoList")) << o.out;
+    EXPECT_EQ(o.summary.keptOnServer + o.summary.unchanged, 1) << o.out;
+    EXPECT_EQ(o.counts, Counts{});
+
+    // An upload that sent nothing while rows exist stays a failure.
+    ScriptedComponent failing = office();
+    failing.liveRows.clear();
+    o = RunWith(failing);
+    EXPECT_EQ(o.counts, (Counts{0, 0, 0, 1, 0, 1})) << o.out;
+    EXPECT_EQ(o.summary.keptOnServer, 0);
+}
+
+}  // namespace
+}  // namespace morvane::cli
