@@ -21,8 +21,8 @@
 #include "SyncCommand.h"
 #include "SyncRun.h"
 #include "platform/Dao.h"
-#include "session/DispatchTable.h"
-#include "session/ProcessState.h"
+#include "component/DispatchTable.h"
+#include "state/ProcessState.h"
 #include "store/LocalDatabases.h"
 #include "util/Nz.h"
 

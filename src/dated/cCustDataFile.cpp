@@ -21,8 +21,8 @@
 #include "util/Nz.h"
 #include "util/RuntimeError.h"
 #include "util/Text.h"
-#include "util/basFileTime.h"
-#include "util/basGetCRC.h"
+#include "platform/basFileTime.h"
+#include "state/basGetCRC.h"
 #include "util/mdlFileExist1.h"
 
 namespace morvane {

@@ -6,7 +6,7 @@
 
 #include "locks/frmLockTimer.h"
 #include "platform/Xml.h"
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 #include "session/mdlLogin.h"
 #include "transport/RequestBody.h"
 #include "transport/TransportRun.h"

@@ -2,12 +2,12 @@
 
 #include "platform/Xml.h"
 #include "prefcust/PrefCustRead.h"
-#include "record/ListKinds.h"
-#include "record/ListLoader.h"
-#include "record/ListReader.h"
-#include "record/ListSql.h"
-#include "record/ListUpload.h"
-#include "session/ProcessState.h"
+#include "lists/ListKinds.h"
+#include "lists/ListLoader.h"
+#include "lists/ListReader.h"
+#include "lists/ListSql.h"
+#include "lists/ListUpload.h"
+#include "state/ProcessState.h"
 #include "store/mdlMorvaneCommon.h"
 #include "transport/mdlServerConst.h"
 

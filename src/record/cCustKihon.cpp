@@ -8,7 +8,7 @@
 #include "platform/Dao.h"
 #include "platform/Xml.h"
 #include "record/GyoshuFields.h"
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 #include "session/mdlErrTrap.h"
 #include "session/mdlLogin.h"
 #include "store/mdlMorvaneCommon.h"

@@ -6,7 +6,7 @@
 #include "platform/Dao.h"
 #include "record/GyoshuFields.h"
 #include "record/cCustKihon.h"
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 #include "session/mdlErrTrap.h"
 #include "session/mdlLogin.h"
 #include "store/mdlMorvaneCommon.h"

@@ -6,7 +6,7 @@
 #include "roster/StripCorpWords.h"
 #include "roster/frmSelectEnabledCustListMsg.h"
 #include "session/mdlLogin.h"
-#include "store/cCustListSync.h"
+#include "roster/cCustListSync.h"
 #include "util/Nz.h"
 
 namespace morvane {

@@ -1,7 +1,7 @@
 #include "roster/frmSelectEnabledCustListMsg.h"
 
 #include "transport/mdlServerCommon.h"
-#include "util/basShell.h"
+#include "state/basShell.h"
 
 namespace morvane {
 

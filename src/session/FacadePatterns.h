@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 #include "session/mdlErrTrap.h"
 #include "session/mdlLogin.h"
 #include "transport/mdlServerReply.h"

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 #include "session/mdlLogin.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"

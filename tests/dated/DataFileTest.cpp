@@ -10,15 +10,15 @@
 
 #include "dated/cCustDataFile.h"
 #include "platform/AtomicFile.h"
-#include "session/DispatchTable.h"
-#include "session/ProcessState.h"
-#include "session/ctrlMorvane.h"
+#include "component/DispatchTable.h"
+#include "state/ProcessState.h"
+#include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
 #include "support/LeftoverWrite.h"
 #include "support/MorvaneTest.h"
 #include "support/ScopedEnv.h"
-#include "util/basFileTime.h"
-#include "util/basGetCRC.h"
+#include "platform/basFileTime.h"
+#include "state/basGetCRC.h"
 
 namespace morvane::test {
 namespace {

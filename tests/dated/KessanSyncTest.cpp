@@ -4,8 +4,8 @@
 
 #include "DatedTestUtil.h"
 #include "dated/cCustKessan.h"
-#include "session/DispatchTable.h"
-#include "session/ctrlMorvane.h"
+#include "component/DispatchTable.h"
+#include "component/ctrlMorvane.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {

@@ -4,7 +4,7 @@
 
 #include "DatedTestUtil.h"
 #include "dated/cCustKyoka.h"
-#include "session/ctrlMorvane.h"
+#include "component/ctrlMorvane.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {

@@ -3,7 +3,7 @@
 
 #include "DatedTestUtil.h"
 #include "dated/cCustKihonOther.h"
-#include "session/ctrlMorvane.h"
+#include "component/ctrlMorvane.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {

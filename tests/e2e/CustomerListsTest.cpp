@@ -11,7 +11,7 @@
 #include "record/NyusatsuKikanList.h"
 #include "record/NyusatsuSankaList.h"
 #include "record/cCustKihon.h"
-#include "session/ctrlMorvane.h"
+#include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
 #include "store/LocalDatabases.h"
 #include "store/StoreTestUtil.h"

@@ -9,14 +9,14 @@
 
 #include "OfficeServerTest.h"
 #include "dated/cCustDataFile.h"
-#include "session/ctrlMorvane.h"
+#include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
 #include "support/LeftoverWrite.h"
 #include "support/ScopedEnv.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"
 #include "transport/mdlServerReply.h"
-#include "util/basFileTime.h"
+#include "platform/basFileTime.h"
 
 namespace morvane::test {
 namespace {

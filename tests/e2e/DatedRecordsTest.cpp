@@ -10,7 +10,7 @@
 #include "dated/cCustKihonOther.h"
 #include "dated/cCustKyoka.h"
 #include "platform/Dao.h"
-#include "session/ctrlMorvane.h"
+#include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
 #include "store/LocalDatabases.h"
 #include "transport/RequestBody.h"

@@ -9,7 +9,7 @@
 
 #include "OfficeServerTest.h"
 #include "platform/Dao.h"
-#include "session/ctrlMorvane.h"
+#include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
 #include "store/LocalDatabases.h"
 #include "store/StoreTestUtil.h"

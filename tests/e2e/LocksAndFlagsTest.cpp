@@ -8,8 +8,8 @@
 #include <string>
 
 #include "OfficeServerTest.h"
-#include "session/ProcessState.h"
-#include "session/ctrlMorvane.h"
+#include "state/ProcessState.h"
+#include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
 #include "store/LocalDatabases.h"
 #include "transport/RequestBody.h"

@@ -15,7 +15,7 @@
 #include "masters/cMastUserStaff.h"
 #include "masters/cMastYakushoku.h"
 #include "platform/Dao.h"
-#include "session/ctrlMorvane.h"
+#include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
 #include "store/LocalDatabases.h"
 #include "store/StoreTestUtil.h"

@@ -8,8 +8,8 @@
 
 #include "locks/frmLockTimer.h"
 #include "locks/mdlLock.h"
-#include "session/ProcessState.h"
-#include "session/ctrlMorvane.h"
+#include "state/ProcessState.h"
+#include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
 #include "support/MorvaneTest.h"
 

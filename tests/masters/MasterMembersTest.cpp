@@ -7,7 +7,7 @@
 #include "MastersTestUtil.h"
 #include "masters/cMastNyusatsukikan.h"
 #include "masters/cMastUserStaff.h"
-#include "session/ctrlMorvane.h"
+#include "component/ctrlMorvane.h"
 #include "support/MorvaneTest.h"
 #include "transport/mdlServerConst.h"
 

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "PrefCustTestUtil.h"
-#include "session/ctrlMorvane.h"
+#include "component/ctrlMorvane.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {

@@ -26,13 +26,13 @@
 
 #include "qt/QtToolkit.h"
 #include "roster/frmSelectEnabledCustListMsg.h"
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 #include "session/basTextEncrypt.h"
-#include "session/ctrlMorvane.h"
+#include "component/ctrlMorvane.h"
 #include "session/frmLogin.h"
 #include "session/frmMorvaneSetting.h"
 #include "session/mdlLogin.h"
-#include "session/mdlRegConstMorvane.h"
+#include "state/mdlRegConstMorvane.h"
 #include "store/frmSelectCompareMsg.h"
 #include "support/MorvaneTest.h"
 

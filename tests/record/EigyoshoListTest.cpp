@@ -4,7 +4,7 @@
 
 #include "CustListTestUtil.h"
 #include "record/cCustKihon.h"
-#include "session/ctrlMorvane.h"
+#include "component/ctrlMorvane.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {

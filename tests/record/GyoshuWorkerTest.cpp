@@ -4,7 +4,7 @@
 
 #include "GyoshuTestUtil.h"
 #include "record/cCustKihon.h"
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {

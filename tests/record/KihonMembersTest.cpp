@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "KihonTestUtil.h"
-#include "session/DispatchTable.h"
-#include "session/ctrlMorvane.h"
+#include "component/DispatchTable.h"
+#include "component/ctrlMorvane.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {

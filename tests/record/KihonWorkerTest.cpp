@@ -6,7 +6,7 @@
 
 #include "KihonTestUtil.h"
 #include "record/cCustKihon.h"
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 #include "support/MorvaneTest.h"
 #include "util/Text.h"
 

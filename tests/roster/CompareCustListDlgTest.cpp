@@ -8,8 +8,8 @@
 #include "roster/cCustList.h"
 #include "roster/frmSelectCompareCustList.h"
 #include "roster/frmSelectCompareCustListAll.h"
-#include "session/ProcessState.h"
-#include "session/ctrlMorvane.h"
+#include "state/ProcessState.h"
+#include "component/ctrlMorvane.h"
 #include "store/StoreTestUtil.h"
 #include "support/MorvaneTest.h"
 

@@ -2,11 +2,11 @@
 // snapshot they leave, the roster download and its rollback, the IDs to upload.
 #include <gtest/gtest.h>
 
-#include "session/DispatchTable.h"
+#include "component/DispatchTable.h"
 
 #include "RosterTestUtil.h"
-#include "session/ProcessState.h"
-#include "session/ctrlMorvane.h"
+#include "state/ProcessState.h"
+#include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
 #include "store/StoreTestUtil.h"
 #include "support/MorvaneTest.h"

@@ -5,8 +5,8 @@
 #include <cmath>
 
 #include "RosterTestUtil.h"
-#include "session/ProcessState.h"
-#include "session/ctrlMorvane.h"
+#include "state/ProcessState.h"
+#include "component/ctrlMorvane.h"
 #include "session/mdlServerTime.h"
 #include "store/StoreTestUtil.h"
 #include "support/MorvaneTest.h"

@@ -7,10 +7,10 @@
 
 #include "RosterTestUtil.h"
 #include "roster/frmSelectEnabledCustList.h"
-#include "session/ProcessState.h"
-#include "session/ctrlMorvane.h"
+#include "state/ProcessState.h"
+#include "component/ctrlMorvane.h"
 #include "store/LocalDatabases.h"
-#include "store/cCustListSync.h"
+#include "roster/cCustListSync.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {

@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 #include "session/mdlErrTrap.h"
 #include "support/MorvaneTest.h"
 #include "util/RuntimeError.h"

@@ -2,8 +2,8 @@
 // and the timer stopping itself once the login is gone.
 #include <gtest/gtest.h>
 
-#include "session/ProcessState.h"
-#include "session/ctrlMorvane.h"
+#include "state/ProcessState.h"
+#include "component/ctrlMorvane.h"
 #include "session/frmLoginTimer.h"
 #include "session/mdlLogin.h"
 #include "support/MorvaneTest.h"

@@ -8,10 +8,10 @@
 #include <iterator>
 
 #include "platform/AtomicFile.h"
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 #include "support/MorvaneTest.h"
 #include "transport/mdlServerFile.h"
-#include "util/basGetCRC.h"
+#include "state/basGetCRC.h"
 
 namespace morvane::test {
 namespace {

@@ -2,9 +2,9 @@
 // and the boxes the user sees, all through the real HTTPS exchange.
 #include <gtest/gtest.h>
 
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 #include "session/mdlLogin.h"
-#include "session/mdlRegConstMorvane.h"
+#include "state/mdlRegConstMorvane.h"
 #include "support/MorvaneTest.h"
 #include "transport/frmSendRequestProgress.h"
 #include "transport/mdlServerReply.h"

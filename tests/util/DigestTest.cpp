@@ -8,9 +8,9 @@
 #include "platform/Checksum.h"
 #include "support/TempDir.h"
 #include "util/RuntimeError.h"
-#include "util/SHA256String.h"
+#include "platform/SHA256String.h"
 #include "util/basByteSize.h"
-#include "util/basGetCRC.h"
+#include "state/basGetCRC.h"
 
 namespace morvane::test {
 namespace {

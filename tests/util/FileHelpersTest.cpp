@@ -6,7 +6,7 @@
 #include <fstream>
 
 #include "support/TempDir.h"
-#include "util/basFileTime.h"
+#include "platform/basFileTime.h"
 #include "util/basTempPath.h"
 #include "util/mdlFileExist1.h"
 

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "support/MorvaneTest.h"
-#include "util/basShell.h"
+#include "state/basShell.h"
 
 namespace morvane::test {
 namespace {

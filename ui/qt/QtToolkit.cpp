@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "qt/FormWindow.h"
-#include "session/ctrlMorvane.h"
+#include "component/ctrlMorvane.h"
 
 namespace morvane::qt {
 namespace {

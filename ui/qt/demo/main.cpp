@@ -21,13 +21,13 @@
 #include "roster/frmSelectCompareCustListAll.h"
 #include "roster/frmSelectEnabledCustList.h"
 #include "roster/frmSelectEnabledCustListMsg.h"
-#include "session/ProcessState.h"
-#include "session/ctrlMorvane.h"
+#include "state/ProcessState.h"
+#include "component/ctrlMorvane.h"
 #include "session/frmLogin.h"
 #include "session/frmMorvaneSetting.h"
 #include "session/mdlLogin.h"
 #include "store/LocalDatabases.h"
-#include "store/cCustListSync.h"
+#include "roster/cCustListSync.h"
 #include "store/frmSelectCompareMsg.h"
 
 namespace {
