@@ -4,10 +4,10 @@
 #include <optional>
 
 #include "platform/Xml.h"
-#include "state/ProcessState.h"
 #include "session/frmLogin.h"
 #include "session/frmLoginTimer.h"
 #include "session/mdlErrTrap.h"
+#include "state/ProcessState.h"
 #include "state/mdlRegConstMorvane.h"
 #include "state/mdlRegControlMorvane.h"
 #include "transport/RequestBody.h"

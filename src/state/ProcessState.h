@@ -3,8 +3,8 @@
 // platform services (toolkit, settings store, clock, HTTP options) the host or a test set.
 #pragma once
 
-#include <cstdint>
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>

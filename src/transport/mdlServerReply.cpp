@@ -3,8 +3,8 @@
 #include <optional>
 
 #include "platform/Xml.h"
-#include "state/ProcessState.h"
 #include "state/LoginState.h"
+#include "state/ProcessState.h"
 #include "transport/frmSendRequestProgress.h"
 #include "transport/mdlServerCommon.h"
 #include "util/Nz.h"
