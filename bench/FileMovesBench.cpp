@@ -24,8 +24,9 @@
 #include <vector>
 
 #include "server/MorvaneServer.h"
-#include "state/ProcessState.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
+#include "state/basGetCRC.h"
 #include "state/mdlRegConstMorvane.h"
 #include "state/mdlRegControlMorvane.h"
 #include "support/ScriptedToolkit.h"
@@ -33,7 +34,6 @@
 #include "transport/mdlServerConst.h"
 #include "transport/mdlServerFile.h"
 #include "transport/mdlServerReply.h"
-#include "state/basGetCRC.h"
 
 namespace {
 

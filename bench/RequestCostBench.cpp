@@ -10,8 +10,8 @@
 #include <string>
 
 #include "server/MorvaneServer.h"
-#include "state/ProcessState.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
 #include "state/mdlRegConstMorvane.h"
 #include "state/mdlRegControlMorvane.h"
 #include "support/TempDir.h"

@@ -11,8 +11,8 @@
 #ifdef MORVANE_HAVE_TTY
 #include "tty/TtyToolkit.h"
 #endif
-#include "state/ProcessState.h"
 #include "component/ctrlMorvane.h"
+#include "state/ProcessState.h"
 #include "state/mdlRegConstMorvane.h"
 #include "state/mdlRegControlMorvane.h"
 #include "transport/TransportRun.h"

@@ -3,11 +3,11 @@
 #include <ostream>
 
 #include "ReachReason.h"
-#include "state/ProcessState.h"
-#include "session/basTextEncrypt.h"
 #include "component/ctrlMorvane.h"
+#include "session/basTextEncrypt.h"
 #include "session/mdlLogin.h"
 #include "session/mdlLoginInfo.h"
+#include "state/ProcessState.h"
 #include "state/mdlRegConstMorvane.h"
 #include "state/mdlRegControlMorvane.h"
 #include "transport/mdlServerCommon.h"

@@ -6,12 +6,12 @@
 #include <system_error>
 
 #include "ReachReason.h"
-#include "platform/Dao.h"
 #include "component/DispatchTable.h"
-#include "state/ProcessState.h"
+#include "platform/Dao.h"
 #include "session/basTextEncrypt.h"
 #include "session/mdlLogin.h"
 #include "session/mdlLoginInfo.h"
+#include "state/ProcessState.h"
 #include "state/mdlRegConstMorvane.h"
 #include "state/mdlRegControlMorvane.h"
 #include "store/BackupTableIndex.h"

@@ -1,11 +1,11 @@
 // The dated record members: settlement, permit and other records, each compared, downloaded
 // and uploaded by the list patterns.
+#include "component/DispatchTable.h"
+#include "component/ctrlMorvane.h"
 #include "dated/cCustKessan.h"
 #include "dated/cCustKihonOther.h"
 #include "dated/cCustKyoka.h"
 #include "lists/ListFacade.h"
-#include "component/DispatchTable.h"
-#include "component/ctrlMorvane.h"
 
 namespace morvane {
 

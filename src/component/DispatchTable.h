@@ -13,8 +13,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/Forms.h"
 #include "component/ctrlMorvane.h"
+#include "platform/Forms.h"
 #include "util/Nz.h"
 #include "util/RuntimeError.h"
 #include "util/Value.h"

@@ -2,10 +2,10 @@
 // kinds, written once over a table of the kinds and registered by name.
 #include <array>
 
-#include "dated/cCustDataFile.h"
 #include "component/DispatchTable.h"
-#include "session/FacadePatterns.h"
 #include "component/ctrlMorvane.h"
+#include "dated/cCustDataFile.h"
+#include "session/FacadePatterns.h"
 
 namespace morvane {
 namespace {

@@ -3,10 +3,10 @@
 #include <exception>
 
 #include "component/DispatchTable.h"
-#include "session/FacadePatterns.h"
 #include "component/ctrlMorvane.h"
-#include "session/mdlErrTrap.h"
 #include "roster/cCustListSync.h"
+#include "session/FacadePatterns.h"
+#include "session/mdlErrTrap.h"
 #include "util/Nz.h"
 #include "util/Text.h"
 

@@ -2,10 +2,10 @@
 // and fetched through the customer record's own slot, since its worker holds them.
 #include <functional>
 
-#include "record/cCustKihon.h"
 #include "component/DispatchTable.h"
-#include "session/FacadePatterns.h"
 #include "component/ctrlMorvane.h"
+#include "record/cCustKihon.h"
+#include "session/FacadePatterns.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"
 

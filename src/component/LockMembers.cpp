@@ -1,7 +1,7 @@
 // The lock members: server locks on a customer or a master, forwarded whole to mdlLock.
-#include "locks/mdlLock.h"
 #include "component/DispatchTable.h"
 #include "component/ctrlMorvane.h"
+#include "locks/mdlLock.h"
 
 namespace morvane {
 

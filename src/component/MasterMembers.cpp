@@ -1,5 +1,8 @@
 // The shared master members: for each of the office's eight masters a comparison, a
 // download of what it left, and an upload, all by the list patterns.
+#include "component/DispatchTable.h"
+#include "component/ctrlMorvane.h"
+#include "lists/ListFacade.h"
 #include "masters/cMastBunsekikikan.h"
 #include "masters/cMastKessanTaioh.h"
 #include "masters/cMastMinister.h"
@@ -8,9 +11,6 @@
 #include "masters/cMastSakuseisha.h"
 #include "masters/cMastUserStaff.h"
 #include "masters/cMastYakushoku.h"
-#include "lists/ListFacade.h"
-#include "component/DispatchTable.h"
-#include "component/ctrlMorvane.h"
 
 namespace morvane {
 

@@ -1,11 +1,11 @@
 // The prefecture form members: the delegation form's comparison, kept-worker download and
 // upload, and the machinery list's upload. Each takes the prefecture database, the customer,
 // and the data file the form belongs to.
+#include "component/DispatchTable.h"
+#include "component/ctrlMorvane.h"
 #include "prefcust/cP99Inin.h"
 #include "prefcust/cP99KikaiIchiran.h"
-#include "component/DispatchTable.h"
 #include "session/FacadePatterns.h"
-#include "component/ctrlMorvane.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"
 

@@ -1,9 +1,9 @@
 // The customer record members: the main record's and the trades' comparisons, downloads and
 // uploads, the linkage calls over both and the staff and offices, and the code-only upload.
-#include "record/cCustKihon.h"
 #include "component/DispatchTable.h"
-#include "session/FacadePatterns.h"
 #include "component/ctrlMorvane.h"
+#include "record/cCustKihon.h"
+#include "session/FacadePatterns.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"
 

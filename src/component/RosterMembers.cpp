@@ -3,17 +3,17 @@
 // customers on the server.
 #include <exception>
 
+#include "component/DispatchTable.h"
+#include "component/ctrlMorvane.h"
 #include "roster/cCustAddDel.h"
 #include "roster/cCustList.h"
-#include "component/DispatchTable.h"
+#include "roster/cCustListSync.h"
 #include "session/FacadePatterns.h"
-#include "state/ProcessState.h"
-#include "component/ctrlMorvane.h"
 #include "session/mdlErrTrap.h"
 #include "session/mdlLogin.h"
 #include "session/mdlServerTime.h"
+#include "state/ProcessState.h"
 #include "store/LocalDatabases.h"
-#include "roster/cCustListSync.h"
 #include "store/mdlMorvaneCommon.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"

@@ -1,8 +1,8 @@
 // The clock members: measuring the server's offset and reading both offsets.
 #include "component/DispatchTable.h"
-#include "state/ProcessState.h"
 #include "component/ctrlMorvane.h"
 #include "session/mdlServerTime.h"
+#include "state/ProcessState.h"
 
 namespace morvane {
 

@@ -3,9 +3,9 @@
 #include <exception>
 
 #include "component/DispatchTable.h"
-#include "state/ProcessState.h"
 #include "component/ctrlMorvane.h"
 #include "session/mdlErrTrap.h"
+#include "state/ProcessState.h"
 #include "store/frmSelectCompareMsg.h"
 
 namespace morvane {

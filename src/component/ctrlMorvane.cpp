@@ -18,8 +18,8 @@
 #include "roster/cCustList.h"
 #include "roster/cCustListSync.h"
 
-#include "state/ProcessState.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
 
 namespace morvane {
 

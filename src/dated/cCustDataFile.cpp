@@ -11,8 +11,10 @@
 #include "platform/AtomicFile.h"
 #include "platform/Trash.h"
 #include "platform/Xml.h"
+#include "platform/basFileTime.h"
 #include "session/mdlErrTrap.h"
 #include "session/mdlLogin.h"
+#include "state/basGetCRC.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"
 #include "transport/mdlServerFile.h"
@@ -21,8 +23,6 @@
 #include "util/Nz.h"
 #include "util/RuntimeError.h"
 #include "util/Text.h"
-#include "platform/basFileTime.h"
-#include "state/basGetCRC.h"
 #include "util/mdlFileExist1.h"
 
 namespace morvane {

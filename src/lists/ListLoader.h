@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/Dao.h"
 #include "lists/ListDecl.h"
 #include "lists/ListSql.h"
+#include "platform/Dao.h"
 #include "util/Nz.h"
 
 namespace morvane::record {

@@ -7,8 +7,8 @@
 #include <unordered_set>
 #include <vector>
 
-#include "platform/Xml.h"
 #include "lists/ListDecl.h"
+#include "platform/Xml.h"
 #include "store/mdlMorvaneCommon.h"
 #include "util/Nz.h"
 #include "util/Text.h"

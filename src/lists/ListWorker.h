@@ -9,11 +9,11 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/Xml.h"
 #include "lists/ListCompare.h"
 #include "lists/ListDownload.h"
 #include "lists/ListReader.h"
 #include "lists/ListUpload.h"
+#include "platform/Xml.h"
 #include "session/mdlErrTrap.h"
 
 namespace morvane::record {

@@ -1,7 +1,7 @@
 #include "prefcust/cP99KikaiIchiran.h"
 
-#include "prefcust/PrefCustRead.h"
 #include "lists/ListUpload.h"
+#include "prefcust/PrefCustRead.h"
 #include "store/mdlMorvaneCommon.h"
 #include "transport/mdlServerConst.h"
 #include "util/Nz.h"

@@ -4,8 +4,8 @@
 
 #include "locks/mdlLock.h"
 #include "roster/frmSelectEnabledCustList.h"
-#include "state/ProcessState.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
 #include "store/mdlMorvaneCommon.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"

@@ -5,9 +5,10 @@
 #include <cstdint>
 #include <optional>
 
-#include "state/ProcessState.h"
 #include "session/basTextEncrypt.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
+#include "state/basShell.h"
 #include "state/mdlMsgBox.h"
 #include "state/mdlRegConstMorvane.h"
 #include "state/mdlRegControlMorvane.h"
@@ -15,7 +16,6 @@
 #include "transport/mdlServerConst.h"
 #include "transport/mdlServerReply.h"
 #include "util/Text.h"
-#include "state/basShell.h"
 
 namespace morvane {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "state/ProcessState.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
 #include "state/mdlRegConstMorvane.h"
 #include "state/mdlRegControlMorvane.h"
 #include "util/Nz.h"

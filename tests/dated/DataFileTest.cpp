@@ -8,17 +8,17 @@
 #include <iterator>
 #include <optional>
 
+#include "component/DispatchTable.h"
+#include "component/ctrlMorvane.h"
 #include "dated/cCustDataFile.h"
 #include "platform/AtomicFile.h"
-#include "component/DispatchTable.h"
-#include "state/ProcessState.h"
-#include "component/ctrlMorvane.h"
+#include "platform/basFileTime.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
+#include "state/basGetCRC.h"
 #include "support/LeftoverWrite.h"
 #include "support/MorvaneTest.h"
 #include "support/ScopedEnv.h"
-#include "platform/basFileTime.h"
-#include "state/basGetCRC.h"
 
 namespace morvane::test {
 namespace {

@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "DatedTestUtil.h"
-#include "dated/cCustKessan.h"
 #include "component/DispatchTable.h"
 #include "component/ctrlMorvane.h"
+#include "dated/cCustKessan.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {

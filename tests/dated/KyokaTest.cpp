@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "DatedTestUtil.h"
-#include "dated/cCustKyoka.h"
 #include "component/ctrlMorvane.h"
+#include "dated/cCustKyoka.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {

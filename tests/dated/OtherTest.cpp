@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "DatedTestUtil.h"
-#include "dated/cCustKihonOther.h"
 #include "component/ctrlMorvane.h"
+#include "dated/cCustKihonOther.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {

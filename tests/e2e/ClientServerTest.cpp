@@ -6,9 +6,9 @@
 #include <memory>
 
 #include "OfficeServerTest.h"
-#include "state/ProcessState.h"
 #include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
 #include "store/LocalDatabases.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"

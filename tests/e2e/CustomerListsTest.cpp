@@ -7,11 +7,11 @@
 #include <vector>
 
 #include "OfficeServerTest.h"
+#include "component/ctrlMorvane.h"
 #include "platform/Dao.h"
 #include "record/NyusatsuKikanList.h"
 #include "record/NyusatsuSankaList.h"
 #include "record/cCustKihon.h"
-#include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
 #include "store/LocalDatabases.h"
 #include "store/StoreTestUtil.h"

@@ -8,15 +8,15 @@
 #include <iterator>
 
 #include "OfficeServerTest.h"
-#include "dated/cCustDataFile.h"
 #include "component/ctrlMorvane.h"
+#include "dated/cCustDataFile.h"
+#include "platform/basFileTime.h"
 #include "session/mdlLogin.h"
 #include "support/LeftoverWrite.h"
 #include "support/ScopedEnv.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"
 #include "transport/mdlServerReply.h"
-#include "platform/basFileTime.h"
 
 namespace morvane::test {
 namespace {

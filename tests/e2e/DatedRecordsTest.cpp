@@ -6,11 +6,11 @@
 #include <vector>
 
 #include "OfficeServerTest.h"
+#include "component/ctrlMorvane.h"
 #include "dated/cCustKessan.h"
 #include "dated/cCustKihonOther.h"
 #include "dated/cCustKyoka.h"
 #include "platform/Dao.h"
-#include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
 #include "store/LocalDatabases.h"
 #include "transport/RequestBody.h"

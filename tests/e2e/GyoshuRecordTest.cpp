@@ -7,9 +7,9 @@
 #include <string>
 
 #include "OfficeServerTest.h"
+#include "component/ctrlMorvane.h"
 #include "platform/Dao.h"
 #include "record/cCustKihon.h"
-#include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
 #include "store/LocalDatabases.h"
 #include "transport/RequestBody.h"

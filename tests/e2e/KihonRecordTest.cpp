@@ -6,11 +6,11 @@
 #include <memory>
 
 #include "OfficeServerTest.h"
+#include "component/ctrlMorvane.h"
 #include "platform/Dao.h"
 #include "record/cCustKihon.h"
-#include "state/ProcessState.h"
-#include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
 #include "store/LocalDatabases.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "OfficeServerTest.h"
+#include "component/ctrlMorvane.h"
 #include "masters/cMastBunsekikikan.h"
 #include "masters/cMastKessanTaioh.h"
 #include "masters/cMastMinister.h"
@@ -15,7 +16,6 @@
 #include "masters/cMastUserStaff.h"
 #include "masters/cMastYakushoku.h"
 #include "platform/Dao.h"
-#include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
 #include "store/LocalDatabases.h"
 #include "store/StoreTestUtil.h"

@@ -1,8 +1,8 @@
 #include "OfficeServerTest.h"
 
-#include "state/ProcessState.h"
 #include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
 #include "state/mdlRegConstMorvane.h"
 #include "state/mdlRegControlMorvane.h"
 #include "store/LocalDatabases.h"

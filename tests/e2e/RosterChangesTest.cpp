@@ -5,10 +5,10 @@
 #include <memory>
 
 #include "OfficeServerTest.h"
-#include "roster/cCustList.h"
-#include "state/ProcessState.h"
 #include "component/ctrlMorvane.h"
+#include "roster/cCustList.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
 #include "store/LocalDatabases.h"
 #include "store/StoreTestUtil.h"
 #include "transport/RequestBody.h"

@@ -5,9 +5,9 @@
 #include <algorithm>
 
 #include "MastersTestUtil.h"
+#include "component/ctrlMorvane.h"
 #include "masters/cMastNyusatsukikan.h"
 #include "masters/cMastUserStaff.h"
-#include "component/ctrlMorvane.h"
 #include "support/MorvaneTest.h"
 #include "transport/mdlServerConst.h"
 

@@ -24,14 +24,14 @@
 #include <string>
 #include <vector>
 
+#include "component/ctrlMorvane.h"
 #include "qt/QtToolkit.h"
 #include "roster/frmSelectEnabledCustListMsg.h"
-#include "state/ProcessState.h"
 #include "session/basTextEncrypt.h"
-#include "component/ctrlMorvane.h"
 #include "session/frmLogin.h"
 #include "session/frmMorvaneSetting.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
 #include "state/mdlRegConstMorvane.h"
 #include "store/frmSelectCompareMsg.h"
 #include "support/MorvaneTest.h"

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "CustListTestUtil.h"
-#include "record/cCustKihon.h"
 #include "component/ctrlMorvane.h"
+#include "record/cCustKihon.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {

@@ -5,9 +5,9 @@
 #include "component/DispatchTable.h"
 
 #include "RosterTestUtil.h"
-#include "state/ProcessState.h"
 #include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
 #include "store/StoreTestUtil.h"
 #include "support/MorvaneTest.h"
 

@@ -3,11 +3,11 @@
 
 #include <string>
 
-#include "state/ProcessState.h"
-#include "session/basTextEncrypt.h"
 #include "component/ctrlMorvane.h"
+#include "session/basTextEncrypt.h"
 #include "session/mdlLogin.h"
 #include "session/mdlLoginInfo.h"
+#include "state/ProcessState.h"
 #include "state/mdlRegConstMorvane.h"
 #include "support/MorvaneTest.h"
 #include "util/Text.h"

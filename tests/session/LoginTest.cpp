@@ -1,9 +1,9 @@
 // The login exchange end to end: the body sent, and what each kind of reply leaves behind.
 #include <gtest/gtest.h>
 
-#include "state/ProcessState.h"
 #include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
 #include "state/mdlRegConstMorvane.h"
 #include "support/MorvaneTest.h"
 

@@ -6,10 +6,10 @@
 
 #include <string>
 
-#include "state/ProcessState.h"
-#include "session/basTextEncrypt.h"
 #include "component/ctrlMorvane.h"
+#include "session/basTextEncrypt.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
 #include "state/mdlRegConstMorvane.h"
 #include "support/MorvaneTest.h"
 

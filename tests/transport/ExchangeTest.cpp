@@ -5,8 +5,8 @@
 #include <cstdlib>
 
 #include "platform/SettingsStore.h"
-#include "state/ProcessState.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
 #include "state/mdlRegConstMorvane.h"
 #include "support/MorvaneTest.h"
 #include "transport/RequestBody.h"

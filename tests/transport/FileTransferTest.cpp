@@ -9,9 +9,9 @@
 
 #include "platform/AtomicFile.h"
 #include "state/ProcessState.h"
+#include "state/basGetCRC.h"
 #include "support/MorvaneTest.h"
 #include "transport/mdlServerFile.h"
-#include "state/basGetCRC.h"
 
 namespace morvane::test {
 namespace {

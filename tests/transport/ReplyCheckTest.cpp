@@ -2,8 +2,8 @@
 // and the boxes the user sees, all through the real HTTPS exchange.
 #include <gtest/gtest.h>
 
-#include "state/ProcessState.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
 #include "state/mdlRegConstMorvane.h"
 #include "support/MorvaneTest.h"
 #include "transport/frmSendRequestProgress.h"

@@ -12,10 +12,10 @@
 
 #include <unistd.h>
 
-#include "state/ProcessState.h"
-#include "session/basTextEncrypt.h"
 #include "component/ctrlMorvane.h"
+#include "session/basTextEncrypt.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
 #include "state/mdlMsgBox.h"
 #include "state/mdlRegConstMorvane.h"
 #include "support/MorvaneTest.h"

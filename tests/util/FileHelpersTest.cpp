@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <fstream>
 
-#include "support/TempDir.h"
 #include "platform/basFileTime.h"
+#include "support/TempDir.h"
 #include "util/basTempPath.h"
 #include "util/mdlFileExist1.h"
 

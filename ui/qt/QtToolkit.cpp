@@ -13,8 +13,8 @@
 #include <QUrl>
 #include <vector>
 
-#include "qt/FormWindow.h"
 #include "component/ctrlMorvane.h"
+#include "qt/FormWindow.h"
 
 namespace morvane::qt {
 namespace {

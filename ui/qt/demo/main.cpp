@@ -15,19 +15,19 @@
 #include <string>
 #include <vector>
 
+#include "component/ctrlMorvane.h"
 #include "qt/QtToolkit.h"
 #include "roster/cCustList.h"
+#include "roster/cCustListSync.h"
 #include "roster/frmSelectCompareCustList.h"
 #include "roster/frmSelectCompareCustListAll.h"
 #include "roster/frmSelectEnabledCustList.h"
 #include "roster/frmSelectEnabledCustListMsg.h"
-#include "state/ProcessState.h"
-#include "component/ctrlMorvane.h"
 #include "session/frmLogin.h"
 #include "session/frmMorvaneSetting.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
 #include "store/LocalDatabases.h"
-#include "roster/cCustListSync.h"
 #include "store/frmSelectCompareMsg.h"
 
 namespace {
