@@ -50,6 +50,26 @@ TEST_F(ReplyCheckTest, FlagsZeroAsksForTheLoginWithoutOwnerAndWithoutCancel) {
     EXPECT_TRUE(kit_->Boxes().empty());
 }
 
+TEST_F(ReplyCheckTest, AnEndedLoginGoesToWhicheverPromptIsSetAndToNoneWithout) {
+    const auto sessionPrompt = State().loginPrompt;
+    int asked = 0;
+    SetLoginPrompt([&] {
+        ++asked;
+        EXPECT_EQ(GetLoginID(), "");  // the record is emptied before the prompt
+    });
+    LogIn("T1");
+    EXPECT_EQ(Send(Envelope(0, "")), "");
+    EXPECT_EQ(asked, 1);
+    SetLoginPrompt(nullptr);
+    LogIn("T1");
+    EXPECT_EQ(Send(Envelope(0, "")), "");
+    EXPECT_EQ(asked, 1);
+    EXPECT_EQ(GetLoginState(), 0);
+    EXPECT_EQ(GetLoginID(), "");
+    EXPECT_TRUE(kit_->ShownForms().empty());
+    SetLoginPrompt(sessionPrompt);
+}
+
 TEST_F(ReplyCheckTest, ReLoginThroughTheDialogRestoresTheSessionButNotTheRequest) {
     LogIn("T1");
     server_->On("login.php", LoginReply(1, "FRESH"));
