@@ -13,16 +13,16 @@
 #include <string>
 #include <vector>
 
+#include "component/ctrlMorvane.h"
 #include "platform/Dao.h"
 #include "roster/cCustList.h"
-#include "session/ProcessState.h"
-#include "session/ctrlMorvane.h"
+#include "roster/cCustListSync.h"
 #include "session/mdlLogin.h"
-#include "session/mdlRegConstMorvane.h"
-#include "session/mdlRegControlMorvane.h"
+#include "state/ProcessState.h"
+#include "state/mdlRegConstMorvane.h"
+#include "state/mdlRegControlMorvane.h"
 #include "store/BackupTableIndex.h"
 #include "store/LocalDatabases.h"
-#include "store/cCustListSync.h"
 #include "support/MorvaneTest.h"
 #include "support/ScriptedToolkit.h"
 #include "support/TempDir.h"

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "platform/Dao.h"
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 #include "store/BackupTableIndex.h"
 #include "store/LocalDatabases.h"
 #include "store/mdlMorvaneCommon.h"

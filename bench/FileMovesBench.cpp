@@ -24,16 +24,16 @@
 #include <vector>
 
 #include "server/MorvaneServer.h"
-#include "session/ProcessState.h"
 #include "session/mdlLogin.h"
-#include "session/mdlRegConstMorvane.h"
-#include "session/mdlRegControlMorvane.h"
+#include "state/ProcessState.h"
+#include "state/basGetCRC.h"
+#include "state/mdlRegConstMorvane.h"
+#include "state/mdlRegControlMorvane.h"
 #include "support/ScriptedToolkit.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"
 #include "transport/mdlServerFile.h"
 #include "transport/mdlServerReply.h"
-#include "util/basGetCRC.h"
 
 namespace {
 

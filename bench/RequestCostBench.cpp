@@ -10,10 +10,10 @@
 #include <string>
 
 #include "server/MorvaneServer.h"
-#include "session/ProcessState.h"
 #include "session/mdlLogin.h"
-#include "session/mdlRegConstMorvane.h"
-#include "session/mdlRegControlMorvane.h"
+#include "state/ProcessState.h"
+#include "state/mdlRegConstMorvane.h"
+#include "state/mdlRegControlMorvane.h"
 #include "support/TempDir.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"

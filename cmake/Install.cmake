@@ -8,8 +8,13 @@ set(MORVANE_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/Morvane)
 
 install(TARGETS morvane EXPORT MorvaneTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} NAMELINK_COMPONENT Development)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/ DESTINATION ${MORVANE_INCLUDE_DIR}
-        COMPONENT Development FILES_MATCHING PATTERN "*.h")
+# The public object's header and the headers it includes, each in its folder; the rest of src/
+# is the component's own.
+foreach(header component/ctrlMorvane.h platform/Forms.h util/Value.h util/DateValue.h)
+    get_filename_component(folder ${header} DIRECTORY)
+    install(FILES ${PROJECT_SOURCE_DIR}/src/${header} DESTINATION ${MORVANE_INCLUDE_DIR}/${folder}
+            COMPONENT Development)
+endforeach()
 if(TARGET morvane-qt)
     install(TARGETS morvane-qt EXPORT MorvaneTargets
             LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} NAMELINK_COMPONENT Development)

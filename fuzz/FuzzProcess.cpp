@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <string>
 
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 #include "transport/TransportRun.h"
 
 namespace morvane::fuzz {

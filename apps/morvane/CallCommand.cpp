@@ -2,8 +2,8 @@
 
 #include <ostream>
 
-#include "session/DispatchTable.h"
-#include "session/ctrlMorvane.h"
+#include "component/DispatchTable.h"
+#include "component/ctrlMorvane.h"
 #include "util/RuntimeError.h"
 #include "util/Text.h"
 

@@ -21,7 +21,7 @@
 #include "SyncCommand.h"
 #include "SyncRun.h"
 #include "platform/Dao.h"
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 #include "store/LocalDatabases.h"
 #include "util/Nz.h"
 

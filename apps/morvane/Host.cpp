@@ -11,10 +11,10 @@
 #ifdef MORVANE_HAVE_TTY
 #include "tty/TtyToolkit.h"
 #endif
-#include "session/ProcessState.h"
-#include "session/ctrlMorvane.h"
-#include "session/mdlRegConstMorvane.h"
-#include "session/mdlRegControlMorvane.h"
+#include "component/ctrlMorvane.h"
+#include "state/ProcessState.h"
+#include "state/mdlRegConstMorvane.h"
+#include "state/mdlRegControlMorvane.h"
 #include "transport/TransportRun.h"
 
 namespace morvane::cli {

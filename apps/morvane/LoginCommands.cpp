@@ -3,13 +3,13 @@
 #include <ostream>
 
 #include "ReachReason.h"
-#include "session/ProcessState.h"
+#include "component/ctrlMorvane.h"
 #include "session/basTextEncrypt.h"
-#include "session/ctrlMorvane.h"
 #include "session/mdlLogin.h"
 #include "session/mdlLoginInfo.h"
-#include "session/mdlRegConstMorvane.h"
-#include "session/mdlRegControlMorvane.h"
+#include "state/ProcessState.h"
+#include "state/mdlRegConstMorvane.h"
+#include "state/mdlRegControlMorvane.h"
 #include "transport/mdlServerCommon.h"
 #include "transport/mdlServerConst.h"
 #include "util/Text.h"

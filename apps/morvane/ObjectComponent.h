@@ -3,7 +3,7 @@
 #pragma once
 
 #include "SyncRun.h"
-#include "session/ctrlMorvane.h"
+#include "component/ctrlMorvane.h"
 
 namespace morvane::cli {
 

@@ -1,6 +1,6 @@
 #include "ReachReason.h"
 
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 #include "transport/mdlServerCommon.h"
 
 namespace morvane::cli {

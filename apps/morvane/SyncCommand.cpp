@@ -6,7 +6,7 @@
 
 #include "ObjectComponent.h"
 #include "ScratchDatabases.h"
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 
 namespace morvane::cli {
 

@@ -1,6 +1,6 @@
 #include "SyncKinds.h"
 
-#include "session/ctrlMorvane.h"
+#include "component/ctrlMorvane.h"
 
 namespace morvane::cli {
 namespace {

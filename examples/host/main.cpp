@@ -2,7 +2,7 @@
 // program does at start, and asks it for the login state, which no login has set yet.
 #include <iostream>
 
-#include "session/ctrlMorvane.h"
+#include "component/ctrlMorvane.h"
 
 int main() {
     morvane::ctrlMorvane component;

@@ -11,9 +11,11 @@
 #include "platform/AtomicFile.h"
 #include "platform/Trash.h"
 #include "platform/Xml.h"
-#include "session/ProcessState.h"
+#include "platform/basFileTime.h"
 #include "session/mdlErrTrap.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
+#include "state/basGetCRC.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"
 #include "transport/mdlServerFile.h"
@@ -22,8 +24,6 @@
 #include "util/Nz.h"
 #include "util/RuntimeError.h"
 #include "util/Text.h"
-#include "util/basFileTime.h"
-#include "util/basGetCRC.h"
 #include "util/mdlFileExist1.h"
 
 namespace morvane {

@@ -3,7 +3,7 @@
 #include <array>
 #include <string_view>
 
-#include "record/ListKinds.h"
+#include "lists/ListKinds.h"
 #include "transport/mdlServerConst.h"
 
 namespace morvane {

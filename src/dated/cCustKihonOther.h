@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "record/ListDecl.h"
-#include "record/ListWorker.h"
+#include "lists/ListDecl.h"
+#include "lists/ListWorker.h"
 
 namespace morvane {
 

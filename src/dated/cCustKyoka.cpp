@@ -1,6 +1,6 @@
 #include "dated/cCustKyoka.h"
 
-#include "record/ListKinds.h"
+#include "lists/ListKinds.h"
 #include "transport/mdlServerConst.h"
 
 namespace morvane {

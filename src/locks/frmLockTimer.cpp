@@ -4,7 +4,7 @@
 
 #include "locks/mdlLock.h"
 #include "session/mdlLogin.h"
-#include "session/mdlMsgBox.h"
+#include "state/mdlMsgBox.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"
 #include "transport/mdlServerReply.h"

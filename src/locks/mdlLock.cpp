@@ -6,8 +6,8 @@
 
 #include "locks/frmLockTimer.h"
 #include "platform/Xml.h"
-#include "session/ProcessState.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
 #include "transport/RequestBody.h"
 #include "transport/TransportRun.h"
 #include "transport/mdlServerConst.h"

@@ -6,9 +6,9 @@
 #include <string>
 #include <string_view>
 
-#include "record/ListDecl.h"
-#include "record/ListKinds.h"
-#include "record/ListWorker.h"
+#include "lists/ListDecl.h"
+#include "lists/ListKinds.h"
+#include "lists/ListWorker.h"
 
 namespace morvane::masters {
 

@@ -1,6 +1,6 @@
 #include "masters/cMastNyusatsukikan.h"
 
-#include "record/NumberedNames.h"
+#include "lists/NumberedNames.h"
 #include "transport/mdlServerConst.h"
 
 namespace morvane {

@@ -5,15 +5,10 @@
 #include <optional>
 #include <string>
 
+#include "util/DateFormat.h"
 #include "util/DateValue.h"
 
 namespace morvane::platform {
-
-struct EraDate {
-    std::string name;    // "令和"
-    std::string letter;  // "R"
-    int year = 0;        // 1 in the era's first year
-};
 
 // nullopt when the calendar cannot place the date.
 std::optional<EraDate> JapaneseEra(DateValue date);

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "record/ListDecl.h"
+#include "lists/ListDecl.h"
 
 namespace morvane {
 

@@ -1,7 +1,7 @@
 #include "prefcust/cP99KikaiIchiran.h"
 
+#include "lists/ListUpload.h"
 #include "prefcust/PrefCustRead.h"
-#include "record/ListUpload.h"
 #include "store/mdlMorvaneCommon.h"
 #include "transport/mdlServerConst.h"
 #include "util/Nz.h"

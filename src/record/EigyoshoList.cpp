@@ -1,6 +1,6 @@
 #include "record/EigyoshoList.h"
 
-#include "record/ListKinds.h"
+#include "lists/ListKinds.h"
 #include "transport/mdlServerConst.h"
 #include "util/Nz.h"
 

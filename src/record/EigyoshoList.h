@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <string>
 
-#include "record/ListDecl.h"
-#include "record/ListWorker.h"
+#include "lists/ListDecl.h"
+#include "lists/ListWorker.h"
 
 namespace morvane {
 

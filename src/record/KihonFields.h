@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "record/FieldRow.h"
+#include "lists/FieldRow.h"
 #include "util/Value.h"
 
 namespace morvane {

@@ -1,7 +1,7 @@
 #include "record/NyusatsuKikanList.h"
 
-#include "record/ListKinds.h"
-#include "record/NumberedNames.h"
+#include "lists/ListKinds.h"
+#include "lists/NumberedNames.h"
 #include "transport/mdlServerConst.h"
 
 namespace morvane {

@@ -1,6 +1,6 @@
 #include "record/NyusatsuSankaList.h"
 
-#include "record/ListKinds.h"
+#include "lists/ListKinds.h"
 #include "transport/mdlServerConst.h"
 
 namespace morvane {

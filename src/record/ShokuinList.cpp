@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-#include "record/ListKinds.h"
-#include "record/NumberedNames.h"
+#include "lists/ListKinds.h"
+#include "lists/NumberedNames.h"
 #include "record/mdlConvertH28ShikakuCode.h"
 #include "transport/mdlServerConst.h"
 

@@ -4,9 +4,9 @@
 #include <string_view>
 
 #include "roster/StripCorpWords.h"
+#include "roster/cCustListSync.h"
 #include "roster/frmSelectEnabledCustListMsg.h"
 #include "session/mdlLogin.h"
-#include "store/cCustListSync.h"
 #include "util/Nz.h"
 
 namespace morvane {

@@ -1,7 +1,7 @@
 #include "roster/frmSelectEnabledCustListMsg.h"
 
+#include "state/basShell.h"
 #include "transport/mdlServerCommon.h"
-#include "util/basShell.h"
 
 namespace morvane {
 

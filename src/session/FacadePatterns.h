@@ -9,9 +9,9 @@
 #include <string>
 #include <string_view>
 
-#include "session/ProcessState.h"
 #include "session/mdlErrTrap.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
 #include "transport/mdlServerReply.h"
 
 namespace morvane::facade {

@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "session/ProcessState.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"
 #include "transport/mdlServerReply.h"

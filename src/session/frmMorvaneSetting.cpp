@@ -5,17 +5,17 @@
 #include <cstdint>
 #include <optional>
 
-#include "session/ProcessState.h"
 #include "session/basTextEncrypt.h"
 #include "session/mdlLogin.h"
-#include "session/mdlMsgBox.h"
-#include "session/mdlRegConstMorvane.h"
-#include "session/mdlRegControlMorvane.h"
+#include "state/ProcessState.h"
+#include "state/basShell.h"
+#include "state/mdlMsgBox.h"
+#include "state/mdlRegConstMorvane.h"
+#include "state/mdlRegControlMorvane.h"
 #include "transport/mdlServerCommon.h"
 #include "transport/mdlServerConst.h"
 #include "transport/mdlServerReply.h"
 #include "util/Text.h"
-#include "util/basShell.h"
 
 namespace morvane {
 namespace {

@@ -1,6 +1,6 @@
 #include "session/mdlErrTrap.h"
 
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 #include "util/RuntimeError.h"
 
 namespace morvane {

@@ -4,15 +4,16 @@
 #include <optional>
 
 #include "platform/Xml.h"
-#include "session/ProcessState.h"
 #include "session/frmLogin.h"
 #include "session/frmLoginTimer.h"
 #include "session/mdlErrTrap.h"
-#include "session/mdlRegConstMorvane.h"
-#include "session/mdlRegControlMorvane.h"
+#include "state/ProcessState.h"
+#include "state/mdlRegConstMorvane.h"
+#include "state/mdlRegControlMorvane.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerCommon.h"
 #include "transport/mdlServerConst.h"
+#include "transport/mdlServerReply.h"
 #include "util/Nz.h"
 #include "util/Text.h"
 
@@ -27,32 +28,14 @@ std::optional<platform::XmlNode> OnlySection(const platform::XmlDocument& doc,
     return nodes.front();
 }
 
+// The reply check opens the login dialog, without owner and without cancel, from the load of
+// the component on.
+[[maybe_unused]] const bool kLoginPromptSet = [] {
+    SetLoginPrompt([] { ShowLoginDlg(nullptr, 1); });
+    return true;
+}();
+
 }  // namespace
-
-std::int32_t GetLoginState() { return State().login.loginState; }
-void SetLoginState(std::int32_t state) { State().login.loginState = state; }
-std::string GetLoginID() { return State().login.loginId; }
-std::string GetLoginToken() { return ReadMorvaneSetting(reg::kParam2, ""); }
-void SetLoginToken(std::string_view token) { WriteMorvaneSettingUnsynced(reg::kParam2, token); }
-
-std::string GetLoginUserName() { return State().login.userName; }
-std::string GetLoginContractorName() { return State().login.contractorName; }
-std::string GetLoginContractBegin() { return State().login.contractBegin; }
-std::string GetLoginContractEnd() { return State().login.contractEnd; }
-std::int32_t GetLoginSharedCount() { return State().login.sharedCount; }
-std::int32_t GetLoginMaxCustomer() { return State().login.maxCustomer; }
-
-void ResetLogin() {
-    State().login = LoginRecord{};
-    StopLoginTimer();
-}
-
-void StopLoginTimer() {
-    auto& timer = State().loginTimer;
-    if (!timer) return;
-    timer->Unload();
-    timer.reset();
-}
 
 bool ParseLoginSystem(std::string_view reply) {
     const auto doc = platform::XmlDocument::Load(reply);

@@ -1,32 +1,18 @@
-// The one login session of the process: its state, user ID and account fields, the token
-// (kept only in the settings value Param2), and the login exchange.
+// The one login session of the process: the login exchange, its dialogs and its keep-alive
+// timer, over the login record.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <string_view>
 
+#include "state/LoginState.h"
+
 namespace morvane {
 
 namespace forms {
 class Form;
 }
-
-std::int32_t GetLoginState();
-void SetLoginState(std::int32_t state);
-std::string GetLoginID();
-std::string GetLoginToken();
-void SetLoginToken(std::string_view token);
-
-std::string GetLoginUserName();
-std::string GetLoginContractorName();
-std::string GetLoginContractBegin();
-std::string GetLoginContractEnd();
-std::int32_t GetLoginSharedCount();
-std::int32_t GetLoginMaxCustomer();
-
-// Empties the record and stops the keep-alive timer; the token in the settings stays.
-void ResetLogin();
 
 // Posts login.php; true when both the system and the account part of the reply were taken.
 bool DoLogin(std::string_view id, std::string_view password, std::string_view contractNo);
@@ -42,7 +28,5 @@ std::int32_t ShowSettingDlg(forms::Form* owner);
 // Creates and loads the keep-alive timer if none runs (refreshing at once only when must is
 // set); refreshes at once on a running one.
 void RunLoginTimer(bool must);
-// Stops and drops the keep-alive timer, if one runs.
-void StopLoginTimer();
 
 }  // namespace morvane

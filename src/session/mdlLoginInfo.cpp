@@ -2,10 +2,10 @@
 
 #include <string>
 
-#include "session/ProcessState.h"
 #include "session/mdlLogin.h"
-#include "session/mdlRegConstMorvane.h"
-#include "session/mdlRegControlMorvane.h"
+#include "state/ProcessState.h"
+#include "state/mdlRegConstMorvane.h"
+#include "state/mdlRegControlMorvane.h"
 #include "util/Nz.h"
 
 namespace morvane {

@@ -6,7 +6,7 @@
 
 #include "platform/FileServerClock.h"
 #include "platform/Xml.h"
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 #include "transport/mdlServerCommon.h"
 #include "transport/mdlServerConst.h"
 #include "util/DateValue.h"

@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 #include "store/mdlMorvaneCommon.h"
 
 namespace morvane {

@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "platform/JapaneseEra.h"
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 #include "util/Nz.h"
 #include "util/Text.h"
 
@@ -109,12 +109,6 @@ std::int32_t DecideInetDates(std::optional<DateValue> server, std::optional<Date
     return s > l ? 1 : 2;
 }
 
-std::optional<DateValue> AsDate(const Value& v) {
-    if (v.IsDateValue()) return v.AsDate();
-    if (v.IsText()) return DateValue::Parse(v.AsText());
-    return std::nullopt;
-}
-
 namespace {
 // FNV-1a over the stamp text and a separator, so that "a" then "bc" differs from "ab", "c".
 std::uint64_t FoldStamp(std::uint64_t fold, const std::string& stamp) {
@@ -145,93 +139,8 @@ void KeepComparedStamps(std::int32_t result, const Value& server, const Value& l
     state.inetDateCheck = result ? NzString(check) : std::string();
 }
 
-namespace {
-// The first character of a UTF-8 text.
-std::string FirstCharacter(const std::string& text) {
-    if (text.empty()) return text;
-    size_t n = 1;
-    while (n < text.size() && (static_cast<unsigned char>(text[n]) & 0xC0) == 0x80) ++n;
-    return text.substr(0, n);
-}
-}  // namespace
-
-std::string FormatDate(DateValue date, std::string_view p) {
-    const CivilTime t = date.ToCivil();
-    std::string out;
-    std::optional<std::optional<platform::EraDate>> era;
-    bool afterHour = false;
-    auto run = [&](size_t i, char c) {
-        size_t n = 0;
-        while (i + n < p.size() && p[i + n] == c) ++n;
-        return n;
-    };
-    auto num = [&](int value, size_t width) {
-        char buf[16];
-        std::snprintf(buf, sizeof buf, width >= 2 ? "%02d" : "%d", value);
-        out += buf;
-    };
-    for (size_t i = 0; i < p.size();) {
-        const char c = p[i];
-        const size_t n = run(i, c);
-        switch (c) {
-            case 'y':
-                if (n >= 3) {
-                    char buf[8];
-                    std::snprintf(buf, sizeof buf, "%04d", t.year);
-                    out += buf;
-                } else {
-                    num(t.year % 100, 2);
-                }
-                break;
-            case 'M':
-                num(t.month, n);
-                break;
-            case 'm':
-                if (afterHour)
-                    num(t.minute, n);
-                else
-                    num(t.month, n);
-                break;
-            case 'd':
-                num(t.day, n);
-                break;
-            case 'h':
-            case 'H':
-                num(t.hour, n);
-                afterHour = true;
-                break;
-            case 'n':
-                num(t.minute, n);
-                break;
-            case 's':
-                num(t.second, n);
-                break;
-            case 'g':
-            case 'e': {
-                // Era patterns: g the era's letter, gg its first character, ggg its name;
-                // e and ee the year within the era.
-                if (!era) era = platform::JapaneseEra(date);
-                if (!*era) {
-                    if (c == 'e') num(t.year, 1);
-                } else if (c == 'e') {
-                    num((*era)->year, n);
-                } else if (n == 1) {
-                    out += (*era)->letter;
-                } else if (n == 2) {
-                    out += FirstCharacter((*era)->name);
-                } else {
-                    out += (*era)->name;
-                }
-                break;
-            }
-            default:
-                out.append(p.substr(i, n));
-                break;
-        }
-        if (c == 'y' || c == 'M' || c == 'd') afterHour = false;
-        i += n;
-    }
-    return out;
+std::string FormatDate(DateValue date, std::string_view pattern) {
+    return FormatDate(date, pattern, platform::JapaneseEra);
 }
 
 std::int32_t DiffDateText(std::string_view a, std::string_view b, std::string_view format) {

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "platform/Dao.h"
+#include "util/DateFormat.h"
 #include "util/DateValue.h"
 #include "util/Value.h"
 
@@ -45,12 +46,9 @@ std::int32_t CompareInetDates(const Value& server, const Value& local, const Val
 void KeepComparedStamps(std::int32_t result, const Value& server, const Value& local,
                         const Value& check);
 
-// A date in a pattern of the host's Format: yyyy yy MM M dd d hh h mm m (minutes after an
-// hour) nn ss s, and the Japanese era's g gg ggg e ee; any other character stands as it is.
+// A date in a pattern of the host's Format, the era from the platform's Japanese calendar.
 std::string FormatDate(DateValue date, std::string_view pattern);
 // 1 when the two texts differ: as dates under the format when both are dates, else as texts.
 std::int32_t DiffDateText(std::string_view a, std::string_view b, std::string_view format);
-// A value as a date when it is one or a text that reads as one.
-std::optional<DateValue> AsDate(const Value& v);
 
 }  // namespace morvane

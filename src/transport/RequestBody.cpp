@@ -1,6 +1,6 @@
 #include "transport/RequestBody.h"
 
-#include "session/mdlLogin.h"
+#include "state/LoginState.h"
 
 namespace morvane {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 
 namespace morvane {
 

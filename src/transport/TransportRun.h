@@ -21,14 +21,6 @@ inline constexpr std::size_t kMaxFileReplyBytes = std::size_t{512} << 20;
 // Requests that may fail to reach the server in a row before the run gives up on it.
 inline constexpr int kMaxTransportFailures = 3;
 
-struct TransportRunState {
-    std::optional<std::chrono::steady_clock::time_point> deadline;
-    int failuresInARow = 0;
-    std::string lastError;
-    platform::HttpFailure lastFailure = platform::HttpFailure::None;  // of the last unanswered
-    int cleanups = 0;  // TransportCleanup objects alive
-};
-
 // While one lives, requests go on past the run's time limit (not past an unreachable
 // server), each bounded by the stall time-out: a lock held is released when the server
 // answers, and left to expire at the server when it does not.

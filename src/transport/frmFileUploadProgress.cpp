@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "session/mdlMsgBox.h"
+#include "state/mdlMsgBox.h"
 #include "transport/mdlServerFile.h"
 #include "transport/mdlServerReply.h"
 #include "util/basByteSize.h"

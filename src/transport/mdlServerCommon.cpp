@@ -2,9 +2,9 @@
 
 #include "BuildConfig.h"
 #include "platform/PercentEncoding.h"
-#include "session/ProcessState.h"
-#include "session/mdlRegConstMorvane.h"
-#include "session/mdlRegControlMorvane.h"
+#include "state/ProcessState.h"
+#include "state/mdlRegConstMorvane.h"
+#include "state/mdlRegControlMorvane.h"
 #include "transport/RequestBody.h"
 #include "util/Text.h"
 

@@ -4,12 +4,12 @@
 
 #include "platform/AtomicFile.h"
 #include "platform/FileReader.h"
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
+#include "state/basGetCRC.h"
 #include "transport/frmFileDownloadProgress.h"
 #include "transport/frmFileUploadProgress.h"
 #include "transport/mdlServerCommon.h"
 #include "transport/mdlServerReply.h"
-#include "util/basGetCRC.h"
 #include "util/mdlFileExist1.h"
 
 namespace morvane {

@@ -3,8 +3,8 @@
 #include <optional>
 
 #include "platform/Xml.h"
-#include "session/ProcessState.h"
-#include "session/mdlLogin.h"
+#include "state/LoginState.h"
+#include "state/ProcessState.h"
 #include "transport/frmSendRequestProgress.h"
 #include "transport/mdlServerCommon.h"
 #include "util/Nz.h"
@@ -23,8 +23,14 @@ void ShowWarning(const char* text, const char* title) {
 
 void ReLogin() {
     ResetLogin();
-    ShowLoginDlg(nullptr, 1);
+    if (const auto& prompt = State().loginPrompt) prompt();
 }
+
+}  // namespace
+
+void SetLoginPrompt(std::function<void()> prompt) { State().loginPrompt = std::move(prompt); }
+
+namespace {
 
 bool ReadSystemNode(const platform::XmlDocument* doc, std::int32_t& flags, std::string& token) {
     if (!doc) return false;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -14,6 +15,11 @@ namespace morvane {
 namespace forms {
 class Form;
 }
+
+// How the reply check asks for a new login once the server ended it: the session shows its
+// dialog there. Kept on the process state for every later check; without one, the login just
+// ends.
+void SetLoginPrompt(std::function<void()> prompt);
 
 // Flags and token of the reply's one system element; false for an empty or malformed
 // reply, or one without exactly one of each.

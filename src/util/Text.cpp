@@ -138,4 +138,11 @@ void AppendUtf8(std::string& out, char32_t cp) {
     }
 }
 
+std::string FirstCharacter(std::string_view text) {
+    if (text.empty()) return {};
+    size_t n = 1;
+    while (n < text.size() && (static_cast<unsigned char>(text[n]) & 0xC0) == 0x80) ++n;
+    return std::string(text.substr(0, n));
+}
+
 }  // namespace morvane

@@ -17,6 +17,8 @@ std::vector<std::string> Split(std::string_view s, std::string_view sep);
 std::string Join(const std::vector<std::string>& parts, std::string_view sep);
 std::string ReplaceAll(std::string s, std::string_view from, std::string_view to);
 bool StartsWith(std::string_view s, std::string_view prefix);
+// The first character of a UTF-8 text, all its bytes.
+std::string FirstCharacter(std::string_view text);
 // One code point from UTF-8 at i, moving i past it; an invalid sequence gives U+FFFD and
 // moves one byte.
 char32_t NextCodePoint(std::string_view s, size_t& i);

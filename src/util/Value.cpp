@@ -24,4 +24,10 @@ std::string Value::ToText() const {
     return std::visit(Visitor{}, v_);
 }
 
+std::optional<DateValue> AsDate(const Value& v) {
+    if (v.IsDateValue()) return v.AsDate();
+    if (v.IsText()) return DateValue::Parse(v.AsText());
+    return std::nullopt;
+}
+
 }  // namespace morvane

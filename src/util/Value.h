@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <variant>
 
@@ -63,5 +64,8 @@ private:
 // Shortest decimal text that reads back as the same double ("0.5", "-1.15740740740741E-05"
 // style exponents are not used: the text is plain decimal or scientific as needed).
 std::string DoubleText(double d);
+
+// A value as a date when it is one or a text that reads as one.
+std::optional<DateValue> AsDate(const Value& v);
 
 }  // namespace morvane

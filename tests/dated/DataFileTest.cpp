@@ -8,17 +8,17 @@
 #include <iterator>
 #include <optional>
 
+#include "component/DispatchTable.h"
+#include "component/ctrlMorvane.h"
 #include "dated/cCustDataFile.h"
 #include "platform/AtomicFile.h"
-#include "session/DispatchTable.h"
-#include "session/ProcessState.h"
-#include "session/ctrlMorvane.h"
+#include "platform/basFileTime.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
+#include "state/basGetCRC.h"
 #include "support/LeftoverWrite.h"
 #include "support/MorvaneTest.h"
 #include "support/ScopedEnv.h"
-#include "util/basFileTime.h"
-#include "util/basGetCRC.h"
 
 namespace morvane::test {
 namespace {

@@ -4,9 +4,9 @@
 #include <gtest/gtest.h>
 
 #include "DatedTestUtil.h"
+#include "component/DispatchTable.h"
+#include "component/ctrlMorvane.h"
 #include "dated/cCustKessan.h"
-#include "session/DispatchTable.h"
-#include "session/ctrlMorvane.h"
 
 namespace morvane::test {
 namespace {

@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "DatedTestUtil.h"
+#include "component/ctrlMorvane.h"
 #include "dated/cCustKihonOther.h"
 #include "dated/cCustKyoka.h"
-#include "session/ctrlMorvane.h"
 
 namespace morvane::test {
 namespace {

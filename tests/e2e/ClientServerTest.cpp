@@ -6,10 +6,10 @@
 #include <memory>
 
 #include "OfficeServerTest.h"
+#include "component/ctrlMorvane.h"
 #include "roster/cCustList.h"
-#include "session/ProcessState.h"
-#include "session/ctrlMorvane.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
 #include "store/LocalDatabases.h"
 #include "store/StoreTestUtil.h"
 #include "transport/RequestBody.h"

@@ -8,14 +8,14 @@
 #include <iterator>
 
 #include "OfficeServerTest.h"
+#include "component/ctrlMorvane.h"
 #include "dated/cCustDataFile.h"
-#include "session/ctrlMorvane.h"
+#include "platform/basFileTime.h"
 #include "session/mdlLogin.h"
 #include "support/ScopedEnv.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"
 #include "transport/mdlServerReply.h"
-#include "util/basFileTime.h"
 
 namespace morvane::test {
 namespace {

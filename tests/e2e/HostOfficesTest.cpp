@@ -9,7 +9,7 @@
 #include "platform/Checksum.h"
 #include "platform/Clock.h"
 #include "platform/Dao.h"
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 #include "util/Nz.h"
 
 namespace morvane::test {

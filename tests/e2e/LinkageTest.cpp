@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "OfficeServerTest.h"
+#include "component/ctrlMorvane.h"
 #include "platform/Dao.h"
-#include "session/ctrlMorvane.h"
 #include "session/mdlLogin.h"
 #include "store/LocalDatabases.h"
 #include "store/StoreTestUtil.h"

@@ -8,9 +8,9 @@
 #include <string>
 
 #include "OfficeServerTest.h"
-#include "session/ProcessState.h"
-#include "session/ctrlMorvane.h"
+#include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
 #include "store/LocalDatabases.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "OfficeServerTest.h"
-#include "session/ctrlMorvane.h"
+#include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
 #include "store/LocalDatabases.h"
 #include "store/StoreTestUtil.h"

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "OfficeServerTest.h"
+#include "component/ctrlMorvane.h"
 #include "dated/cCustKessan.h"
 #include "dated/cCustKihonOther.h"
 #include "dated/cCustKyoka.h"
@@ -22,7 +23,6 @@
 #include "record/NyusatsuKikanList.h"
 #include "record/NyusatsuSankaList.h"
 #include "record/cCustKihon.h"
-#include "session/ctrlMorvane.h"
 #include "session/mdlLogin.h"
 #include "store/LocalDatabases.h"
 #include "store/StoreTestUtil.h"

@@ -12,13 +12,13 @@
 #include <string>
 #include <vector>
 
+#include "component/ctrlMorvane.h"
 #include "platform/AtomicFile.h"
 #include "record/KihonTestUtil.h"
-#include "session/ProcessState.h"
-#include "session/ctrlMorvane.h"
+#include "state/ProcessState.h"
+#include "state/basGetCRC.h"
 #include "support/FaultEnv.h"
 #include "support/MorvaneTest.h"
-#include "util/basGetCRC.h"
 
 namespace morvane::test {
 namespace {

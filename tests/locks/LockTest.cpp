@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
+#include "component/ctrlMorvane.h"
 #include "locks/frmLockTimer.h"
 #include "locks/mdlLock.h"
-#include "session/ProcessState.h"
-#include "session/ctrlMorvane.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {

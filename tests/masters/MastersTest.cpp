@@ -7,11 +7,11 @@
 #include <filesystem>
 
 #include "MastersTestUtil.h"
+#include "component/ctrlMorvane.h"
 #include "masters/cMastKessanTaioh.h"
 #include "masters/cMastNyusatsukikan.h"
 #include "masters/cMastUserStaff.h"
 #include "masters/cMastYakushoku.h"
-#include "session/ctrlMorvane.h"
 #include "transport/mdlServerConst.h"
 
 namespace morvane::test {

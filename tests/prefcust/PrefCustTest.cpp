@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "PrefCustTestUtil.h"
-#include "session/DispatchTable.h"
-#include "session/ctrlMorvane.h"
+#include "component/DispatchTable.h"
+#include "component/ctrlMorvane.h"
 
 namespace morvane::test {
 namespace {

@@ -26,14 +26,14 @@
 #include <string>
 #include <vector>
 
+#include "component/ctrlMorvane.h"
 #include "qt/QtToolkit.h"
 #include "qt/demo/DialogCatalogue.h"
-#include "session/ProcessState.h"
 #include "session/basTextEncrypt.h"
-#include "session/ctrlMorvane.h"
 #include "session/frmLogin.h"
 #include "session/mdlLogin.h"
-#include "session/mdlRegConstMorvane.h"
+#include "state/ProcessState.h"
+#include "state/mdlRegConstMorvane.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {

@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "KihonTestUtil.h"
+#include "component/ctrlMorvane.h"
 #include "record/cCustKihon.h"
-#include "session/ctrlMorvane.h"
 
 namespace morvane::test {
 namespace {

@@ -4,7 +4,7 @@
 
 #include "GyoshuTestUtil.h"
 #include "record/cCustKihon.h"
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 
 namespace morvane::test {
 namespace {
@@ -202,7 +202,6 @@ TEST_F(GyoshuWorkerTest, DownloadEditsThirtyAddsOneAndNeverWritesTheCode) {
         Compare(With(header, {{"PApDate", ""}, {"PmtDate1", ""}}), grid, "2024/06/01 09:30:00"), 0);
     EXPECT_EQ(CheckStamps(), std::vector<std::string>{"2024/06/01 10:00:00"});
 }
-
 
 // The table numbers an added trade after the customer's highest code; the download keeps
 // what rows it finds past the thirty-first.

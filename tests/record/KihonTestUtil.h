@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "platform/Clock.h"
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 #include "store/LocalDatabases.h"
 #include "store/StoreTestUtil.h"
 #include "support/MorvaneTest.h"

@@ -4,7 +4,7 @@
 
 #include "KihonTestUtil.h"
 #include "record/cCustKihon.h"
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 
 namespace morvane::test {
 namespace {

@@ -6,9 +6,9 @@
 #include <functional>
 
 #include "GyoshuTestUtil.h"
+#include "component/ctrlMorvane.h"
 #include "dated/DatedTestUtil.h"
 #include "masters/MastersTestUtil.h"
-#include "session/ctrlMorvane.h"
 
 namespace morvane::test {
 namespace {

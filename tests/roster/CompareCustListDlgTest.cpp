@@ -5,11 +5,11 @@
 #include <set>
 
 #include "RosterTestUtil.h"
+#include "component/ctrlMorvane.h"
 #include "roster/cCustList.h"
 #include "roster/frmSelectCompareCustList.h"
 #include "roster/frmSelectCompareCustListAll.h"
-#include "session/ProcessState.h"
-#include "session/ctrlMorvane.h"
+#include "state/ProcessState.h"
 #include "store/StoreTestUtil.h"
 #include "support/MorvaneTest.h"
 

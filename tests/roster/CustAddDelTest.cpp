@@ -2,8 +2,8 @@
 // and which replies count as done.
 #include <gtest/gtest.h>
 
-#include "session/DispatchTable.h"
-#include "session/ctrlMorvane.h"
+#include "component/DispatchTable.h"
+#include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
 #include "store/StoreTestUtil.h"
 #include "support/MorvaneTest.h"

@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "RosterTestUtil.h"
-#include "session/ProcessState.h"
-#include "session/ctrlMorvane.h"
+#include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
 #include "store/StoreTestUtil.h"
 #include "support/MorvaneTest.h"
 

@@ -7,8 +7,8 @@
 
 #include "RosterTestUtil.h"
 #include "roster/cCustList.h"
+#include "roster/cCustListSync.h"
 #include "store/StoreTestUtil.h"
-#include "store/cCustListSync.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {

@@ -5,9 +5,9 @@
 #include <cmath>
 
 #include "RosterTestUtil.h"
-#include "session/ProcessState.h"
-#include "session/ctrlMorvane.h"
+#include "component/ctrlMorvane.h"
 #include "session/mdlServerTime.h"
+#include "state/ProcessState.h"
 #include "store/StoreTestUtil.h"
 #include "support/MorvaneTest.h"
 

@@ -6,11 +6,11 @@
 #include <vector>
 
 #include "RosterTestUtil.h"
+#include "component/ctrlMorvane.h"
+#include "roster/cCustListSync.h"
 #include "roster/frmSelectEnabledCustList.h"
-#include "session/ProcessState.h"
-#include "session/ctrlMorvane.h"
+#include "state/ProcessState.h"
 #include "store/LocalDatabases.h"
-#include "store/cCustListSync.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {

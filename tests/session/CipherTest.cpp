@@ -3,12 +3,12 @@
 
 #include <string>
 
-#include "session/ProcessState.h"
+#include "component/ctrlMorvane.h"
 #include "session/basTextEncrypt.h"
-#include "session/ctrlMorvane.h"
 #include "session/mdlLogin.h"
 #include "session/mdlLoginInfo.h"
-#include "session/mdlRegConstMorvane.h"
+#include "state/ProcessState.h"
+#include "state/mdlRegConstMorvane.h"
 #include "support/MorvaneTest.h"
 #include "util/Text.h"
 

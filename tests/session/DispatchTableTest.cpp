@@ -1,8 +1,8 @@
 // Members by name: lookup, typed arguments, and the errors of a wrong call.
 #include <gtest/gtest.h>
 
-#include "session/DispatchTable.h"
-#include "session/ProcessState.h"
+#include "component/DispatchTable.h"
+#include "state/ProcessState.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {

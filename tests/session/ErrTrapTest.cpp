@@ -3,8 +3,8 @@
 
 #include <filesystem>
 
-#include "session/ProcessState.h"
 #include "session/mdlErrTrap.h"
+#include "state/ProcessState.h"
 #include "support/MorvaneTest.h"
 #include "util/RuntimeError.h"
 

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "session/FacadePatterns.h"
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 #include "support/MorvaneTest.h"
 #include "util/RuntimeError.h"
 

@@ -1,10 +1,10 @@
 // The login exchange end to end: the body sent, and what each kind of reply leaves behind.
 #include <gtest/gtest.h>
 
-#include "session/ProcessState.h"
-#include "session/ctrlMorvane.h"
+#include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
-#include "session/mdlRegConstMorvane.h"
+#include "state/ProcessState.h"
+#include "state/mdlRegConstMorvane.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {

@@ -2,10 +2,10 @@
 // and the timer stopping itself once the login is gone.
 #include <gtest/gtest.h>
 
-#include "session/ProcessState.h"
-#include "session/ctrlMorvane.h"
+#include "component/ctrlMorvane.h"
 #include "session/frmLoginTimer.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {

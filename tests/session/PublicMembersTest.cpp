@@ -9,7 +9,7 @@
 #include <sstream>
 #include <string>
 
-#include "session/DispatchTable.h"
+#include "component/DispatchTable.h"
 
 namespace morvane::test {
 namespace {

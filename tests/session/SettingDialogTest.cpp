@@ -6,11 +6,11 @@
 
 #include <string>
 
-#include "session/ProcessState.h"
+#include "component/ctrlMorvane.h"
 #include "session/basTextEncrypt.h"
-#include "session/ctrlMorvane.h"
 #include "session/mdlLogin.h"
-#include "session/mdlRegConstMorvane.h"
+#include "state/ProcessState.h"
+#include "state/mdlRegConstMorvane.h"
 #include "support/MorvaneTest.h"
 #include "support/Told.h"
 

@@ -4,8 +4,8 @@
 
 #include <filesystem>
 
-#include "session/ProcessState.h"
-#include "session/ctrlMorvane.h"
+#include "component/ctrlMorvane.h"
+#include "state/ProcessState.h"
 #include "store/StoreTestUtil.h"
 #include "store/mdlMorvaneCommon.h"
 #include "support/MorvaneTest.h"

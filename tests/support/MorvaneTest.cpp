@@ -1,9 +1,9 @@
 #include "support/MorvaneTest.h"
 
-#include "session/ProcessState.h"
 #include "session/mdlLogin.h"
-#include "session/mdlRegConstMorvane.h"
-#include "session/mdlRegControlMorvane.h"
+#include "state/ProcessState.h"
+#include "state/mdlRegConstMorvane.h"
+#include "state/mdlRegControlMorvane.h"
 
 namespace morvane::test {
 

@@ -5,9 +5,9 @@
 #include <cstdlib>
 
 #include "platform/SettingsStore.h"
-#include "session/ProcessState.h"
 #include "session/mdlLogin.h"
-#include "session/mdlRegConstMorvane.h"
+#include "state/ProcessState.h"
+#include "state/mdlRegConstMorvane.h"
 #include "support/MorvaneTest.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerCommon.h"

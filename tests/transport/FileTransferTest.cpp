@@ -7,12 +7,12 @@
 #include <fstream>
 
 #include "platform/AtomicFile.h"
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
+#include "state/basGetCRC.h"
 #include "support/FileBytes.h"
 #include "support/MorvaneTest.h"
 #include "support/Told.h"
 #include "transport/mdlServerFile.h"
-#include "util/basGetCRC.h"
 
 namespace morvane::test {
 namespace {

@@ -2,9 +2,9 @@
 // and the boxes the user sees, all through the real HTTPS exchange.
 #include <gtest/gtest.h>
 
-#include "session/ProcessState.h"
 #include "session/mdlLogin.h"
-#include "session/mdlRegConstMorvane.h"
+#include "state/ProcessState.h"
+#include "state/mdlRegConstMorvane.h"
 #include "support/MorvaneTest.h"
 #include "support/Told.h"
 #include "transport/frmSendRequestProgress.h"
@@ -83,6 +83,26 @@ TEST_F(ReplyCheckTest, FailureFlagsTellTheirBoxAndAnEmptyTokenEndsTheLogin) {
         EXPECT_EQ(Shown(*kit_),
                   *r.token ? std::vector<std::string>{} : std::vector<std::string>{"frmLogin"});
     }
+}
+
+TEST_F(ReplyCheckTest, AnEndedLoginGoesToWhicheverPromptIsSetAndToNoneWithout) {
+    const auto sessionPrompt = State().loginPrompt;
+    int asked = 0;
+    SetLoginPrompt([&] {
+        ++asked;
+        EXPECT_EQ(GetLoginID(), "");  // the record is emptied before the prompt
+    });
+    LogIn("T1");
+    EXPECT_EQ(Send(Envelope(0, "")), "");
+    EXPECT_EQ(asked, 1);
+    SetLoginPrompt(nullptr);
+    LogIn("T1");
+    EXPECT_EQ(Send(Envelope(0, "")), "");
+    EXPECT_EQ(asked, 1);
+    EXPECT_EQ(GetLoginState(), 0);
+    EXPECT_EQ(GetLoginID(), "");
+    EXPECT_TRUE(kit_->ShownForms().empty());
+    SetLoginPrompt(sessionPrompt);
 }
 
 TEST_F(ReplyCheckTest, UnreadableRepliesTellOnceAndReset) {

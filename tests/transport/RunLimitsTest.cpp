@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "locks/mdlLock.h"
-#include "session/ProcessState.h"
+#include "state/ProcessState.h"
 #include "support/MorvaneTest.h"
 #include "transport/TransportRun.h"
 #include "transport/mdlServerCommon.h"

@@ -12,12 +12,12 @@
 
 #include <unistd.h>
 
-#include "session/ProcessState.h"
+#include "component/ctrlMorvane.h"
 #include "session/basTextEncrypt.h"
-#include "session/ctrlMorvane.h"
 #include "session/mdlLogin.h"
-#include "session/mdlMsgBox.h"
-#include "session/mdlRegConstMorvane.h"
+#include "state/ProcessState.h"
+#include "state/mdlMsgBox.h"
+#include "state/mdlRegConstMorvane.h"
 #include "support/MorvaneTest.h"
 #include "tty/TtyToolkit.h"
 

@@ -6,11 +6,11 @@
 #include <vector>
 
 #include "platform/Checksum.h"
+#include "platform/SHA256String.h"
+#include "state/basGetCRC.h"
 #include "support/TempDir.h"
 #include "util/RuntimeError.h"
-#include "util/SHA256String.h"
 #include "util/basByteSize.h"
-#include "util/basGetCRC.h"
 
 namespace morvane::test {
 namespace {

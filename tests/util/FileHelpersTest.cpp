@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include "platform/basFileTime.h"
 #include "support/TempDir.h"
-#include "util/basFileTime.h"
 #include "util/basTempPath.h"
 #include "util/mdlFileExist1.h"
 

@@ -1,8 +1,8 @@
 // The shell routines: mail links escaped and composed, and shell failures told to the user.
 #include <gtest/gtest.h>
 
+#include "state/basShell.h"
 #include "support/MorvaneTest.h"
-#include "util/basShell.h"
 
 namespace morvane::test {
 namespace {

@@ -13,8 +13,8 @@
 #include <QUrl>
 #include <vector>
 
+#include "component/ctrlMorvane.h"
 #include "qt/FormWindow.h"
-#include "session/ctrlMorvane.h"
 
 namespace morvane::qt {
 namespace {

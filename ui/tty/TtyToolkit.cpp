@@ -10,7 +10,7 @@
 #include <cerrno>
 #include <iostream>
 
-#include "session/ctrlMorvane.h"
+#include "component/ctrlMorvane.h"
 #include "util/Text.h"
 
 extern char** environ;

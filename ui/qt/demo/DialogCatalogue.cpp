@@ -2,16 +2,16 @@
 
 #include <cstdio>
 
+#include "component/ctrlMorvane.h"
 #include "roster/frmSelectCompareCustList.h"
 #include "roster/frmSelectCompareCustListAll.h"
 #include "roster/frmSelectEnabledCustList.h"
 #include "roster/frmSelectEnabledCustListMsg.h"
-#include "session/ProcessState.h"
-#include "session/ctrlMorvane.h"
 #include "session/frmLogin.h"
 #include "session/frmLoginProgress.h"
 #include "session/frmMorvaneSetting.h"
 #include "session/mdlLogin.h"
+#include "state/ProcessState.h"
 #include "store/LocalDatabases.h"
 #include "store/frmSelectCompareMsg.h"
 #include "transport/frmFileDownloadProgress.h"

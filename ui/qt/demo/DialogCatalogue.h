@@ -10,7 +10,7 @@
 
 #include "platform/Forms.h"
 #include "roster/cCustList.h"
-#include "store/cCustListSync.h"
+#include "roster/cCustListSync.h"
 
 namespace morvane {
 class ctrlMorvane;

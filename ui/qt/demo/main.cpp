@@ -15,10 +15,10 @@
 #include <string>
 #include <vector>
 
+#include "component/ctrlMorvane.h"
 #include "qt/QtToolkit.h"
 #include "qt/demo/DialogCatalogue.h"
-#include "session/ProcessState.h"
-#include "session/ctrlMorvane.h"
+#include "state/ProcessState.h"
 
 namespace {
 

@@ -1,0 +1,51 @@
+# Fails when a file of src/ includes a header of a folder above its own in the order below,
+# when a folder of src/ has no place in the order, or when the README's "Layout" section
+# lists the folders of src/ in another order.
+cmake_minimum_required(VERSION 3.20)
+set(order util platform state transport session store lists record dated masters prefcust
+          locks roster component)
+
+file(GLOB entries LIST_DIRECTORIES true RELATIVE ${SRC} ${SRC}/*)
+set(bad "")
+foreach(entry ${entries})
+    if(IS_DIRECTORY ${SRC}/${entry} AND NOT entry IN_LIST order)
+        string(APPEND bad "\n  src/${entry} has no place in the order of layers")
+    endif()
+endforeach()
+
+file(GLOB_RECURSE files RELATIVE ${SRC} ${SRC}/*.h ${SRC}/*.cpp)
+foreach(f ${files})
+    string(REGEX MATCH "^[^/]+" from "${f}")
+    list(FIND order "${from}" fromRank)
+    file(STRINGS ${SRC}/${f} lines REGEX "^[ \t]*#[ \t]*include[ \t]*[\"<][a-z]+/")
+    foreach(line ${lines})
+        string(REGEX REPLACE "^[^\"<]*[\"<]([a-z]+)/.*$" "\\1" to "${line}")
+        list(FIND order "${to}" toRank)
+        if(fromRank GREATER_EQUAL 0 AND toRank GREATER fromRank)
+            string(APPEND bad "\n  src/${f} (${from}) reaches up into ${to}: ${line}")
+        endif()
+    endforeach()
+endforeach()
+
+# The README names each folder of src/ on a line of its own in the Layout section.
+file(STRINGS ${README} readme)
+set(inLayout FALSE)
+set(listed "")
+foreach(line IN LISTS readme)
+    if(line MATCHES "^## ")
+        if(line STREQUAL "## Layout")
+            set(inLayout TRUE)
+        else()
+            set(inLayout FALSE)
+        endif()
+    elseif(inLayout AND line MATCHES "^ +src/([a-z]+)")
+        list(APPEND listed ${CMAKE_MATCH_1})
+    endif()
+endforeach()
+if(NOT listed STREQUAL order)
+    string(APPEND bad "\n  README Layout lists src/ as '${listed}', the order is '${order}'")
+endif()
+
+if(bad)
+    message(FATAL_ERROR "includes must point down the layers:${bad}")
+endif()
