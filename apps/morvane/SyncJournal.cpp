@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/AtomicFile.h"
+#include "state/ProcessState.h"
 
 namespace morvane::cli {
 namespace {
@@ -94,7 +95,7 @@ bool SyncJournal::Write(const std::map<Key, SeenStamps>& entries) const {
         text << key.first << '\t' << key.second << '\t' << kUnfinished << '\t' << way << '\n';
     std::error_code ec;
     std::filesystem::create_directories(path_.parent_path(), ec);
-    return platform::WriteFileAtomically(path_, text.str(), 0600) == 0;
+    return platform::WriteFileAtomically(path_, text.str(), 0600, &State().Env()) == 0;
 }
 
 int WithUnfinished(int decision, int way) {

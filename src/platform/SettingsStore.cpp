@@ -302,7 +302,7 @@ bool SettingsStore::Write(const SettingsKey& key, std::string_view name, std::st
     const ParsedFile& conf = Current(files.conf);
     Values values = conf.values;
     values[std::string(name)] = std::string(value);
-    auto next = AtomicFile::Create(files.conf, 0600);
+    auto next = AtomicFile::Create(files.conf, 0600, env_);
     // The file holds the account: its owner alone reads it, whatever it was before.
     if (!next || !next->SetMode(0600) || !next->Write(Serialize(values, false)) ||
         !next->SetModified(ModifiedAfter(conf.stamp ? conf.stamp->modified : timespec{})) ||

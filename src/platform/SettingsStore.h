@@ -14,6 +14,8 @@
 
 namespace morvane::platform {
 
+class Env;
+
 // Where a key lives: a base path such as "SOFTWARE\Tolmar\", an application name and a
 // section, the three parts that name a key of the settings store.
 struct SettingsKey {
@@ -57,6 +59,8 @@ public:
     std::filesystem::path RunFileFor(const SettingsKey& key) const;
     const std::filesystem::path& Root() const { return root_; }
     const SettingsStoreCounts& Counts() const { return counts_; }
+    // Where the synced file's writes and rename go; null: the system.
+    void SetEnv(Env* env) { env_ = env; }
 
 private:
     // Which version of a file was parsed. Every write gives the file a modification time past
@@ -92,6 +96,7 @@ private:
     std::filesystem::path root_;
     mutable std::map<std::filesystem::path, ParsedFile> parsed_;
     mutable SettingsStoreCounts counts_;
+    Env* env_ = nullptr;
 };
 
 }  // namespace morvane::platform

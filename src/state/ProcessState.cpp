@@ -25,6 +25,7 @@ ProcessState& State() {
 void ProcessState::SetEnv(std::shared_ptr<platform::Env> env) {
     env_ = std::move(env);
     databasePool_.SetEnv(&Env());
+    if (settings_) settings_->SetEnv(&Env());
 }
 
 void ProcessState::SetToolkit(std::shared_ptr<forms::Toolkit> toolkit) {
@@ -32,11 +33,14 @@ void ProcessState::SetToolkit(std::shared_ptr<forms::Toolkit> toolkit) {
 }
 
 const platform::SettingsStore& ProcessState::Settings() {
-    if (!settings_) settings_.emplace(platform::SettingsStore::DefaultRoot());
+    if (!settings_) SetSettingsRoot(platform::SettingsStore::DefaultRoot());
     return *settings_;
 }
 
-void ProcessState::SetSettingsRoot(const std::filesystem::path& root) { settings_.emplace(root); }
+void ProcessState::SetSettingsRoot(const std::filesystem::path& root) {
+    settings_.emplace(root);
+    settings_->SetEnv(&Env());
+}
 
 void ProcessState::SetClock(std::shared_ptr<platform::Clock> clock) {
     system_->SetClock(std::move(clock));
