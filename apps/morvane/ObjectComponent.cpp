@@ -26,6 +26,9 @@ template <class... Call>
 struct Overloaded : Call... {
     using Call::operator()...;
 };
+// Clang before 17 deduces no aggregate's arguments by itself.
+template <class... Call>
+Overloaded(Call...) -> Overloaded<Call...>;
 
 }  // namespace
 
