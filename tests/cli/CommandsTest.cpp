@@ -141,8 +141,9 @@ TEST(Demo, RunsToACleanEndAndStopsItsServer) {
           "customer 2 customer record: downloaded", "customer 2 bidding participation: downloaded",
           "customer 2 file files/2/kessan-3.txt: downloaded", "file(s), byte for byte",
           "The demo ran to a clean end."})
-        // The server wrote its port file; nothing may still listen there.
-        std::ifstream portFile(work / "server-data" / "port");
+        EXPECT_NE(run.output.find(line), std::string::npos) << line << "\n" << run.output;
+    // The server wrote its port file; nothing may still listen there.
+    std::ifstream portFile(work / "server-data" / "port");
     int port = 0;
     portFile >> port;
     EXPECT_GT(port, 0);
