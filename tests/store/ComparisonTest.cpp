@@ -32,6 +32,7 @@ TEST_F(ComparisonTest, DecisionTable) {
         {"", "", "", 0},
         {"", "", T, 3},
         {"", At(t, 120), T, 2},
+        {"", At(t, 60), T, 2},  // local at the end of the check's minute
         {"", At(t, -86400), T, 3},
         {"", "2023/01/01 00:00:00", "", 2},
         {"2020/01/02", "2020/01/01", "", 1},
