@@ -2,10 +2,10 @@
 // across runs, and the runs it spares or changes.
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
 #include "SyncJournal.h"
 #include "SyncRunTest.h"
+#include "support/FileBytes.h"
 #include "support/TempDir.h"
 
 namespace morvane::cli {
@@ -68,11 +68,6 @@ ScriptedComponent MemoOffice() {
     return c;
 }
 
-std::string Bytes(const std::filesystem::path& path) {
-    std::ifstream in(path);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
 TEST(SyncJournal, ACustomerUnchangedOnBothSidesSinceItAgreedIsNotWalked) {
     test::TempDir dir;
     const auto journal = dir.Path() / "journal";
@@ -80,7 +75,7 @@ TEST(SyncJournal, ACustomerUnchangedOnBothSidesSinceItAgreedIsNotWalked) {
     first.stamps["CompareCustomerMemoList"] = {5, 9};
     EXPECT_EQ(RunWith(first, {.journal = journal}).counts, Counts{});
     ASSERT_TRUE(first.Called("CompareCustomerMemoList"));
-    const std::string agreed = Bytes(journal);
+    const std::string agreed = test::ReadBytes(journal);
 
     // Anything that moved brings the walk back, as does --full. (Stamps and rows moved on
     // either side are run whole, against the server, in HostSyncTest.)
@@ -93,7 +88,7 @@ TEST(SyncJournal, ACustomerUnchangedOnBothSidesSinceItAgreedIsNotWalked) {
         EXPECT_EQ(c.Called("CompareCustomerMemoList"), m != 0) << moves[m];
         EXPECT_EQ(o.summary.unchanged, m == 0 ? 1 : 0) << moves[m];
     }
-    EXPECT_EQ(Bytes(journal), agreed) << "a dry run writes no journal";
+    EXPECT_EQ(test::ReadBytes(journal), agreed) << "a dry run writes no journal";
 }
 
 TEST(SyncJournal, AKindWithNoLocalRowToSendLeavesTheServersCopyAndSettles) {

@@ -8,6 +8,7 @@
 #include "platform/Checksum.h"
 #include "platform/SHA256String.h"
 #include "state/basGetCRC.h"
+#include "support/FileBytes.h"
 #include "support/TempDir.h"
 #include "util/RuntimeError.h"
 #include "util/basByteSize.h"
@@ -33,13 +34,9 @@ TEST(CrcTest, FileCheckValueTellsMissingFromEmptyAndReadsPastOnePiece) {
     // Past the read piece, and not a multiple of it.
     std::string bytes((std::size_t{5} << 19) + 3, '\0');
     for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>(i * 131 + (i >> 9));
-    const auto file = [&](const char* name, const std::string& content) {
-        std::ofstream(dir.Path() / name, std::ios::binary) << content;
-        return (dir.Path() / name).string();
-    };
     EXPECT_EQ(GetFileCRC((dir.Path() / "none.bin").string()), "");
-    EXPECT_EQ(GetFileCRC(file("empty.bin", "")), "00000000");
-    EXPECT_EQ(GetFileCRC(file("big.bin", bytes)), GetCRC(bytes));
+    EXPECT_EQ(GetFileCRC(WriteBytes(dir.Path() / "empty.bin", "").string()), "00000000");
+    EXPECT_EQ(GetFileCRC(WriteBytes(dir.Path() / "big.bin", bytes).string()), GetCRC(bytes));
     try {
         GetFileCRC(dir.Path().string());
         ADD_FAILURE() << "a folder was read";
