@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <sstream>
 #include <vector>
 
@@ -16,6 +15,7 @@
 #include "state/ProcessState.h"
 #include "state/mdlRegConstMorvane.h"
 #include "state/mdlRegControlMorvane.h"
+#include "support/FileBytes.h"
 #include "support/MorvaneTest.h"
 #include "support/TempDir.h"
 #include "transport/TransportRun.h"
@@ -79,11 +79,6 @@ TEST_F(LoginReportTest, SaysWhyTheServerCouldNotBeReachedAndSavesNothingUnverifi
     }
 }
 
-std::string Read(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
 TEST(ScratchDatabases, CopiesTheThreeDatabasesOnlyAndRemovesThemAtTheEnd) {
     test::TempDir dir;
     const fs::path data = dir.Path() / "data";
@@ -96,14 +91,14 @@ TEST(ScratchDatabases, CopiesTheThreeDatabasesOnlyAndRemovesThemAtTheEnd) {
         ScratchDatabases scratch(data / "Customer.dat");
         copy = scratch.CustomerDb();
         ASSERT_NE(copy.parent_path(), data);
-        EXPECT_EQ(Read(copy), "Customer.dat");
-        EXPECT_EQ(Read(copy.parent_path() / "Customer.dat-wal"), "Customer.dat-wal");
-        EXPECT_EQ(Read(copy.parent_path() / "prefcustom.dat"), "prefcustom.dat");
+        EXPECT_EQ(test::ReadBytes(copy), "Customer.dat");
+        EXPECT_EQ(test::ReadBytes(copy.parent_path() / "Customer.dat-wal"), "Customer.dat-wal");
+        EXPECT_EQ(test::ReadBytes(copy.parent_path() / "prefcustom.dat"), "prefcustom.dat");
         EXPECT_FALSE(fs::exists(copy.parent_path() / "Master.dat")) << "none to copy";
         EXPECT_FALSE(fs::exists(copy.parent_path() / "other.txt"));
         EXPECT_FALSE(fs::exists(copy.parent_path() / "files"));
         std::ofstream(copy) << "stamped";
-        EXPECT_EQ(Read(data / "Customer.dat"), "Customer.dat") << "the original stays";
+        EXPECT_EQ(test::ReadBytes(data / "Customer.dat"), "Customer.dat") << "the original stays";
     }
     EXPECT_FALSE(fs::exists(copy.parent_path()));
     EXPECT_THROW({ ScratchDatabases none(dir.Path() / "none" / "Customer.dat"); },
@@ -154,7 +149,7 @@ TEST(RunLog, AppendsOneLinePerWriteAndRotatesBetweenRuns) {
         RunLog log(file, 300, 2);
         for (int i = 0; i < 3; ++i) ASSERT_TRUE(log.Append(e, "/office/Customer.dat"));
     }
-    const std::string last = Read(file);
+    const std::string last = test::ReadBytes(file);
     EXPECT_EQ(std::count(last.begin(), last.end(), '\n'), 3) << "one run, never split";
     EXPECT_NE(last.find(R"({"customer":7,"database":"/office/Customer.dat","direction":"up",)"
                         R"("kind":"memos","outcome":"uploaded","rows":2,)"),

@@ -1,5 +1,5 @@
-// Files replaced whole or not at all: the new version, its mode and time, a failed write, a
-// planted link and a writer killed half way.
+// Files replaced whole or not at all: the new version, its mode and time, a failed write and
+// a writer killed half way.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/resource.h>
@@ -123,16 +123,6 @@ TEST_F(AtomicFileTest, AnythingThatFailsLeavesTheOldFileAndNoLeftover) {
     EXPECT_EQ(platform::WriteFileAtomically(dir_.Path() / "no such folder" / "a.pdf", "x"), ENOENT);
     EXPECT_EQ(ReadBytes(file), "old");
     EXPECT_EQ(Others({"a.pdf"}), std::set<std::string>{});
-}
-
-TEST_F(AtomicFileTest, ALinkAtTheTargetIsReplacedNeverWrittenThrough) {
-    const fs::path victim = Write("victim", "precious");
-    const fs::path target = dir_.Path() / "a.pdf";
-    fs::create_symlink(victim, target);
-    ASSERT_EQ(platform::WriteFileAtomically(target, "downloaded"), 0);
-    EXPECT_FALSE(fs::is_symlink(target));
-    EXPECT_EQ(ReadBytes(target), "downloaded");
-    EXPECT_EQ(ReadBytes(victim), "precious");
 }
 
 TEST_F(AtomicFileTest, AWriterKilledHalfWayLeavesTheOldFileAndAVersionThatIsFound) {

@@ -239,44 +239,6 @@ TEST_F(DaoTest, ReadOnlyStaysReadOnlyAndOnlyIdleSharedConnectionsAreKept) {
     rs.reset();
     EXPECT_EQ(Kept(paths_.customer, "SELECT COUNT(*) FROM tCustomer"), "0");
     EXPECT_EQ(pool_.Tally().opened, 2u);
-
-    // With no room, nothing is kept.
-    pool_.SetCapacity(0);
-    Kept(paths_.customer, "SELECT 1");
-    Kept(paths_.customer, "SELECT 1");
-    EXPECT_EQ(pool_.Tally().opened, 4u);
-    EXPECT_EQ(pool_.Tally().reused, 0u);
-}
-
-TEST(LocalDatabases, SampleDataFillsEveryTableWithDeletedAndUnstampedRows) {
-    TempDir temp;
-    SampleDataOptions options;
-    options.customers = 20;
-    options.hostSampleCustomer = true;
-    const auto paths = CreateLocalDatabases(temp.Path(), options);
-    EXPECT_EQ(One(paths.customer, "SELECT COUNT(*) FROM tCustomer WHERE disabled = 0"), "21");
-    EXPECT_EQ(One(paths.customer, "SELECT CorpName0 FROM tCustomer WHERE id = 21"),
-              kSampleCustomerName);
-    for (const char* table :
-         {"tCustomerGyoshu", "tCustomerKyokaHistory", "tCustomerNyusatsuKanri"}) {
-        EXPECT_EQ(One(paths.customer, std::string("SELECT COUNT(*) FROM ") + table), "40") << table;
-        EXPECT_NE(One(paths.customer,
-                      std::string("SELECT COUNT(*) FROM ") + table + " WHERE disabled = 1"),
-                  "0")
-            << table;
-    }
-    EXPECT_NE(One(paths.prefcustom,
-                  "SELECT COUNT(*) FROM t99_PRINT_CUSTOMERDATA WHERE "
-                  "RecordUpdate IS NULL"),
-              "0");
-    EXPECT_NE(One(paths.prefcustom,
-                  "SELECT COUNT(*) FROM t13_HENKOTODOKE_TEISEI WHERE "
-                  "InetCheckDate IS NULL"),
-              "0");
-    EXPECT_EQ(One(paths.master, "SELECT COUNT(*) FROM tUserStaff"), "3");
-    // A second build in the same folder is refused and leaves the first intact.
-    EXPECT_THROW(CreateLocalDatabases(temp.Path(), options), RuntimeError);
-    EXPECT_EQ(One(paths.customer, "SELECT COUNT(*) FROM tCustomer"), "21");
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <optional>
 #include <vector>
@@ -25,32 +26,43 @@ using platform::SettingsStore;
 
 const SettingsKey kKey{"SOFTWARE\\Tolmar\\", "ネルダ", "Morvane"};
 
-TEST(SettingsStoreTest, KeyMapsToOneFileUnderTheConfigFolder) {
-    TempDir dir;
-    SettingsStore store(dir.Path());
-    EXPECT_EQ(store.FileFor(kKey), dir.Path() / "Tolmar" / "ネルダ" / "Morvane.conf");
-    EXPECT_TRUE(store.Write(kKey, "ServerName", "backup.example.jp"));
-    struct stat st {};
-    ASSERT_EQ(::stat(store.FileFor(kKey).c_str(), &st), 0);
-    EXPECT_EQ(st.st_mode & 0777, 0600u);
-}
-
-TEST(SettingsStoreTest, ValuesRoundTripAndMissingOnesAreAbsent) {
-    TempDir dir;
-    SettingsStore store(dir.Path());
-    EXPECT_FALSE(store.Read(kKey, "Param2").has_value());
-    const std::string odd = "line1\nline2\\x = y\r 日本語 ";
-    EXPECT_TRUE(store.Write(kKey, "Odd", odd));
-    EXPECT_TRUE(store.Write(kKey, "Empty", ""));
-    EXPECT_EQ(store.Read(kKey, "Odd"), odd);
-    EXPECT_EQ(store.Read(kKey, "Empty"), "");
-    EXPECT_FALSE(store.Write(kKey, "bad=name", "x"));
-}
-
 struct stat StatOf(const std::filesystem::path& file) {
     struct stat st {};
     EXPECT_EQ(::stat(file.c_str(), &st), 0) << file;
     return st;
+}
+
+TEST(SettingsStoreTest, ValuesRoundTripInOneFileOnlyTheUserReads) {
+    TempDir dir;
+    SettingsStore store(dir.Path());
+    EXPECT_EQ(store.FileFor(kKey), dir.Path() / "Tolmar" / "ネルダ" / "Morvane.conf");
+    EXPECT_FALSE(store.Read(kKey, "Param2").has_value());
+    const std::string odd = "line1\nline2\\x = y\r 日本語 ";
+    EXPECT_TRUE(store.Write(kKey, "Odd", odd));
+    EXPECT_TRUE(store.Write(kKey, "Empty", ""));
+    EXPECT_FALSE(store.Write(kKey, "bad=name", "x"));
+    EXPECT_EQ(SettingsStore(dir.Path()).ReadAll(kKey),
+              (std::map<std::string, std::string>{{"Empty", ""}, {"Odd", odd}}));
+    EXPECT_EQ(StatOf(store.FileFor(kKey)).st_mode & 0777, 0600u);
+
+    // A file where the folder should be: a failure, quietly.
+    TempDir blocked;
+    std::ofstream(blocked.Path() / "Tolmar") << "a file where a folder should be";
+    SettingsStore nowhere(blocked.Path());
+    EXPECT_FALSE(nowhere.Write(kKey, "ServerName", "x"));
+    EXPECT_FALSE(nowhere.Read(kKey, "ServerName").has_value());
+}
+
+// Runs `child` in a process of its own; true when it ran to its end and returned true.
+pid_t Spawn(const std::function<bool()>& child) {
+    const pid_t pid = ::fork();
+    if (pid == 0) ::_exit(child() ? 0 : 1);
+    EXPECT_GE(pid, 0);
+    return pid;
+}
+bool EndedWell(pid_t pid) {
+    int status = 0;
+    return ::waitpid(pid, &status, 0) == pid && WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
 TEST(SettingsStoreTest, UnchangedValueWritesNothing) {
@@ -152,15 +164,13 @@ TEST(SettingsStoreTest, ReaderInAnotherProcessSeesWholeTokensInOrder) {
     constexpr auto kReplaceable = SettingsStore::Durability::Replaceable;
     ASSERT_TRUE(SettingsStore(dir.Path()).Write(kKey, "Param2", TokenNo(0), kReplaceable));
     constexpr int kTokens = 2000;
-    const pid_t pid = ::fork();
-    ASSERT_GE(pid, 0);
-    if (pid == 0) {
+    const pid_t pid = Spawn([&] {
         SettingsStore writer(dir.Path());
         bool ok = true;
         for (int i = 1; i <= kTokens; ++i)
             ok = writer.Write(kKey, "Param2", TokenNo(i), kReplaceable) && ok;
-        ::_exit(ok ? 0 : 1);
-    }
+        return ok;
+    });
     SettingsStore reader(dir.Path());
     int last = 0;
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
@@ -174,9 +184,7 @@ TEST(SettingsStoreTest, ReaderInAnotherProcessSeesWholeTokensInOrder) {
         }
         last = n;
     }
-    int status = 0;
-    ::waitpid(pid, &status, 0);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    EXPECT_TRUE(EndedWell(pid));
     EXPECT_EQ(reader.Read(kKey, "Param2"), TokenNo(kTokens));
 }
 
@@ -184,34 +192,18 @@ TEST(SettingsStoreTest, ConcurrentProcessesLoseNoValue) {
     TempDir dir;
     constexpr int kChildren = 4, kWrites = 25;
     std::vector<pid_t> children;
-    for (int c = 0; c < kChildren; ++c) {
-        const pid_t pid = ::fork();
-        ASSERT_GE(pid, 0);
-        if (pid == 0) {
+    for (int c = 0; c < kChildren; ++c)
+        children.push_back(Spawn([&] {
             SettingsStore store(dir.Path());
             bool ok = true;
             for (int i = 0; i < kWrites; ++i)
                 ok =
                     store.Write(kKey, "V" + std::to_string(c) + "_" + std::to_string(i), "x") && ok;
-            ::_exit(ok ? 0 : 1);
-        }
-        children.push_back(pid);
-    }
-    for (pid_t pid : children) {
-        int status = 0;
-        ::waitpid(pid, &status, 0);
-        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-    }
+            return ok;
+        }));
+    for (pid_t pid : children) EXPECT_TRUE(EndedWell(pid));
     EXPECT_EQ(SettingsStore(dir.Path()).ReadAll(kKey).size(),
               static_cast<size_t>(kChildren * kWrites));
-}
-
-TEST(SettingsStoreTest, UnwritableFolderFailsQuietly) {
-    TempDir dir;
-    std::ofstream(dir.Path() / "Tolmar") << "a file where a folder should be";
-    SettingsStore store(dir.Path());
-    EXPECT_FALSE(store.Write(kKey, "ServerName", "x"));
-    EXPECT_FALSE(store.Read(kKey, "ServerName").has_value());
 }
 
 }  // namespace

@@ -20,11 +20,5 @@ TEST(EraFormatTest, TheEraAndItsYearChangeOnTheFirstDayOfTheEra) {
     EXPECT_EQ(Era(2024, 6, 1, "gggee年mm月dd日", 23), "令和06年06月01日");
 }
 
-TEST(EraFormatTest, ADayInEraFormCompareIgnoresTheTime) {
-    EXPECT_EQ(DiffDateText("2024/06/01 08:00:00", "2024/06/01 23:59:59", "gggee年mm月dd日"), 0);
-    EXPECT_EQ(DiffDateText("2024/06/01", "2023/06/01", "gggee年mm月dd日"), 1);
-    EXPECT_EQ(DiffDateText("2024/06/01", "R06/06/01", "gggee年mm月dd日"), 1);
-}
-
 }  // namespace
 }  // namespace morvane

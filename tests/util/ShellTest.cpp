@@ -35,7 +35,6 @@ TEST_F(ShellTest, FailuresAreToldOnlyWhenAsked) {
     EXPECT_TRUE(kit_->Boxes().empty());
     EXPECT_EQ(ShellMail("a@b", "", "", nullptr, true), 31);
     ASSERT_EQ(kit_->Boxes().size(), 1u);
-    EXPECT_EQ(kit_->Boxes()[0].title, "システム");
     EXPECT_EQ(kit_->Boxes()[0].icon, forms::MsgIcon::Exclamation);
     EXPECT_EQ(kit_->Boxes()[0].text,
               "指定されたファイル拡張子に関連付けられたアプリケーションがありません。"
