@@ -10,6 +10,8 @@
 #include <stdexcept>
 #include <thread>
 
+#include "platform/ScopedFd.h"
+
 extern char** environ;
 
 namespace morvane::cli {
@@ -30,27 +32,18 @@ private:
 class Pipe {
 public:
     Pipe() {
-        if (::pipe2(fds_, O_CLOEXEC) != 0) throw std::runtime_error("pipe failed");
+        int fds[2];
+        if (::pipe2(fds, O_CLOEXEC) != 0) throw std::runtime_error("pipe failed");
+        read_ = platform::ScopedFd(fds[0]);
+        write_ = platform::ScopedFd(fds[1]);
     }
-    ~Pipe() {
-        CloseRead();
-        CloseWrite();
-    }
-    Pipe(const Pipe&) = delete;
-    Pipe& operator=(const Pipe&) = delete;
-    int Read() const { return fds_[0]; }
-    int Write() const { return fds_[1]; }
-    void CloseRead() {
-        if (fds_[0] >= 0) ::close(fds_[0]);
-        fds_[0] = -1;
-    }
-    void CloseWrite() {
-        if (fds_[1] >= 0) ::close(fds_[1]);
-        fds_[1] = -1;
-    }
+    int Read() const { return read_.Get(); }
+    int Write() const { return write_.Get(); }
+    void CloseRead() { read_.Close(); }
+    void CloseWrite() { write_.Close(); }
 
 private:
-    int fds_[2] = {-1, -1};
+    platform::ScopedFd read_, write_;
 };
 
 int ExitCode(int status) {

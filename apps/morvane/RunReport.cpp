@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include "SyncRun.h"
+#include "platform/ScopedFd.h"
 
 namespace morvane::cli {
 
@@ -122,13 +123,10 @@ bool RunLog::Append(const RunEvent& e, const std::string& database) {
     line["database"] = database;
     const std::string text = line.dump() + '\n';
     // One write with O_APPEND: lines of two runs at once never interleave inside a line.
-    struct Closer {
-        void operator()(const int* fd) const { ::close(*fd); }
-    };
-    int fd = ::open(file_.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
-    if (fd < 0) return false;
-    const std::unique_ptr<int, Closer> closing(&fd);
-    return ::write(fd, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+    const platform::ScopedFd fd(
+        ::open(file_.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600));
+    if (!fd.Valid()) return false;
+    return ::write(fd.Get(), text.data(), text.size()) == static_cast<ssize_t>(text.size());
 }
 
 }  // namespace morvane::cli

@@ -34,36 +34,27 @@ std::optional<FileVersion> VersionAt(const std::filesystem::path& path) {
 }
 
 std::optional<FileReader> FileReader::Open(const std::filesystem::path& path) {
-    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0) return std::nullopt;
+    ScopedFd fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!fd.Valid()) return std::nullopt;
     struct stat st {};
-    if (::fstat(fd, &st) != 0) {
-        const int err = errno;
-        ::close(fd);
-        errno = err;
-        return std::nullopt;
-    }
-    ::posix_fadvise(fd, 0, 0, POSIX_FADV_SEQUENTIAL);
-    return FileReader(path, fd, VersionOf(st));
+    if (::fstat(fd.Get(), &st) != 0) return std::nullopt;
+    ::posix_fadvise(fd.Get(), 0, 0, POSIX_FADV_SEQUENTIAL);
+    return FileReader(path, std::move(fd), VersionOf(st));
 }
 
-FileReader::FileReader(std::filesystem::path path, int fd, FileVersion opened)
-    : path_(std::move(path)), fd_(fd), opened_(opened) {}
+FileReader::FileReader(std::filesystem::path path, ScopedFd fd, FileVersion opened)
+    : path_(std::move(path)), fd_(std::move(fd)), opened_(opened) {}
 
 FileReader::FileReader(FileReader&& other) noexcept
     : path_(std::move(other.path_)),
-      fd_(std::exchange(other.fd_, -1)),
+      fd_(std::move(other.fd_)),
       opened_(other.opened_),
       consumed_(other.consumed_),
       crc_(other.crc_) {}
 
-FileReader::~FileReader() {
-    if (fd_ >= 0) ::close(fd_);
-}
-
 std::ptrdiff_t FileReader::Read(char* into, std::size_t max) {
     for (;;) {
-        const ssize_t n = ::read(fd_, into, max);
+        const ssize_t n = ::read(fd_.Get(), into, max);
         if (n < 0 && errno == EINTR) continue;
         if (n > 0) {
             consumed_ += static_cast<std::uint64_t>(n);
@@ -98,11 +89,11 @@ std::ptrdiff_t FileReader::ReadAsOpened(char* into, std::size_t max) {
 bool FileReader::StillAsOpened() const {
     char probe;
     ssize_t n;
-    do n = ::pread(fd_, &probe, 1, static_cast<off_t>(opened_.size));
+    do n = ::pread(fd_.Get(), &probe, 1, static_cast<off_t>(opened_.size));
     while (n < 0 && errno == EINTR);
     if (n != 0) return false;  // grown, or unreadable past the end
     struct stat now {};
-    if (::fstat(fd_, &now) != 0 || !(VersionOf(now) == opened_)) return false;
+    if (::fstat(fd_.Get(), &now) != 0 || !(VersionOf(now) == opened_)) return false;
     // Unlinked or replaced: the path no longer names what was read.
     const auto atPath = VersionAt(path_);
     return atPath && *atPath == opened_;

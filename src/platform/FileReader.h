@@ -9,6 +9,8 @@
 #include <filesystem>
 #include <optional>
 
+#include "platform/ScopedFd.h"
+
 namespace morvane::platform {
 
 // The identity of one version of a file: the same inode, size and times.
@@ -32,7 +34,7 @@ public:
     FileReader& operator=(FileReader&&) = delete;
     FileReader(const FileReader&) = delete;
     FileReader& operator=(const FileReader&) = delete;
-    ~FileReader();
+    ~FileReader() = default;
 
     // Up to max bytes on from the last: the count, 0 at the end, -1 when reading fails.
     std::ptrdiff_t Read(char* into, std::size_t max);
@@ -48,11 +50,11 @@ public:
     std::uint32_t Crc() const { return crc_; }
 
 private:
-    FileReader(std::filesystem::path path, int fd, FileVersion opened);
+    FileReader(std::filesystem::path path, ScopedFd fd, FileVersion opened);
     bool StillAsOpened() const;
 
     std::filesystem::path path_;
-    int fd_ = -1;
+    ScopedFd fd_;
     FileVersion opened_;
     std::uint64_t consumed_ = 0;
     std::uint32_t crc_ = 0;

@@ -10,6 +10,8 @@
 #include <ctime>
 #include <string>
 
+#include "platform/ScopedFd.h"
+
 namespace morvane::platform {
 namespace {
 
@@ -42,11 +44,11 @@ bool IsOnNetworkFileSystem(const std::filesystem::path& path) {
 std::optional<DateValue> ProbeFileServerTime(const std::filesystem::path& folder) {
     const std::filesystem::path probe =
         folder / (".morvane-clock-" + std::to_string(::getpid()) + ".tmp");
-    const int fd = ::open(probe.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0600);
-    if (fd < 0) return std::nullopt;
+    ScopedFd fd(::open(probe.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0600));
+    if (!fd.Valid()) return std::nullopt;
     // Writing makes the server set the time; the stat after close sees the server's value.
-    const bool written = ::write(fd, "t", 1) == 1;
-    ::close(fd);
+    const bool written = ::write(fd.Get(), "t", 1) == 1;
+    fd.Close();
     struct stat st {};
     const bool stated = written && ::stat(probe.c_str(), &st) == 0;
     ::unlink(probe.c_str());

@@ -22,22 +22,14 @@ namespace {
 // Closes a descriptor and so releases its advisory lock.
 class FileLock {
 public:
-    explicit FileLock(const std::filesystem::path& path, int operation) {
-        fd_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-        if (fd_ >= 0 && ::flock(fd_, operation) != 0) {
-            ::close(fd_);
-            fd_ = -1;
-        }
+    explicit FileLock(const std::filesystem::path& path, int operation)
+        : fd_(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)) {
+        if (fd_.Valid() && ::flock(fd_.Get(), operation) != 0) fd_.Close();
     }
-    ~FileLock() {
-        if (fd_ >= 0) ::close(fd_);
-    }
-    FileLock(const FileLock&) = delete;
-    FileLock& operator=(const FileLock&) = delete;
-    bool Held() const { return fd_ >= 0; }
+    bool Held() const { return fd_.Valid(); }
 
 private:
-    int fd_ = -1;
+    ScopedFd fd_;
 };
 
 std::string Escape(std::string_view v) {
