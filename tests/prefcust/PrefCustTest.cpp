@@ -264,18 +264,6 @@ TEST_F(IninTest, TheMembersTakeTheDataFileArgumentsByName) {
         EXPECT_EQ(m->params[2].type, ArgType::Double);
         EXPECT_EQ(m->params[3].type, ArgType::Bool);
     }
-    ctrlMorvane obj;
-    LogIn();
-    Sql(db_, kForm);
-    server_->On(kSetMain, Envelope(1, "T2"));
-    server_->On(kSetSub, Envelope(1, "T3"));
-    EXPECT_EQ(NzLong(DispatchTable::Instance().Invoke(obj, "SyncUploadP99Inin",
-                                                      {{Value(db_)},
-                                                       {Value(std::string("7"))},
-                                                       {Value(std::string("2.5"))},
-                                                       {Value(std::string("False"))}})),
-              1);
-    EXPECT_EQ(server_->RequestsTo(kSetSub).size(), 2u);
 }
 
 constexpr const char* kSetKikaiMain = "prefcust/99/setKikaiIchiranMain.php";

@@ -230,16 +230,6 @@ TEST_F(EigyoshoListTest, UploadSendsFixedMarksAndThePosition) {
 
 const std::string kSetMemo = "customer/setMemo.php";
 
-std::string MemoItem(int id, const std::map<std::string, std::string>& changed = {},
-                     const std::set<std::string>& leftOut = {}) {
-    return ItemXml(
-        "MemoItem",
-        TagsOf("MemoItemID=" + std::to_string(id) + "|History=note " + std::to_string(id) +
-               "|RegDate=2024/04/01 10:00:00|UpdateDate=2024/04/02 11:30:15|"
-               "other1=a|other2=b|other3=c"),
-        changed, leftOut);
-}
-
 using MemoListTest = RecordDbTest;
 
 TEST_F(MemoListTest, OtherTextsAreOptionalButEveryFlaggedTagIsNot) {

@@ -2,7 +2,7 @@
 // writes, and the upload's body and stamp.
 #include <gtest/gtest.h>
 
-#include "KihonTestUtil.h"
+#include "GyoshuTestUtil.h"
 #include "record/cCustKihon.h"
 #include "state/ProcessState.h"
 
@@ -179,13 +179,18 @@ TEST_F(KihonWorkerTest, DownloadMainWritesTheFifteenAlone) {
     EXPECT_EQ(Column("id", "tCustomerKeisin", "CustomerID"), "<no row>");
 }
 
-TEST_F(KihonWorkerTest, ABrokenDatabaseFailsThroughTheTrap) {
+TEST_F(KihonWorkerTest, ABrokenDatabaseFailsThroughTheTrapForTheRecordAndTheTrades) {
     cCustKihon k = Server({});
     const std::string missing = (temp_.Path() / "none" / "Customer.dat").string();
     EXPECT_EQ(k.SyncDownloadNormal(missing, 7), 0);
     EXPECT_EQ(k.CompareLocalDBNormal(missing, 7), 0);
     EXPECT_EQ(k.SyncUploadNormal(missing, 7), 0);
-    EXPECT_EQ(kit_->Boxes().size(), 3u);
+    cCustKihon trades;
+    ASSERT_TRUE(trades.ReadXMLGyosyu(Document(GyoshuPayload(HeaderTags(), GridTags()))));
+    EXPECT_EQ(trades.SyncDownloadGyosyu(missing, 7), 0);
+    EXPECT_EQ(trades.CompareLocalDBGyosyu(missing, 7), 0);
+    EXPECT_EQ(trades.SyncUploadGyoshu(missing, 7), 0);
+    EXPECT_EQ(kit_->Boxes().size(), 6u);
     EXPECT_TRUE(server_->Requests().empty());
 }
 
