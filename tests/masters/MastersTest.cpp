@@ -157,12 +157,11 @@ TEST_F(MasterMembersTest, UploadSendsEveryRowWithPositionsAndNothingForAnEmptyTa
         "(9, 'c=d', 2, 3);");
     server_->On(std::string(page::kSetKessanTaioh), Envelope(1, "T2"));
     ASSERT_EQ(obj.SyncUploadMasterKessanTaioh(db_), 1);
-    const auto posts = server_->RequestsTo(std::string(page::kSetKessanTaioh));
-    ASSERT_EQ(posts.size(), 2u);
-    EXPECT_EQ(posts[0].body,
-              "ID=user1&token=T1&KessanTaiohItemID=9&DISABLEDALL=DISABLEDALL&Taioh=c=d&Flag=2&"
-              "vno=1&");
-    EXPECT_EQ(posts[1].body, "ID=user1&token=T2&KessanTaiohItemID=4&Taioh=a&b&Flag=&vno=2&");
+    EXPECT_EQ(server_->BodiesTo(std::string(page::kSetKessanTaioh)),
+              (std::vector<std::string>{
+                  "ID=user1&token=T1&KessanTaiohItemID=9&DISABLEDALL=DISABLEDALL&Taioh=c=d&Flag=2&"
+                  "vno=1&",
+                  "ID=user1&token=T2&KessanTaiohItemID=4&Taioh=a&b&Flag=&vno=2&"}));
     EXPECT_EQ(One(db_, "SELECT MIN(InetCheckDate) FROM tKessanTaioh"), "2024/06/01 9:00:00");
 }
 
