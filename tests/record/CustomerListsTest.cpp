@@ -182,21 +182,17 @@ TEST_F(EigyoshoListTest, DownloadRewritesOwnRowsOnlyWithNumberAheadOfPosition) {
 }
 
 TEST_F(EigyoshoListTest, AColumnMarkCountsOnlyWhenItIsOne) {
-    Sql(db_,
-        "INSERT INTO tCustomerEigyosyo (id, CustomerID, disabled, vno, MainEigyo, MainRendo, "
-        "Name, Kana, S_Code, PrefName, CityName, Address, Yubin1, Yubin2, TEL1, TEL2, TEL3, "
-        "Gyosyu, Reserved0, Reserved1, Reserved2, Reserved3, Reserved4, Reserved5, Reserved6, "
-        "Reserved7, Reserved8, Reserved9, Reserved10, RecordUpdate, InetCheckDate) VALUES "
-        "(1, 7, 0, 1, 2, 0, 'office 1', 'ｵﾌｨｽ', 13, '東京都', '千代田区', '一番町1', '100', "
-        "'0001', '03', '1111', '2222', '1\t2\t3', '', '', '', '', '', '', '', '', '', '', '', "
-        "'2024-05-01 08:00:00', '2024-05-01 08:00:00');");
     cCustKihon k;
-    ASSERT_TRUE(k.ReadXMLEigyosho(ListReply("Eigyosho", {Office(1, {{"MainEigyo", "2"}})})));
+    ASSERT_TRUE(k.ReadXMLEigyosho(ListReply("Eigyosho", {Office(1)})));
+    ASSERT_EQ(k.SyncDownloadEigyosho(db_, 7), 1);
+    At(10);
+    ASSERT_TRUE(k.ReadXMLEigyosho(
+        ListReply("Eigyosho", {Office(1, {{"MainEigyo", "2"}})}, "2024/06/01 09:30:00")));
+    Sql(db_, "UPDATE tCustomerEigyosyo SET MainEigyo = 2;");
     EXPECT_NE(k.CompareLocalDBEigyosho(db_, 7), 0);
     Sql(db_, "UPDATE tCustomerEigyosyo SET MainEigyo = 1;");
     EXPECT_EQ(k.CompareLocalDBEigyosho(db_, 7), 0);
-    EXPECT_EQ(One(db_, "SELECT InetCheckDate FROM tCustomerEigyosyo WHERE id = 1"),
-              "2024/06/01 9:00:00");
+    EXPECT_EQ(One(db_, "SELECT InetCheckDate FROM tCustomerEigyosyo"), "2024/06/01 10:00:00");
 }
 
 TEST_F(EigyoshoListTest, UploadSendsFixedMarksAndThePosition) {

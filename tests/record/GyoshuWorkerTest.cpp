@@ -73,7 +73,6 @@ TEST_F(GyoshuWorkerTest, ReaderKeepsTheGridAndWantsAllOfIt) {
     EXPECT_EQ(r.EPmtDate[4], "");  // "abc" is no date, and still counts as seen
     EXPECT_EQ(r.EPmtDate[30], "2020/01/31");
     // The header rides in CompKihon under the main record's rules.
-    EXPECT_EQ(r.ApfPlace, "東京都知事");
     EXPECT_EQ(r.PmtNo, "123");
     EXPECT_EQ(r.other[6], "45");
 
