@@ -16,6 +16,7 @@
 #include "session/mdlLogin.h"
 #include "state/ProcessState.h"
 #include "state/basGetCRC.h"
+#include "support/FileBytes.h"
 #include "support/LeftoverWrite.h"
 #include "support/MorvaneTest.h"
 #include "support/ScopedEnv.h"
@@ -56,23 +57,13 @@ protected:
 
     std::string Write(const std::string& name, const std::string& bytes,
                       const char* modified = nullptr) {
-        const fs::path path = data_ / name;
-        fs::create_directories(path.parent_path());
-        std::ofstream(path, std::ios::binary) << bytes;
+        const fs::path path = WriteBytes(data_ / name, bytes);
         if (modified) {
             DateValue c, a, m;
             EXPECT_EQ(GetFileTimes(path.string(), c, a, m), 1);
             EXPECT_EQ(SetFileTimes(path.string(), c, a, *DateValue::Parse(modified)), 1);
         }
         return path.string();
-    }
-    static std::string Read(const std::string& path) {
-        std::ifstream in(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    }
-    static std::string Modified(const std::string& path) {
-        DateValue c, a, m;
-        return GetFileTimes(path, c, a, m) == 1 ? m.StampText() : "";
     }
     // The server describes a file of these bytes.
     void ServerHas(const std::string& page, const std::string& list, const std::string& bytes,
@@ -97,7 +88,7 @@ protected:
     std::optional<std::string> Trashed(const std::string& name) const {
         const fs::path file = temp_.Path() / "data-home" / "Trash" / "files" / name;
         if (!fs::exists(file)) return std::nullopt;
-        return Read(file.string());
+        return ReadBytes(file);
     }
     // Nothing of a download is left in the temporary folder or beside the file.
     void ExpectNoDownloadLeft(const std::string& local) const {
@@ -181,7 +172,7 @@ TEST_F(DataFileTest, CompareKeepsTheDescriptionOnlyForAServerCopyToTake) {
     EXPECT_EQ(server_->RequestsTo("customer/getKessanFileHash.php").at(0).body,
               "ID=user1&token=T1&CustomerID=7&FileName=a.pdf&");
     EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
-    EXPECT_EQ(Read(local), "newer");
+    EXPECT_EQ(ReadBytes(local), "newer");
 
     // Local newer: nothing is kept, so a download without the option does nothing.
     Write("a.pdf", "local again", "2024/06/01 00:00:00");
@@ -189,7 +180,7 @@ TEST_F(DataFileTest, CompareKeepsTheDescriptionOnlyForAServerCopyToTake) {
     server_->ClearRequests();
     EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
     EXPECT_TRUE(server_->Requests().empty());
-    EXPECT_EQ(Read(local), "local again");
+    EXPECT_EQ(ReadBytes(local), "local again");
 
     // A file the server does not know reads as no item: 0, as a match would be.
     server_->On("customer/getKessanFileHash.php",
@@ -205,8 +196,8 @@ TEST_F(DataFileTest, DownloadOfTheRightSizeReplacesTrashesAndStampsWhateverItsCr
     ctrlMorvane& m = *m_;
     ASSERT_EQ(m.CompareCustomerKessanFile(7, local), 1);
     EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
-    EXPECT_EQ(Read(local), "NEW content");
-    EXPECT_EQ(Modified(local), "2024/03/04 05:06:07");
+    EXPECT_EQ(ReadBytes(local), "NEW content");
+    EXPECT_EQ(ModifiedStamp(local), "2024/03/04 05:06:07");
     EXPECT_EQ(Trashed("a.pdf"), "old content");
     ExpectNoDownloadLeft(local);
     EXPECT_EQ(server_->RequestsTo("customer/getKessanFile.php").at(0).body,
@@ -221,7 +212,7 @@ TEST_F(DataFileTest, DownloadOfTheWrongSizeLeavesTheLocalFileAndStillAnswersOne)
     ctrlMorvane& m = *m_;
     ASSERT_EQ(m.CompareCustomerKyokaFile(7, local), 1);
     EXPECT_EQ(m.SyncDownloadCustomerKyokaFile(7, local, nullptr), 1);
-    EXPECT_EQ(Read(local), "old");
+    EXPECT_EQ(ReadBytes(local), "old");
     EXPECT_EQ(Trashed("a.pdf"), std::nullopt);
     ExpectNoDownloadLeft(local);
 }
@@ -242,7 +233,7 @@ TEST_F(DataFileTest, AFileWhoseDownloadWasCutShortIsFetchedAgainAndNeverSent) {
 
     ASSERT_EQ(m.CompareCustomerKessanFile(7, local), 1);
     EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
-    EXPECT_EQ(Read(local), "the server's");
+    EXPECT_EQ(ReadBytes(local), "the server's");
     EXPECT_EQ(Trashed("a.pdf"), "old content");
     ExpectNoDownloadLeft(local);
     EXPECT_EQ(m.CompareCustomerKessanFile(7, local), 0);
@@ -263,9 +254,9 @@ TEST_F(DataFileTest, DownloadNeverWritesThroughALinkPlantedOnItsWay) {
         server_->On("customer/getKessanFile.php", "server bytes");
         ASSERT_EQ(m.CompareCustomerKessanFile(7, local), 1);
         EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
-        EXPECT_EQ(Read(victim.string()), "precious");
+        EXPECT_EQ(ReadBytes(victim), "precious");
         EXPECT_FALSE(fs::is_symlink(local));
-        EXPECT_EQ(Read(local), "server bytes");
+        EXPECT_EQ(ReadBytes(local), "server bytes");
         EXPECT_TRUE(platform::LeftoverVersions(local).empty());
         fs::remove(local);
         fs::remove(link);
@@ -279,7 +270,7 @@ TEST_F(DataFileTest, DownloadCreatesTheFoldersAndFetchesForItselfUnderTheOption)
     ctrlMorvane& m = *m_;
     m.setObjectUsage(1);
     EXPECT_EQ(m.SyncDownloadCustomerOtherFile(7, local, nullptr), 1);
-    EXPECT_EQ(Read(local), "bytes");
+    EXPECT_EQ(ReadBytes(local), "bytes");
     EXPECT_TRUE(kit_->ShownForms().empty());
 }
 
@@ -340,7 +331,7 @@ TEST_F(DataFileTest, OnlyTheOtherKindKeepsItsDescriptionThroughAnUpload) {
     EXPECT_TRUE(server_->Requests().empty());
     EXPECT_EQ(m.SyncDownloadCustomerOtherFile(7, local, nullptr), 1);
     EXPECT_EQ(server_->RequestsTo("customer/getOtherFile.php").size(), 1u);
-    EXPECT_EQ(Read(local), "server");
+    EXPECT_EQ(ReadBytes(local), "server");
 }
 
 TEST_F(DataFileTest, DeleteAndRenameGoOutOnlyWhenTheLocalChangeIsThere) {

@@ -12,6 +12,7 @@
 #include "dated/cCustDataFile.h"
 #include "platform/basFileTime.h"
 #include "session/mdlLogin.h"
+#include "support/FileBytes.h"
 #include "support/ScopedEnv.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"
@@ -28,14 +29,6 @@ protected:
         fs::create_directories(temp_.Path() / "tmp");
     }
 
-    static std::string Read(const fs::path& path) {
-        std::ifstream in(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    }
-    static std::string Modified(const fs::path& path) {
-        DateValue c, a, m;
-        return GetFileTimes(path.string(), c, a, m) == 1 ? m.StampText() : "";
-    }
     // What the server reports of the file now.
     static cCustDataFile ServerView(std::int32_t custId, const std::string& file) {
         cCustDataFile f;
@@ -56,8 +49,7 @@ TEST_F(DataFileSyncTest, OneOfficeSendsAFileAndTheOtherTakesItAndAgrees) {
     ctrlMorvane a;
     ASSERT_TRUE(DoLogin("u1", "secret-1", kContract));
     CreateCustomer(2);
-    fs::create_directories(fileA.parent_path());
-    std::ofstream(fileA, std::ios::binary) << bytes;
+    WriteBytes(fileA, bytes);
     EXPECT_EQ(a.CompareCustomerKessanFile(2, fileA.string()), 0);  // unknown to the server
     ASSERT_EQ(a.SyncUploadCustomerKessanFile(2, fileA.string(), nullptr), 1);
     EXPECT_EQ(a.CompareCustomerKessanFile(2, fileA.string()), 0);
@@ -70,17 +62,16 @@ TEST_F(DataFileSyncTest, OneOfficeSendsAFileAndTheOtherTakesItAndAgrees) {
     EXPECT_EQ(b.CompareCustomerKessanFile(2, fileB.string()), 1);
     EXPECT_EQ(b.SyncDownloadCustomerKessanFile(2, fileB.string(), nullptr), 1);
     EXPECT_EQ(b.CompareCustomerKessanFile(2, fileB.string()), 0);
-    EXPECT_EQ(Read(fileB), bytes);
+    EXPECT_EQ(ReadBytes(fileB), bytes);
     const cCustDataFile server = ServerView(2, fileB.string());
     EXPECT_EQ(server.FileSize(), static_cast<std::int32_t>(bytes.size()));
-    EXPECT_EQ(Modified(fileB), DateValue::Parse(server.LastModified())->StampText());
+    EXPECT_EQ(ModifiedStamp(fileB), DateValue::Parse(server.LastModified())->StampText());
     // The file's own kind only: the same name is unknown among the permit files.
     EXPECT_EQ(b.CompareCustomerKyokaFile(2, fileB.string()), 0);
     EXPECT_EQ(b.SyncDownloadCustomerKyokaFile(2, fileB.string(), nullptr), 1);
-    EXPECT_EQ(Read(fileB), bytes);
+    EXPECT_EQ(ReadBytes(fileB), bytes);
     NoBoxes();
 }
-
 
 TEST_F(DataFileSyncTest, ANewerLocalCopyGoesUpAndARenameAndDeleteFollow) {
     UseOffice("a");
@@ -88,13 +79,11 @@ TEST_F(DataFileSyncTest, ANewerLocalCopyGoesUpAndARenameAndDeleteFollow) {
     ASSERT_TRUE(DoLogin("u1", "secret-1", kContract));
     CreateCustomer(3);
     const fs::path folder = temp_.Path() / "a" / "files";
-    fs::create_directories(folder);
-    const fs::path one = folder / "100% 許可.txt";
-    std::ofstream(one, std::ios::binary) << "first";
+    const fs::path one = WriteBytes(folder / "100% 許可.txt", "first");
     ASSERT_EQ(a.SyncUploadCustomerOtherFile(3, one.string(), nullptr), 1);
     clock_->Advance(std::chrono::minutes(1));
 
-    std::ofstream(one, std::ios::binary) << "second, longer";
+    WriteBytes(one, "second, longer");
     DateValue c, ac, m;
     ASSERT_EQ(GetFileTimes(one.string(), c, ac, m), 1);
     ASSERT_EQ(SetFileTimes(one.string(), c, ac, DateValue(m.Days() + 1)), 1);  // tomorrow
@@ -109,7 +98,7 @@ TEST_F(DataFileSyncTest, ANewerLocalCopyGoesUpAndARenameAndDeleteFollow) {
     fs::remove(two);
     EXPECT_EQ(a.CompareCustomerOtherFile(3, two.string()), 1);  // the server still has it
     EXPECT_EQ(a.SyncDeleteCustomerOtherFile(3, two.string(), nullptr), 1);
-    std::ofstream(two, std::ios::binary) << "x";
+    WriteBytes(two, "x");
     EXPECT_EQ(a.CompareCustomerOtherFile(3, two.string()), 0);  // gone from the server
     NoBoxes();
 }

@@ -1,7 +1,5 @@
 #include "HostOfficesTest.h"
 
-#include <fstream>
-#include <iterator>
 #include <sstream>
 
 #include "LoginCommands.h"
@@ -10,6 +8,7 @@
 #include "platform/Clock.h"
 #include "platform/Dao.h"
 #include "state/ProcessState.h"
+#include "support/FileBytes.h"
 #include "util/Nz.h"
 
 namespace morvane::test {
@@ -103,8 +102,7 @@ std::map<std::string, std::string> HostOfficesTest::Fingerprint(
         for (const auto& entry : fs::recursive_directory_iterator(folder)) {
             // The run file holds the token alone, which every reply changes.
             if (!entry.is_regular_file() || entry.path().extension() == ".run") continue;
-            std::ifstream in(entry.path(), std::ios::binary);
-            std::string bytes{std::istreambuf_iterator<char>(in), {}};
+            std::string bytes = ReadBytes(entry.path());
             if (entry.path().extension() == ".conf") {
                 std::istringstream lines(bytes);
                 bytes.clear();

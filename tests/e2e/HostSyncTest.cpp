@@ -3,11 +3,11 @@
 // edit made within a minute of the other office's download.
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <functional>
 
 #include "HostOfficesTest.h"
 #include "store/StoreTestUtil.h"
+#include "support/FileBytes.h"
 
 namespace morvane::test {
 namespace {
@@ -267,7 +267,7 @@ TEST_F(HostSyncTest, UnchangedCustomersAreNotWalkedYetAnEditOnEitherSideIsStillF
          [&] {
              const auto file = firstFile("a");
              ASSERT_FALSE(file.empty());
-             std::ofstream(file, std::ios::binary | std::ios::trunc) << "a new version";
+             WriteBytes(file, "a new version");
          },
          "customer 1 file", "customer 1 file"},
     };

@@ -18,6 +18,7 @@
 #include "state/ProcessState.h"
 #include "state/basGetCRC.h"
 #include "support/FaultEnv.h"
+#include "support/FileBytes.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {
@@ -43,11 +44,6 @@ protected:
     }
     std::shared_ptr<FaultEnv> faults_;
 };
-
-std::string Read(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
 
 TEST_F(FaultsTest, ADataFileDownloadThatBreaksAnywhereLeavesTheLocalFileWhole) {
     const std::string incoming(200000, 'n');
@@ -75,18 +71,18 @@ TEST_F(FaultsTest, ADataFileDownloadThatBreaksAnywhereLeavesTheLocalFileWhole) {
     LogIn();
     for (const Fault& fault : faults) {
         SCOPED_TRACE(fault.name);
-        std::ofstream(local, std::ios::binary) << "old content";
+        WriteBytes(local, "old content");
         fs::last_write_time(local, fs::last_write_time(local) - std::chrono::days(3650));
         ASSERT_EQ(m.CompareCustomerKessanFile(7, local.string()), 1);
         fault.set(*faults_);
         m.SyncDownloadCustomerKessanFile(7, local.string(), nullptr);
         faults_->Heal();
-        EXPECT_EQ(Read(local), "old content");
+        EXPECT_EQ(ReadBytes(local), "old content");
         EXPECT_TRUE(platform::LeftoverVersions(local).empty());
         // The difference is still there for the next run to take.
         ASSERT_EQ(m.CompareCustomerKessanFile(7, local.string()), 1);
         EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local.string(), nullptr), 1);
-        EXPECT_EQ(Read(local), incoming) << "taken once the fault is gone";
+        EXPECT_EQ(ReadBytes(local), incoming) << "taken once the fault is gone";
     }
 }
 

@@ -34,11 +34,6 @@ frmLockTimer* CustomerTimer() {
 
 class LockTest : public MorvaneTest {
 protected:
-    std::vector<std::string> Bodies(const std::string& page) const {
-        std::vector<std::string> bodies;
-        for (const auto& r : server_->RequestsTo(page)) bodies.push_back(r.body);
-        return bodies;
-    }
     ctrlMorvane obj_;
 };
 
@@ -51,16 +46,19 @@ TEST_F(LockTest, LockAndUnlockBodiesOfBothKinds) {
     EXPECT_EQ(CustomerTimer()->CustID, 5);
     EXPECT_EQ(CustomerTimer()->Get<forms::Timer>("tmr").Interval(), 60000);
     EXPECT_EQ(obj_.UnlockCoustomer(5), 1);
-    EXPECT_EQ(Bodies(kLock), std::vector<std::string>{"id=user1&token=T1&CustomerID=5&"});
-    EXPECT_EQ(Bodies(kUnlock), std::vector<std::string>{"id=user1&token=T2&CustomerID=5&"});
+    EXPECT_EQ(server_->BodiesTo(kLock),
+              std::vector<std::string>{"id=user1&token=T1&CustomerID=5&"});
+    EXPECT_EQ(server_->BodiesTo(kUnlock),
+              std::vector<std::string>{"id=user1&token=T2&CustomerID=5&"});
     EXPECT_EQ(State().customerLockTimer, nullptr);
 
     server_->On(kLockMaster, LockReply("1", "Master"));
     server_->On("master/unlockMaster.php", Envelope(1, "T4"));
     EXPECT_EQ(obj_.LockMasterData(3), 1);
     EXPECT_EQ(obj_.UnlockMasterData(3), 1);
-    EXPECT_EQ(Bodies(kLockMaster), std::vector<std::string>{"id=user1&token=T3&MasterID=3&"});
-    EXPECT_EQ(Bodies("master/unlockMaster.php"),
+    EXPECT_EQ(server_->BodiesTo(kLockMaster),
+              std::vector<std::string>{"id=user1&token=T3&MasterID=3&"});
+    EXPECT_EQ(server_->BodiesTo("master/unlockMaster.php"),
               std::vector<std::string>{"id=user1&token=T2&MasterID=3&"});
     EXPECT_TRUE(kit_->Boxes().empty());
 }
@@ -118,7 +116,7 @@ TEST_F(LockTest, RenewalsGoOnEveryTenthTickAndEachFailedOneIsTold) {
         if (tick == 15) server_->On(kLock, "");
     }
     EXPECT_EQ(askedAt, (std::vector<int>{10, 20}));
-    EXPECT_EQ(Bodies(kLock).back(), "id=user1&token=T2&CustomerID=6&");
+    EXPECT_EQ(server_->BodiesTo(kLock).back(), "id=user1&token=T2&CustomerID=6&");
     // One lock box per failed renewal (the empty reply brings the reply check's own too).
     int lockBoxes = 0;
     for (const auto& box : kit_->Boxes()) lockBoxes += box.text == kRefused;
@@ -133,7 +131,8 @@ TEST_F(LockTest, ASecondLockDropsTheFirstWithoutUnlockingIt) {
     ASSERT_EQ(obj_.LockCoustomer(2), 1);
     server_->ClearRequests();
     for (int tick = 0; tick < 10; ++tick) ASSERT_TRUE(kit_->FireTimer("frmLockTimer", "tmr"));
-    EXPECT_EQ(Bodies(kLock), std::vector<std::string>{"id=user1&token=T2&CustomerID=2&"});
+    EXPECT_EQ(server_->BodiesTo(kLock),
+              std::vector<std::string>{"id=user1&token=T2&CustomerID=2&"});
     EXPECT_TRUE(server_->RequestsTo(kUnlock).empty());
 }
 
@@ -147,7 +146,8 @@ TEST_F(LockTest, NumbersBelowOneSendNothingAndUnlockSendsItsArgument) {
     EXPECT_FALSE(kit_->TimerLive("frmLockTimer", "tmr"));
     // Without a lock, and another customer than the one held: the argument goes.
     EXPECT_EQ(obj_.UnlockCoustomer(4), 1);
-    EXPECT_EQ(Bodies(kUnlock), std::vector<std::string>{"id=user1&token=T1&CustomerID=4&"});
+    EXPECT_EQ(server_->BodiesTo(kUnlock),
+              std::vector<std::string>{"id=user1&token=T1&CustomerID=4&"});
     EXPECT_EQ(State().customerLockTimer, nullptr);
     server_->On(kUnlock, "");
     EXPECT_EQ(obj_.UnlockCoustomer(4), 0);

@@ -113,6 +113,17 @@ inline std::string ListReply(const std::string& stem, const std::vector<std::str
     return Document(ListPayload(stem, 7, stamp, items));
 }
 
+// A memo item, its text "note <id>", with some tags changed or left out.
+inline std::string MemoItem(int id, const std::map<std::string, std::string>& changed = {},
+                            const std::set<std::string>& leftOut = {}) {
+    return ItemXml(
+        "MemoItem",
+        TagsOf("MemoItemID=" + std::to_string(id) + "|History=note " + std::to_string(id) +
+               "|RegDate=2024/04/01 10:00:00|UpdateDate=2024/04/02 11:30:15|"
+               "other1=a|other2=b|other3=c"),
+        changed, leftOut);
+}
+
 class FixedClock final : public platform::Clock {
 public:
     explicit FixedClock(DateValue now) : now_(now) {}

@@ -2,7 +2,7 @@
 // writes, and the upload's body and stamp.
 #include <gtest/gtest.h>
 
-#include "KihonTestUtil.h"
+#include "GyoshuTestUtil.h"
 #include "record/cCustKihon.h"
 #include "state/ProcessState.h"
 
@@ -179,13 +179,18 @@ TEST_F(KihonWorkerTest, DownloadMainWritesTheFifteenAlone) {
     EXPECT_EQ(Column("id", "tCustomerKeisin", "CustomerID"), "<no row>");
 }
 
-TEST_F(KihonWorkerTest, ABrokenDatabaseFailsThroughTheTrap) {
+TEST_F(KihonWorkerTest, ABrokenDatabaseFailsThroughTheTrapForTheRecordAndTheTrades) {
     cCustKihon k = Server({});
     const std::string missing = (temp_.Path() / "none" / "Customer.dat").string();
     EXPECT_EQ(k.SyncDownloadNormal(missing, 7), 0);
     EXPECT_EQ(k.CompareLocalDBNormal(missing, 7), 0);
     EXPECT_EQ(k.SyncUploadNormal(missing, 7), 0);
-    EXPECT_EQ(kit_->Boxes().size(), 3u);
+    cCustKihon trades;
+    ASSERT_TRUE(trades.ReadXMLGyosyu(Document(GyoshuPayload(HeaderTags(), GridTags()))));
+    EXPECT_EQ(trades.SyncDownloadGyosyu(missing, 7), 0);
+    EXPECT_EQ(trades.CompareLocalDBGyosyu(missing, 7), 0);
+    EXPECT_EQ(trades.SyncUploadGyoshu(missing, 7), 0);
+    EXPECT_EQ(kit_->Boxes().size(), 6u);
     EXPECT_TRUE(server_->Requests().empty());
 }
 
@@ -204,23 +209,23 @@ TEST_F(KihonWorkerTest, UploadSendsTheRowAsItStandsAndStampsItOnSuccess) {
     server_->On("customer/setCompKihon.php", Envelope(1, "T2"));
     cCustKihon k;
     ASSERT_EQ(k.SyncUploadNormal(db_, 7), 1);
-    const auto sent = server_->RequestsTo("customer/setCompKihon.php");
-    ASSERT_EQ(sent.size(), 1u);
     EXPECT_EQ(
-        sent[0].body,
-        "ID=user1&token=T1&CustomerID=7&Code=A&1&AcDate=3月31日&ZipCode0=100&ZipCode1=0001&"
-        "addr0=東京都&addr1=千代田区&addr2=一番町1&TZipCode0=&TZipCode1=&Taddr0=&Taddr1=&Taddr2=&"
-        "CorpKana0=&CorpName0=株式会社一&CorpKanaS=&CorpKana1=&CorpName1=&Post0=&Post1=&"
-        "ApfKana0=&ApfName0=一 太郎&ApfKana1=&ApfName1=&tel0=03&tel1=1111&tel2=2222&fax0=03&"
-        "fax1=3333&fax2=4444&ChPost=&ChKana=&ChName=&ChTel0=&ChTel1=&ChTel2=&ChFax0=&ChFax1=&"
-        "ChFax2=&ChEMail=&other1=&other2=&other3=&other4=o4&other7=45&other5=&ExOther4=&"
-        "ExOther5=&ExOther6=&ExOther7=&ExOther8=&ExOther9=&ExOther10=&ExOther12=&"
-        "ExOther13=a=b&ExOther14=&ExOther15=&ExOther16=&ExOther17=5&ExOther18=&ApfPlace=&"
-        "MinName=&MinCode=&PmtCheck0=0&PmtCheck1=2&PmtYear=&PmtNo=123&"
-        "PApDate=2024/04/01 10:00:00&PmtDate0=2024/04/01&PmtDate1=&PmtDate2=&KessanTaioh=&"
-        "AddrKana1=&AddrKana2=&HoKoType=0&UserStaffID=3&DataUpdateFlag=3&"
-        "SeturituDate=2001/02/03&SogyoDate=&KengyoExist=0&KengyoNaiyo=&Itaku=0&DMSendType=0&"
-        "SeireiShitei=0&NotKanyo=0&CheckEx=4&Manage=0&");
+        server_->BodiesTo("customer/setCompKihon.php"),
+        std::vector<std::string>{
+            "ID=user1&token=T1&CustomerID=7&Code=A&1&AcDate=3月31日&ZipCode0=100&ZipCode1=0001&"
+            "addr0=東京都&addr1=千代田区&addr2=一番町1&TZipCode0=&TZipCode1=&Taddr0=&Taddr1=&"
+            "Taddr2=&"
+            "CorpKana0=&CorpName0=株式会社一&CorpKanaS=&CorpKana1=&CorpName1=&Post0=&Post1=&"
+            "ApfKana0=&ApfName0=一 太郎&ApfKana1=&ApfName1=&tel0=03&tel1=1111&tel2=2222&fax0=03&"
+            "fax1=3333&fax2=4444&ChPost=&ChKana=&ChName=&ChTel0=&ChTel1=&ChTel2=&ChFax0=&ChFax1=&"
+            "ChFax2=&ChEMail=&other1=&other2=&other3=&other4=o4&other7=45&other5=&ExOther4=&"
+            "ExOther5=&ExOther6=&ExOther7=&ExOther8=&ExOther9=&ExOther10=&ExOther12=&"
+            "ExOther13=a=b&ExOther14=&ExOther15=&ExOther16=&ExOther17=5&ExOther18=&ApfPlace=&"
+            "MinName=&MinCode=&PmtCheck0=0&PmtCheck1=2&PmtYear=&PmtNo=123&"
+            "PApDate=2024/04/01 10:00:00&PmtDate0=2024/04/01&PmtDate1=&PmtDate2=&KessanTaioh=&"
+            "AddrKana1=&AddrKana2=&HoKoType=0&UserStaffID=3&DataUpdateFlag=3&"
+            "SeturituDate=2001/02/03&SogyoDate=&KengyoExist=0&KengyoNaiyo=&Itaku=0&DMSendType=0&"
+            "SeireiShitei=0&NotKanyo=0&CheckEx=4&Manage=0&"});
     EXPECT_EQ(Column("InetCheckDate"), kNow);
     EXPECT_EQ(Column("RecordUpdate"), kChecked);
 }

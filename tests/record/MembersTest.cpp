@@ -29,14 +29,6 @@ struct Kind {
 
 #define CUSTOMER(member) [](ctrlMorvane& o, const std::string& db) { return o.member(db, 7); }
 
-std::string Memo(int id, const std::string& text, const std::set<std::string>& leftOut = {}) {
-    return ItemXml("MemoItem",
-                   TagsOf("MemoItemID=" + std::to_string(id) + "|History=" + text +
-                          "|RegDate=2024/04/01 10:00:00|UpdateDate=2024/04/02 11:30:15|"
-                          "other1=a|other2=b|other3=c"),
-                   {}, leftOut);
-}
-
 Tags TAddr(const std::string& text, const std::string& drop = {}) {
     Tags tags = With(RequiredTags(), {}, drop);
     tags.push_back({"TAddr0", text});
@@ -59,8 +51,8 @@ std::vector<Kind> Kinds() {
          CUSTOMER(CompareCustomerKihonGyosyu), CUSTOMER(SyncDownloadCustomerKihonGyosyu), 2,
          "SELECT EPmtCheck FROM tCustomerGyoshu WHERE CustomerID = 7 AND GyoshuCode = 5", "7"},
         {"memos", "customer/getMemo.php", "",
-         ListPayload("Memo", 7, "2024/05/01 10:00:00", {Memo(10, "note 10")}),
-         ListPayload("Memo", 7, kLater, {Memo(11, "other", {"RegDate"})}),
+         ListPayload("Memo", 7, "2024/05/01 10:00:00", {MemoItem(10)}),
+         ListPayload("Memo", 7, kLater, {MemoItem(11, {}, {"RegDate"})}),
          CUSTOMER(CompareCustomerMemoList), CUSTOMER(SyncDownloadCustomerMemoList), 2,
          "SELECT History FROM tCustomerHistory WHERE CustomerID = 7 AND disabled = 0", "note 10"},
         {"settlement records", "customer/getKessanData.php",

@@ -217,6 +217,12 @@ std::vector<RecordedRequest> TestServer::RequestsTo(const std::string& path) con
     return out;
 }
 
+std::vector<std::string> TestServer::BodiesTo(const std::string& path) const {
+    std::vector<std::string> out;
+    for (auto& r : RequestsTo(path)) out.push_back(r.body);
+    return out;
+}
+
 void TestServer::ClearRequests() {
     std::lock_guard lock(impl_->mutex);
     impl_->requests.clear();

@@ -66,6 +66,8 @@ public:
 
     std::vector<RecordedRequest> Requests() const;
     std::vector<RecordedRequest> RequestsTo(const std::string& path) const;
+    // The bodies of the requests to path, in order.
+    std::vector<std::string> BodiesTo(const std::string& path) const;
     void ClearRequests();
 
 private:
