@@ -8,6 +8,7 @@
 #include "server/crypto/Secrets.h"
 #include "server/files/FileStore.h"
 #include "server/util/FormBody.h"
+#include "server/util/Text.h"
 #include "server/xml/XmlWriter.h"
 
 namespace morvane::server {
@@ -123,6 +124,15 @@ TEST(XmlWriter, EscapesValuesAndRefusesWhatXmlCannotHold) {
     XmlWriter bad("root");
     EXPECT_THROW(bad.Leaf("v", std::string("a\x01", 2)), XmlBuildError);
     EXPECT_THROW(bad.Leaf("v", "\xc0\xaf"), XmlBuildError);
+}
+
+TEST(Text, NumbersAsTheBodiesCarryThem) {
+    EXPECT_EQ(LeadingNumber(" 12abc"), 12);
+    EXPECT_EQ(LeadingNumber("-3"), -3);
+    EXPECT_EQ(LeadingNumber("x"), 0);
+    EXPECT_EQ(ParseInt32("2147483647"), 2147483647);
+    EXPECT_FALSE(ParseInt32("2147483648"));
+    EXPECT_FALSE(ParseInt32("1x"));
 }
 
 }  // namespace
