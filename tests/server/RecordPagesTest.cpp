@@ -3,6 +3,7 @@
 
 #include "ServerFixture.h"
 #include "server/records/Kinds.h"
+#include "server/util/Text.h"
 
 namespace morvane::server::testing {
 namespace {
@@ -10,10 +11,7 @@ namespace {
 using namespace std::chrono_literals;
 using Item = std::map<std::string, std::string>;
 
-std::string Upper(std::string s) {
-    for (char& c : s) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    return s;
-}
+std::string Upper(std::string_view s) { return ToUpperAscii(s); }
 
 // Children of `node` by upper-cased tag name (the client matches tags without case).
 Item ChildrenOf(pugi::xml_node node) {
