@@ -2,82 +2,45 @@
 // signal.
 #include <gtest/gtest.h>
 #include <httplib.h>
-#include <signal.h>
-#include <spawn.h>
 #include <stdlib.h>
-#include <sys/wait.h>
-
-#include <fcntl.h>
 
 #include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <thread>
-#include <vector>
 
-extern char** environ;
+#include "ChildProcess.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-// A child process that is killed if the test leaves early.
-class Child {
-public:
-    explicit Child(std::vector<std::string> args) {
-        std::vector<char*> argv;
-        for (auto& a : args) argv.push_back(a.data());
-        argv.push_back(nullptr);
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-        posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
-        if (posix_spawn(&pid_, argv[0], &actions, nullptr, argv.data(), environ) != 0) pid_ = -1;
-        posix_spawn_file_actions_destroy(&actions);
-    }
-    ~Child() {
-        if (pid_ > 0) {
-            kill(pid_, SIGKILL);
-            waitpid(pid_, nullptr, 0);
-        }
-    }
-    pid_t Pid() const { return pid_; }
-    // Exit status, or -1 when it ended otherwise.
-    int Wait() {
-        int status = 0;
-        waitpid(pid_, &status, 0);
-        pid_ = -1;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-
-private:
-    pid_t pid_ = -1;
-};
-
-int RunProgram(std::vector<std::string> args) { return Child(std::move(args)).Wait(); }
+using morvane::cli::ChildProcess;
 
 TEST(CommandLine, CreatesAccountsServesAndStopsOnASignal) {
     std::string pattern = (fs::temp_directory_path() / "morvane-cli-XXXXXX").string();
     ASSERT_NE(mkdtemp(pattern.data()), nullptr);
     const fs::path dir = pattern;
-    const std::string bin = MORVANE_SERVER_BINARY;
+    const fs::path bin = MORVANE_SERVER_BINARY;
     const std::string data = (dir / "data").string();
+    const fs::path log = dir / "log";
+    const auto run = [&](const std::vector<std::string>& args) {
+        return morvane::cli::RunProgram(bin, args, log);
+    };
 
-    EXPECT_EQ(RunProgram({bin, "add-account", "--data", data, "--contract", "K1", "--max-customer",
-                          "9", "--contractor-name", "事務所"}),
+    EXPECT_EQ(run({"add-account", "--data", data, "--contract", "K1", "--max-customer", "9",
+                   "--contractor-name", "事務所"}),
               0);
-    EXPECT_NE(RunProgram({bin, "add-account", "--data", data, "--contract", "K1"}), 0) << "taken";
-    EXPECT_EQ(RunProgram({bin, "add-user", "--data", data, "--contract", "K1", "--user", "u",
-                          "--password", "pw"}),
-              0);
-    EXPECT_NE(RunProgram({bin, "add-user", "--data", data, "--contract", "K9", "--user", "u",
-                          "--password", "pw"}),
-              0)
+    EXPECT_NE(run({"add-account", "--data", data, "--contract", "K1"}), 0) << "taken";
+    EXPECT_EQ(
+        run({"add-user", "--data", data, "--contract", "K1", "--user", "u", "--password", "pw"}),
+        0);
+    EXPECT_NE(
+        run({"add-user", "--data", data, "--contract", "K9", "--user", "u", "--password", "pw"}), 0)
         << "no such account";
 
     const fs::path portFile = dir / "port";
-    Child server({bin, "serve", "--data", data, "--port", "0", "--port-file", portFile.string()});
-    ASSERT_GT(server.Pid(), 0);
+    ChildProcess server(
+        bin, {"serve", "--data", data, "--port", "0", "--port-file", portFile.string()}, log);
     int port = 0;
     for (int i = 0; i < 200 && port == 0; ++i) {
         std::ifstream in(portFile);
@@ -94,8 +57,7 @@ TEST(CommandLine, CreatesAccountsServesAndStopsOnASignal) {
     EXPECT_NE(res->body.find("<ContractorName>事務所</ContractorName>"), std::string::npos);
     EXPECT_NE(res->body.find("<MaxCustomer>9</MaxCustomer>"), std::string::npos);
 
-    kill(server.Pid(), SIGTERM);
-    EXPECT_EQ(server.Wait(), 0);
+    EXPECT_EQ(server.Stop(), 0) << "SIGTERM ends it cleanly";
     std::error_code ec;
     fs::remove_all(dir, ec);
 }
