@@ -12,6 +12,20 @@
 
 namespace morvane::record {
 
+// The item's columns, and the moment of the download as its change and agreement stamps, on
+// the row being edited or added.
+template <class Item>
+void PutItemColumns(dao::Recordset& rs, const ListDecl<Item>& spec, const Item& item,
+                    const Value& now) {
+    for (const FieldRow<Item>& row : spec.fields) {
+        if (row.column.empty()) continue;
+        if (auto v = ToColumn(row.guard, row.writeFormat, row.slot.Get(item)))
+            rs.Fields(row.column).PutValue(*v);
+    }
+    rs.Fields("RecordUpdate").PutValue(now);
+    rs.Fields("InetCheckDate").PutValue(now);
+}
+
 // Replaces the whole table by the items, ids numbered from 1 in list order, in one
 // transaction, so that a failure leaves the table as it was.
 template <class Item>
@@ -32,13 +46,7 @@ void WipeListRows(const ListDecl<Item>& spec, const ListData<Item>& server,
         rs->Fields("ID").PutValue(Value(position));
         if (spec.vno == VnoPolicy::Position)
             rs->Fields(spec.positionName).PutValue(Value(position));
-        for (const FieldRow<Item>& row : spec.fields) {
-            if (row.column.empty()) continue;
-            if (auto v = ToColumn(row.guard, row.writeFormat, row.slot.Get(item)))
-                rs->Fields(row.column).PutValue(*v);
-        }
-        rs->Fields("RecordUpdate").PutValue(now);
-        rs->Fields("InetCheckDate").PutValue(now);
+        PutItemColumns(*rs, spec, item, now);
         rs->Update();
     }
     rs->Close();
@@ -93,13 +101,7 @@ void DownloadListRows(const ListDecl<Item>& spec, const ListData<Item>& server,
         if (spec.vno == VnoPolicy::Position)
             rs->Fields(spec.positionName).PutValue(Value(position));
         if (!spec.nextNoColumn.empty()) rs->Fields(spec.nextNoColumn).PutValue(Value(position + 1));
-        for (const FieldRow<Item>& row : spec.fields) {
-            if (row.column.empty()) continue;
-            if (auto v = ToColumn(row.guard, row.writeFormat, row.slot.Get(item)))
-                rs->Fields(row.column).PutValue(*v);
-        }
-        rs->Fields("RecordUpdate").PutValue(now);
-        rs->Fields("InetCheckDate").PutValue(now);
+        PutItemColumns(*rs, spec, item, now);
         rs->Update();
         if (edit) rs->MoveNext();
     }
