@@ -13,12 +13,7 @@ namespace {
 
 const std::string kSetShokuin = "customer/setCompShokuin.php";
 
-// An upload body of the data file, kept one key a line.
-std::string Body(std::string_view key) {
-    std::string body;
-    for (const std::string& line : Golden("record/customer-lists.txt").Lines(key)) body += line;
-    return body;
-}
+std::string Body(std::string_view key) { return Golden("record/customer-lists.txt").Joined(key); }
 
 Tags PersonTags(int id) {
     return TagsOf("ShokuinItemID=" + std::to_string(id) + "|No=S" + std::to_string(id) +

@@ -58,6 +58,12 @@ std::vector<std::string> Golden::Lines(std::string_view key) const {
     return Split(text, "\n");
 }
 
+std::string Golden::Joined(std::string_view key) const {
+    std::string text;
+    for (const std::string& line : Lines(key)) text += line;
+    return text;
+}
+
 std::vector<std::vector<std::string>> Golden::Table(std::string_view key) const {
     std::vector<std::vector<std::string>> rows;
     for (const std::string& line : Lines(key)) rows.push_back(Split(line, " | "));

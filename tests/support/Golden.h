@@ -19,6 +19,8 @@ public:
     const std::string& operator[](std::string_view key) const;
     // The block's lines.
     std::vector<std::string> Lines(std::string_view key) const;
+    // The block's lines run together: a long body kept one key a line.
+    std::string Joined(std::string_view key) const;
     // The block as a table: a line a row, cells parted by " | " (a lone "|" stays inside a cell,
     // as in the rows the database helpers print).
     std::vector<std::vector<std::string>> Table(std::string_view key) const;
