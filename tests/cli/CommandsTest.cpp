@@ -15,6 +15,7 @@
 
 #include "InitDbCommand.h"
 #include "platform/Dao.h"
+#include "support/Golden.h"
 #include "support/TempDir.h"
 #include "util/Nz.h"
 
@@ -63,34 +64,32 @@ ProgramRun RunCli(const std::string& args) {
     return run;
 }
 
+// The rows of a table of the data file, "-" made empty and {dir} the folder.
+std::vector<std::vector<std::string>> Cases(std::string_view table, const fs::path& dir) {
+    auto rows = test::Golden("cli/commands.txt").Table(table);
+    for (auto& row : rows)
+        for (std::string& cell : row) {
+            if (cell == "-") cell.clear();
+            for (size_t at; (at = cell.find("{dir}")) != std::string::npos;)
+                cell.replace(at, 5, dir.string());
+        }
+    return rows;
+}
+
 // Calls print one result a line and stop at the first bad one; what went wrong, and the
 // component's message boxes, go to stderr.
 TEST(CallProgram, PrintsEachResultAndStopsAtTheFirstBadCall) {
     test::TempDir dir;
     const std::string call = "--config " + dir.Path().string() + " call ";
-    const std::string none = "CompareCustomerList " + (dir.Path() / "none.dat").string();
-    struct Case {
-        std::string args;
-        int exitCode;
-        std::string out, err;
-    };
-    const std::vector<Case> cases{
-        {"CustmerBackuped 1 --then LoginState", 0, "False\n0\n", ""},
-        {"LoginState --then loginstate", 0, "0\n0\n", ""},
-        {"--then --then LoginState", 0, "0\n", ""},
-        {"LoginState --then NoSuchMember --then LoginState", 2, "0\n",
-         "no member named NoSuchMember"},
-        {"CustmerBackuped", 2, "", "takes 1 argument(s), 0 given"},
-        {"CustmerBackuped not-a-number", 2, "", "CustmerBackuped: error"},
-        {"", 2, "", ""},
-        {none, 0, "0\n", "[サーバー通信エラー]"},
-    };
-    for (const Case& c : cases) {
-        const ProgramRun run = RunCli(call + c.args + " 2>/dev/null");
-        EXPECT_EQ(run.exitCode, c.exitCode) << c.args;
-        EXPECT_EQ(run.output, c.out) << c.args;
-        const std::string err = RunCli(call + c.args + " 2>&1 >/dev/null").output;
-        EXPECT_NE(err.find(c.err), std::string::npos) << c.args << ": " << err;
+    for (const auto& c : Cases("call", dir.Path())) {
+        const ProgramRun run = RunCli(call + c[0] + " 2>/dev/null");
+        std::string out;
+        for (const std::string& line : test::Golden::Split(c[2], "; "))
+            if (!line.empty()) out += line + "\n";
+        EXPECT_EQ(run.exitCode, std::stoi(c[1])) << c[0];
+        EXPECT_EQ(run.output, out) << c[0];
+        const std::string err = RunCli(call + c[0] + " 2>&1 >/dev/null").output;
+        EXPECT_NE(err.find(c[3]), std::string::npos) << c[0] << ": " << err;
     }
 }
 
@@ -100,32 +99,10 @@ TEST(Program, FollowsTheUsualConventions) {
     test::TempDir dir;
     std::ostringstream out, err;
     ASSERT_EQ(RunInitDb(dir.Path() / "db", 1, out, err), 0);
-    const std::string office =
-        "--config " + dir.Path().string() + " sync --db " + (dir.Path() / "db").string();
-    struct Case {
-        std::string args;
-        int exitCode;
-        std::string says;
-    };
-    const std::vector<Case> cases{
-        {"--version", 0, "0."},
-        {"--help", 0, "Exit codes: 0 success; 1 failures or conflicts left; 2 usage"},
-        {"", 2, "a command is required"},
-        {"bogus", 2, "unknown command 'bogus'"},
-        {"--bogus status", 2, "unknown argument '--bogus'"},
-        {"status extra", 2, "not expected: extra"},
-        {"sync --db x --prefer sometimes", 2, "--prefer"},
-        {"sync --db x --stall-timeout 0", 2, "--stall-timeout"},
-        {"sync --db x --time-limit soon", 2, "--time-limit"},
-        {office + "/none.dat --stall-timeout 5 --time-limit 600", 2, "no customer database"},
-        {office + "/Customer.dat", 1, "run `morvane login` first"},
-        {"--config /nonexistent/morvane login --server 127.0.0.1:1 --contract C --user U", 1,
-         "nothing answered at 127.0.0.1:1"},
-    };
-    for (const Case& c : cases) {
-        const ProgramRun run = RunCli(c.args + " 2>&1");
-        EXPECT_EQ(run.exitCode, c.exitCode) << c.args << ": " << run.output;
-        EXPECT_NE(run.output.find(c.says), std::string::npos) << c.args << ": " << run.output;
+    for (const auto& c : Cases("program", dir.Path())) {
+        const ProgramRun run = RunCli(c[0] + " 2>&1");
+        EXPECT_EQ(run.exitCode, std::stoi(c[1])) << c[0] << ": " << run.output;
+        EXPECT_NE(run.output.find(c[2]), std::string::npos) << c[0] << ": " << run.output;
     }
     EXPECT_FALSE(fs::exists(dir.Path() / "db" / "none.dat")) << "nothing is created";
 }
@@ -136,11 +113,7 @@ TEST(Demo, RunsToACleanEndAndStopsItsServer) {
     const fs::path work = dir.Path() / "work";
     const ProgramRun run = RunCli("demo --workdir " + work.string() + " 2>&1");
     EXPECT_EQ(run.exitCode, 0) << run.output;
-    for (const char* line :
-         {"morvane-server listens on https://127.0.0.1:", "roster: added customer 3 to the server",
-          "customer 2 customer record: downloaded", "customer 2 bidding participation: downloaded",
-          "customer 2 file files/2/kessan-3.txt: downloaded", "file(s), byte for byte",
-          "The demo ran to a clean end."})
+    for (const std::string& line : test::Golden("cli/commands.txt").Lines("demo"))
         EXPECT_NE(run.output.find(line), std::string::npos) << line << "\n" << run.output;
     // The server wrote its port file; nothing may still listen there.
     std::ifstream portFile(work / "server-data" / "port");

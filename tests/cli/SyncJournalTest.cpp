@@ -2,32 +2,32 @@
 // across runs, and the runs it spares or changes.
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 
 #include "SyncJournal.h"
 #include "SyncRunTest.h"
 #include "support/FileBytes.h"
+#include "support/Golden.h"
 #include "support/TempDir.h"
 
 namespace morvane::cli {
 namespace {
 
 TEST(SyncJournal, ASideWhoseStampChangedSinceTheLastAgreementHasMoved) {
-    // Agreed at the stamps 11/22: the decision, the server's and the local stamp seen now (0:
-    // the comparison looked at none), and the decision folded. The first two rows are the
-    // blind minute: a move by the stamps would overwrite the other side's change.
-    const std::uint64_t rows[][4] = {{2, 12, 22, 3}, {1, 11, 23, 3}, {0, 12, 22, 1}, {0, 11, 23, 2},
-                                     {0, 12, 23, 3}, {0, 11, 22, 0}, {2, 11, 23, 2}, {1, 12, 22, 1},
-                                     {3, 11, 22, 3}, {2, 0, 0, 2}};
-    for (const auto& [decision, server, local, folded] : rows)
-        EXPECT_EQ(WithJournal(static_cast<int>(decision), SeenStamps{11, 22}, {server, local}),
-                  static_cast<int>(folded))
-            << decision << " seen " << server << "/" << local;
+    const test::Golden cases("cli/sync-journal.txt");
+    for (const auto& row : cases.Table("with journal")) {
+        std::istringstream seen(row[1]);
+        std::uint64_t server = 0, local = 0;
+        seen >> server >> local;
+        EXPECT_EQ(WithJournal(std::stoi(row[0]), SeenStamps{11, 22}, {server, local}),
+                  std::stoi(row[2]))
+            << row[0] << " seen " << row[1];
+    }
     EXPECT_EQ(WithJournal(2, std::nullopt, {12, 22}), 2) << "no agreement: the stamps decide";
     // A move cut off is taken up again unless the other side moved since.
-    const int cut[][3] = {{0, 1, 1}, {1, 1, 1}, {2, 1, 3}, {3, 1, 3}, {0, 2, 2},
-                          {2, 2, 2}, {1, 2, 3}, {3, 2, 3}, {2, 0, 2}};
-    for (const auto& [decision, way, expected] : cut)
-        EXPECT_EQ(WithUnfinished(decision, way), expected) << decision << " after way " << way;
+    for (const auto& row : cases.Table("with unfinished"))
+        EXPECT_EQ(WithUnfinished(std::stoi(row[0]), std::stoi(row[1])), std::stoi(row[2]))
+            << row[0] << " after way " << row[1];
 }
 
 TEST(SyncJournal, KeepsItsEntriesAcrossRunsAndSkipsTornLines) {

@@ -6,7 +6,9 @@
 #include <functional>
 #include <optional>
 #include <set>
+#include <sstream>
 
+#include "support/Golden.h"
 #include "support/TempDir.h"
 
 namespace morvane::cli {
@@ -32,7 +34,9 @@ Outcome RunWith(ScriptedComponent& c, SyncOptions options) {
 namespace {
 
 using Calls = std::vector<std::string>;
+using Row = std::vector<std::string>;
 using Script = std::function<void(ScriptedComponent&)>;
+using test::Golden;
 
 // The office's customers, and the answers of members in turn.
 Script Answers(std::vector<std::int32_t> local, std::map<std::string, std::vector<int>> answers) {
@@ -61,10 +65,47 @@ void Check(const std::string& name, const Script& script, const SyncOptions& opt
     for (const std::string& text : says) EXPECT_TRUE(o.Says(text)) << text << "\n" << o.out;
 }
 
-const SyncOptions kAsk{}, kServer{.prefer = Prefer::Server}, kLocal{.prefer = Prefer::Local},
-    kSkip{.prefer = Prefer::Skip}, kDry{.dryRun = true};
-const std::string kMemoUp = "SyncUploadCustomerMemoList",
-                  kMemoDown = "SyncDownloadCustomerMemoList";
+// The cases' cells, as the notes of the data file read them.
+std::vector<Row> Cases(std::string_view table) { return Golden("cli/sync-run.txt").Table(table); }
+
+Calls List(const std::string& cell) {
+    return cell == "-" ? Calls{} : Golden::Split(Golden::Unescaped(cell), "; ");
+}
+
+std::vector<int> Ints(const std::string& cell) {
+    std::istringstream in(cell);
+    std::vector<int> numbers;
+    for (int n; in >> n;) numbers.push_back(n);
+    return numbers;
+}
+
+SyncOptions Choice(const std::string& cell) {
+    SyncOptions options;
+    std::istringstream words(cell);
+    for (std::string word; words >> word;) {
+        if (word == "server") options.prefer = Prefer::Server;
+        if (word == "local") options.prefer = Prefer::Local;
+        if (word == "skip") options.prefer = Prefer::Skip;
+        if (word == "dry") options.dryRun = true;
+    }
+    return options;
+}
+
+Counts CountsOf(const std::string& cell) {
+    std::vector<int> n = Ints(cell);
+    n.resize(6);
+    return {n[0], n[1], n[2], n[3], n[4], n[5]};
+}
+
+// A case whose last five cells say what the run must do.
+void Check(const Row& row, const Script& script) {
+    const std::size_t at = row.size() - 5;
+    Check(row[0], script, Choice(row[at]), CountsOf(row[at + 1]), List(row[at + 2]),
+          List(row[at + 3]), List(row[at + 4]));
+}
+
+const SyncOptions kAsk{}, kServer{.prefer = Prefer::Server}, kLocal{.prefer = Prefer::Local};
+const std::string kMemoUp = "SyncUploadCustomerMemoList";
 
 TEST(SyncKinds, EachTableHasOneKindAndEachMemberOneUse) {
     std::map<int, int> owners;
@@ -89,94 +130,48 @@ TEST(SyncKinds, EachTableHasOneKindAndEachMemberOneUse) {
 }
 
 // The roster's requests, in order, for each answer of its comparison and each way of
-// reconciling it. Customers 2 and 3 are only local, 9 only on the server.
+// reconciling it.
 TEST(SyncRun, TheRosterIsReconciledWithoutEverDeletingWhatNobodyChoseToDelete) {
-    const std::string kList = "CompareCustomerList /data/Customer.dat";
-    const std::string kTake = "SyncDownloadCustomerList /data/Customer.dat";
-    const std::string kDel9 = "SyncUploadDelCustomer 9";
-    const auto up = [](int id) {
-        return "SyncUploadAddCustomer /data/Customer.dat " + std::to_string(id);
-    };
-    const auto check = [](const char* name, int result, const std::string& add,
-                          const std::string& del, SyncOptions options, int dialog, bool addFails,
-                          const Calls& expected, Counts counts) {
-        SCOPED_TRACE(name);
+    for (const Row& row : Cases("roster")) {
+        SCOPED_TRACE(row[0]);
         ScriptedComponent c;
         c.local = {1};  // and those the roster moves, which agree
-        c.results["CompareCustomerList"] = {result, 0};
-        c.add = add;
-        c.del = del;
+        c.results["CompareCustomerList"] = {std::stoi(row[1]), 0};
+        c.add = row[2] == "-" ? "" : row[2];
+        c.del = row[3] == "-" ? "" : row[3];
+        const SyncOptions options = Choice(row[4]);
+        const int dialog = std::stoi(row[5]);
         c.results["ShowCompareCustListDlg"] = {dialog};
-        if (addFails) c.results["SyncUploadAddCustomer"] = {0};
+        if (row[6] == "1") c.results["SyncUploadAddCustomer"] = {0};
         const Outcome o = RunWith(c, options);
         Calls requests;
         for (const std::string& call : c.calls)
             if (call.find("CustomerList ") != std::string::npos || call.rfind("SyncUpload", 0) == 0)
                 requests.push_back(call);
-        EXPECT_EQ(requests, expected) << o.out;
-        EXPECT_EQ(o.counts, counts) << o.out;
+        EXPECT_EQ(requests, List(row[7])) << o.out;
+        EXPECT_EQ(o.counts, CountsOf(row[8])) << o.out;
         // The snapshot is read after the roster moved, never after a cancel.
         EXPECT_EQ(c.CalledInOrder({requests.back(), "CustmerBackupedTableSyncFlag"}), dialog != -1);
         EXPECT_EQ(c.Called("CheckInetEnabledFlags"), !options.dryRun && dialog != -1)
             << "it writes flags";
-    };
-    check("server has none", 4, "2,3", "", kAsk, 0, false, {kList, up(2), up(3), kList}, {0, 2});
-    check("local has none", 5, "", "9", kAsk, 0, false, {kList, kTake, kList}, {1});
-    check("the sample customer alone is no data", 5, "1", "9", kLocal, 0, false,
-          {kList, kTake, kList}, {1});
-    check("a person's choice, unattended", 3, "2,3", "9", kServer, 0, false,
-          {kList, up(2), up(3), kTake, kList}, {1, 2});
-    check("skipped", 3, "2,3", "9", kSkip, 0, false, {kList}, {0, 0, 1, 0, 0, 1});
-    check("an add failed", 3, "2,3", "9", kLocal, 0, true, {kList, up(2), up(3), kList},
-          {0, 0, 0, 2, 0, 1});
-    check("dialog: the server's roster", 3, "2,3", "9", kAsk, 1, false, {kList, kTake, kList}, {1});
-    check("dialog: the local roster", 3, "2,3", "9", kAsk, 2, false,
-          {kList, up(2), up(3), kDel9, kList}, {0, 3});
-    check("dialog: add only", 3, "2,3", "9", kAsk, 4, false, {kList, up(2), up(3), kList}, {0, 2});
-    check("dialog: customer by customer", 3, "2,3", "9", kAsk, 6, false,
-          {kList, up(3), kDel9, kTake, kList}, {1, 2});
-    check("dialog cancelled", 3, "2,3", "9", kAsk, -1, false, {kList}, {0, 0, 1, 0, 0, 1});
-    check("dry run", 3, "2", "9", {.prefer = Prefer::Server, .dryRun = true}, 0, false, {kList},
-          {0, 0, 0, 0, 2, 3});
+    }
 }
 
-TEST(SyncRun, AKindMovesUnderItsLockTheWayItsComparisonOrThePersonSays) {
-    // Masters that agree take no lock; the saved login is told as not yet confirmed.
-    Check("the comparison decides", Answers({1, 2}, {{"CompareCustomerMemoList", {1, 2}}}), kAsk,
-          Counts{1, 1},
-          {"LockCoustomer 1", kMemoDown + " /data/Customer.dat 1", "UnlockCoustomer 1",
-           "LockCoustomer 2", kMemoUp + " /data/Customer.dat 2", "UnlockCoustomer 2",
-           "CompareMasterYakushoku"},
-          {"LockMasterData"},
-          {"login: the saved login, not yet confirmed", "server:      answered"});
-    const auto bothMoved = [](int dialog) {
-        return Answers({1}, {{"CompareCustomerMemoList", {3}}, {"ShowCompareMsg", {dialog}}});
-    };
-    Check("both moved, the server preferred", bothMoved(0), kServer, Counts{1}, {kMemoDown},
-          {"ShowCompareMsg", kMemoUp});
-    Check("both moved, the local side preferred", bothMoved(0), kLocal, Counts{0, 1}, {kMemoUp},
-          {"ShowCompareMsg", kMemoDown});
-    Check("both moved, skipped", bothMoved(0), kSkip, Counts{0, 0, 1, 0, 0, 1}, {},
-          {"ShowCompareMsg", kMemoDown, kMemoUp}, {"customer 1 memos: both sides moved"});
-    Check("both moved, the person sends it", bothMoved(2), kAsk, Counts{0, 1},
-          {"ShowCompareMsg memos", kMemoUp});
-    Check("both moved, the person cancels", bothMoved(0), kAsk, Counts{0, 0, 1, 0, 0, 1},
-          {"ShowCompareMsg memos"}, {kMemoDown, kMemoUp});
-    Check("a dry run takes no lock and moves nothing",
-          Answers({1, 2}, {{"CompareCustomerMemoList", {2}}}), kDry, Counts{0, 0, 0, 0, 2, 3}, {},
-          {"LockCoustomer", kMemoUp}, {"customer 1 memos: would upload"});
-    Check("a refused lock moves nothing and releases nothing",
-          Answers({1, 2}, {{"LockCoustomer", {0}}, {"CompareCustomerMemoList", {1}}}), kAsk,
-          Counts{0, 0, 0, 2, 0, 1}, {}, {kMemoDown, "UnlockCoustomer"},
-          {"customer 1: lock refused"});
-    Check("a move answering 0 fails, and the lock still goes",
-          Answers({4}, {{"CompareCustomerMemoList", {1}}, {kMemoDown, {0}}}), kAsk,
-          Counts{0, 0, 0, 1, 0, 1}, {kMemoDown, "UnlockCoustomer 4"}, {},
-          {"customer 4 memos: SyncDownloadCustomerMemoList failed"});
-    Check("a master moves under the master lock, compared again there",
-          Answers({}, {{"CompareMasterYakushoku", {1}}}), kAsk, Counts{1},
-          {"CompareMasterYakushoku /data/Master.dat", "LockMasterData 1", "CompareMasterYakushoku",
-           "SyncDownloadMasterYakushoku /data/Master.dat", "UnlockMasterData 1"});
+// Each kind under its lock, as the comparison or the person says; failed exchanges are
+// failures, never agreement.
+TEST(SyncRun, AKindMovesUnderItsLockTheWayItsComparisonOrThePersonSaysAndFailuresAreNoAgreement) {
+    for (const Row& row : Cases("kinds")) {
+        Check(row, [&](ScriptedComponent& c) {
+            c.local = Ints(row[1]);
+            for (const std::string& answers : List(row[2])) {
+                std::istringstream in(answers);
+                std::string member;
+                in >> member;
+                for (int n; in >> n;) c.results[member].push_back(n);
+            }
+            for (const std::string& member : List(row[3])) c.refused.insert(member);
+        });
+    }
     Check("a customer just added to the server goes up whole",
           [](ScriptedComponent& c) {
               c.local = {1};
@@ -243,57 +238,14 @@ TEST(SyncRun, DataFilesAndFormsMoveWithTheRecordsTheyBelongTo) {
            "SyncDownloadP99Inin /data/prefcustom.dat 4 0 True"},
           {"SyncUploadP99Inin /data/prefcustom.dat 3"});
 
-    // Machinery lists go up per data file when the stamps say so, and are never fetched.
-    const auto machinery = [](int mainFlag, int machineFlag) {
-        return [=](ScriptedComponent& c) {
+    for (const Row& row : Cases("machinery")) {
+        Check(row, [&](ScriptedComponent& c) {
             c.local = {1};
-            c.flags[{1, 38}] = mainFlag;
-            c.flags[{1, 39}] = machineFlag;
+            c.flags[{1, 38}] = std::stoi(row[1]);
+            c.flags[{1, 39}] = std::stoi(row[2]);
             c.forms[{"t99_KIKAIICHIRAN_MAIN", 1}] = {{5, true}, {0, true}, {2.5, false}};
-        };
-    };
-    const std::string kListUp = "SyncUploadP99KikaiIchiran";
-    const Calls kBothUp = {kListUp + " /data/prefcustom.dat 1 5 True",
-                           kListUp + " /data/prefcustom.dat 1 2.5 False"};
-    Check("local newer", machinery(2, 0), kAsk, Counts{0, 2}, kBothUp,
-          {kListUp + " /data/prefcustom.dat 1 0"});
-    Check("only the machines changed", machinery(0, 2), kAsk, Counts{0, 2}, kBothUp);
-    Check("machines never stamped as agreed", machinery(0, 3), kAsk, Counts{}, {}, {kListUp});
-    Check("the server's copy newer", machinery(1, 0), kAsk, Counts{0, 0, 0, 0, 0, 3}, {}, {kListUp},
-          {"customer 1 machinery list: the server's copy is newer; it cannot be"});
-    Check("both moved, local preferred", machinery(3, 0), kLocal, Counts{0, 2}, kBothUp);
-    Check("both moved, skipped", machinery(3, 0), kSkip, Counts{0, 0, 1, 0, 0, 1}, {}, {kListUp});
-    Check("dry run", machinery(2, 0), kDry, Counts{0, 0, 0, 0, 2, 3}, {}, {kListUp});
-}
-
-TEST(SyncRun, FailedExchangesAreFailuresNeverAgreement) {
-    const auto refused = [](std::string member, std::vector<std::int32_t> local = {1, 2}) {
-        return [=](ScriptedComponent& c) {
-            Answers(local, {{"CompareCustomerMemoList", {2}}})(c);
-            c.refused.insert(member);
-        };
-    };
-    const Counts kOne{0, 0, 0, 1, 0, 1};
-    Check("the roster refused", refused("CompareCustomerList"), kAsk, kOne, {}, {"LockCoustomer"},
-          {"roster: the server's roster could not be read"});
-    Check("every comparison of a kind refused", refused("CompareCustomerMemoList"), kAsk,
-          Counts{0, 0, 0, 2, 0, 1}, {}, {kMemoUp}, {"customer 2 memos: the comparison failed"});
-    Check("an upload refused though it answered 1", refused(kMemoUp, {1}), kAsk, kOne, {}, {},
-          {"customer 1 memos: SyncUploadCustomerMemoList failed"});
-    Check("a master page refused", refused("CompareMasterYakushoku", {}), kAsk, kOne, {},
-          {"SyncDownloadMasterYakushoku", "LockMasterData"},
-          {"post master: the comparison failed"});
-    Check("the backup target check refused", refused("CheckInetEnabledFlags"), kAsk,
-          Counts{0, 2, 0, 1, 0, 1}, {}, {"ShowSelectCustEnabledDlg"},
-          {"backup targets: the check failed"});
-    Check("backup targets out of balance: a person chooses, only targets are walked",
-          Answers({1, 2}, {{"CheckInetEnabledFlags", {3}}, {"CustmerInetEnabledFlag", {0, 1}}}),
-          kAsk, Counts{}, {"ShowSelectCustEnabledDlg /data/Customer.dat 2", "LockCoustomer 2"},
-          {"LockCoustomer 1", "CustmerBackupedTableSyncFlag 1 "},
-          {"customer 1: not a backup target", "customers:   1\n"});
-    Check("backup targets out of balance, unattended",
-          Answers({1, 2}, {{"CheckInetEnabledFlags", {0}}}), kServer, Counts{0, 0, 1, 0, 0, 1}, {},
-          {"ShowSelectCustEnabledDlg"}, {"the choice of customers needs a person"});
+        });
+    }
 }
 
 TEST(SyncRun, TablesNoMemberMovesAreToldByTheirStamps) {

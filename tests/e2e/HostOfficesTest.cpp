@@ -37,6 +37,33 @@ fs::path HostOfficesTest::MakeOffice(const std::string& name, const SampleDataOp
     return Db(name);
 }
 
+SampleDataOptions HostOfficesTest::Generated(std::int32_t customers) {
+    SampleDataOptions data;
+    data.customers = customers;
+    data.neverSynced = true;
+    data.tradeGrid = true;
+    data.dataFiles = true;
+    return data;
+}
+
+SampleDataOptions HostOfficesTest::FreshHost() {
+    SampleDataOptions data = Generated(0);
+    data.hostSampleCustomer = true;
+    return data;
+}
+
+void HostOfficesTest::FirstSync(const std::string& name, const SampleDataOptions& data) {
+    MakeOffice(name, data);
+    ASSERT_TRUE(Login(name));
+    ExpectClean(Sync(name));
+}
+
+void HostOfficesTest::BothOfficesHold(std::int32_t customers) {
+    FirstSync("a", Generated(customers));
+    Advance(std::chrono::minutes(2));
+    FirstSync("b", FreshHost());
+}
+
 bool HostOfficesTest::Login(const std::string& name) {
     UseOffice(name);
     State().SetClock(localClock_);

@@ -26,11 +26,23 @@ protected:
     // Databases for an office ("a" logs in as u1, "b" as u2) under its own folder; the
     // customer database's path.
     std::filesystem::path MakeOffice(const std::string& name, const SampleDataOptions& data);
+    // Generated customers never synchronised, with trade grids and data files.
+    static SampleDataOptions Generated(std::int32_t customers);
+    // A fresh host's databases: its sample customer alone.
+    static SampleDataOptions FreshHost();
+    // The office made, logged in, and its first run clean.
+    void FirstSync(const std::string& name, const SampleDataOptions& data);
+    // Office a's customers sent up, and office b, fresh, taking them two minutes later.
+    void BothOfficesHold(std::int32_t customers);
     // The office's login, its password saved; true when logged in.
     bool Login(const std::string& name);
     // A run of the office as a new process of the host runs it; its output in `out_`.
     cli::SyncSummary Sync(const std::string& name, cli::Prefer prefer = cli::Prefer::Skip,
                           bool dryRun = false, const std::filesystem::path& journal = {});
+    // The last run's output holds the text.
+    void ExpectTold(const std::string& text) const {
+        EXPECT_NE(out_.find(text), std::string::npos) << out_;
+    }
     // Logged in, and nothing failed or was left unresolved.
     void ExpectClean(const cli::SyncSummary& summary) const;
     // The server's clock and the offices' move on together.

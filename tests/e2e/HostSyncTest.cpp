@@ -16,21 +16,6 @@ using namespace std::chrono_literals;
 using cli::Prefer;
 using cli::SyncSummary;
 
-SampleDataOptions Generated(std::int32_t customers) {
-    SampleDataOptions data;
-    data.customers = customers;
-    data.neverSynced = true;
-    data.tradeGrid = true;
-    data.dataFiles = true;
-    return data;
-}
-
-SampleDataOptions FreshHost() {
-    SampleDataOptions data = Generated(0);
-    data.hostSampleCustomer = true;
-    return data;
-}
-
 int Moves(const SyncSummary& s) { return s.downloads + s.uploads; }
 
 class HostSyncTest : public HostOfficesTest {
@@ -84,13 +69,7 @@ TEST_F(HostSyncTest, ADryRunWritesNothingLocallyOrOnTheServer) {
 }
 
 TEST_F(HostSyncTest, AnEditWithinAMinuteOfTheOtherOfficesDownloadIsNeverOverwritten) {
-    MakeOffice("a", Generated(1));
-    ASSERT_TRUE(Login("a"));
-    ExpectClean(Sync("a"));
-    Advance(2min);
-    MakeOffice("b", FreshHost());
-    ASSERT_TRUE(Login("b"));
-    ExpectClean(Sync("b"));  // b takes customer 1
+    BothOfficesHold(1);
     ASSERT_EQ(Memos("b", 1), Memos("a", 1));
 
     // A few seconds later a sends an edit; then b edits the same memos.
@@ -98,24 +77,22 @@ TEST_F(HostSyncTest, AnEditWithinAMinuteOfTheOtherOfficesDownloadIsNeverOverwrit
     EditMemos("a", 1, "edited by a");
     const SyncSummary up = Sync("a");
     ExpectClean(up);
-    ASSERT_NE(out_.find("customer 1 memos: uploaded"), std::string::npos) << out_;
+    ExpectTold("customer 1 memos: uploaded");
     Advance(2min);
     EditMemos("b", 1, "edited by b");
 
     // The stamps alone see only b's edit: without the journal b would send it over a's.
     Sync("b", Prefer::Skip, true, Folder("b") / "no-journal");
-    EXPECT_NE(out_.find("customer 1 memos: would upload"), std::string::npos) << out_;
+    ExpectTold("customer 1 memos: would upload");
 
     const SyncSummary skipped = Sync("b", Prefer::Skip);
-    EXPECT_NE(out_.find("customer 1 memos: the server changed since the last agreement"),
-              std::string::npos)
-        << out_;
+    ExpectTold("customer 1 memos: the server changed since the last agreement");
     EXPECT_EQ(skipped.conflicts, 1) << out_;
     EXPECT_EQ(out_.find("memos: uploaded"), std::string::npos) << out_;
 
     const SyncSummary taken = Sync("b", Prefer::Server);
     EXPECT_EQ(taken.failures, 0) << out_;
-    EXPECT_NE(out_.find("customer 1 memos: downloaded"), std::string::npos) << out_;
+    ExpectTold("customer 1 memos: downloaded");
     EXPECT_EQ(Memos("b", 1), Memos("a", 1)) << "a's edit reached b";
     EXPECT_NE(Memos("b", 1).find("edited by a"), std::string::npos);
     Advance(2min);
@@ -125,14 +102,11 @@ TEST_F(HostSyncTest, AnEditWithinAMinuteOfTheOtherOfficesDownloadIsNeverOverwrit
 // The next day's run finds yesterday's login lapsed at the server; the saved password renews
 // it without anyone at the screen.
 TEST_F(HostSyncTest, ALoginThatLapsedOvernightIsRenewedWithTheSavedPassword) {
-    MakeOffice("a", Generated(1));
-    ASSERT_TRUE(Login("a"));
-    ExpectClean(Sync("a"));
+    FirstSync("a", Generated(1));
     Advance(std::chrono::hours(20));
     const SyncSummary next = Sync("a");
     ExpectClean(next);
-    EXPECT_NE(out_.find("login: logged in afresh (the saved login had lapsed)"), std::string::npos)
-        << out_;
+    ExpectTold("login: logged in afresh (the saved login had lapsed)");
     EXPECT_EQ(Moves(next), 0) << out_;
 }
 
@@ -157,19 +131,16 @@ TEST_F(HostSyncTest, ADelegationDownloadCutBetweenItsTwoCommitsIsTakenUpAgain) {
         "CREATE TRIGGER cut BEFORE INSERT ON t99_ININ_SUB BEGIN SELECT RAISE(ABORT, 'cut'); END;");
     const SyncSummary cut = Sync("b");
     EXPECT_GT(cut.failures, 0) << out_;
-    ASSERT_NE(out_.find("customer 1 delegation records: SyncDownloadP99Inin failed"),
-              std::string::npos)
-        << out_;
+    ExpectTold("customer 1 delegation records: SyncDownloadP99Inin failed");
     ASSERT_TRUE(list("b").empty());
     Sql(prefDb, "DROP TRIGGER cut;");
 
     Advance(2min);
     ExpectClean(Sync("b"));
-    EXPECT_NE(out_.find("customer 1 delegation records: the last download was cut off before it "
-                        "finished; it is taken up again"),
-              std::string::npos)
-        << out_;
-    EXPECT_NE(out_.find("customer 1 delegation records: downloaded"), std::string::npos) << out_;
+    ExpectTold(
+        "customer 1 delegation records: the last download was cut off before it finished; it is "
+        "taken up again");
+    ExpectTold("customer 1 delegation records: downloaded");
     EXPECT_EQ(list("b"), list("a")) << out_;
     Advance(2min);
     const SyncSummary quiet = Sync("b");
@@ -187,15 +158,7 @@ protected:
 };
 
 TEST_P(ClockSkewTest, ASecondSyncMovesNothingAndAnEditOnEitherSideIsFound) {
-    MakeOffice("a", Generated(1));
-    ASSERT_TRUE(Login("a"));
-    ExpectClean(Sync("a"));
-    Advance(2min);
-    EXPECT_EQ(Moves(Sync("a")), 0) << out_;
-
-    MakeOffice("b", FreshHost());
-    ASSERT_TRUE(Login("b"));
-    ExpectClean(Sync("b"));
+    BothOfficesHold(1);
     Advance(2min);
     EXPECT_EQ(Moves(Sync("b")), 0) << out_;
     EXPECT_EQ(Moves(Sync("a")), 0) << out_;
@@ -210,10 +173,10 @@ TEST_P(ClockSkewTest, ASecondSyncMovesNothingAndAnEditOnEitherSideIsFound) {
         EditMemos(e.by, 1, std::string("edited by ") + e.by);
         Advance(2min);
         ExpectClean(Sync(e.by));
-        EXPECT_NE(out_.find("customer 1 memos: uploaded"), std::string::npos) << out_;
+        ExpectTold("customer 1 memos: uploaded");
         Advance(2min);
         ExpectClean(Sync(e.other));
-        EXPECT_NE(out_.find("customer 1 memos: downloaded"), std::string::npos) << out_;
+        ExpectTold("customer 1 memos: downloaded");
         EXPECT_EQ(Memos(e.other, 1), Memos(e.by, 1));
         Advance(2min);
         EXPECT_EQ(Moves(Sync(e.by)), 0) << out_;
@@ -230,13 +193,7 @@ INSTANTIATE_TEST_SUITE_P(ServerClockOff, ClockSkewTest,
                          });
 
 TEST_F(HostSyncTest, UnchangedCustomersAreNotWalkedYetAnEditOnEitherSideIsStillFound) {
-    MakeOffice("a", Generated(2));
-    ASSERT_TRUE(Login("a"));
-    ExpectClean(Sync("a"));
-    Advance(2min);
-    MakeOffice("b", FreshHost());
-    ASSERT_TRUE(Login("b"));
-    ExpectClean(Sync("b"));
+    BothOfficesHold(2);
     Advance(2min);
     for (const char* office : {"a", "b", "a"}) {
         const SyncSummary quiet = Sync(office);
@@ -278,11 +235,11 @@ TEST_F(HostSyncTest, UnchangedCustomersAreNotWalkedYetAnEditOnEitherSideIsStillF
         const SyncSummary here = Sync(change.office);
         ExpectClean(here);
         EXPECT_EQ(here.unchanged, 1) << out_;
-        EXPECT_NE(out_.find(change.here), std::string::npos) << out_;
+        ExpectTold(change.here);
         Advance(2min);
         const SyncSummary there = Sync(other);
         ExpectClean(there);
-        EXPECT_NE(out_.find(change.there), std::string::npos) << out_;
+        ExpectTold(change.there);
         EXPECT_EQ(there.unchanged, 1) << out_;
         Advance(2min);
         for (const std::string& office : {std::string(change.office), other})
@@ -296,7 +253,7 @@ TEST_F(HostSyncTest, UnchangedCustomersAreNotWalkedYetAnEditOnEitherSideIsStillF
         "UPDATE tCustomerHistory SET disabled = 1 WHERE id = (SELECT MIN(id) FROM "
         "tCustomerHistory WHERE disabled = 0 AND CustomerID = 2);");
     EXPECT_EQ(Sync("a", Prefer::Skip, true).unchanged, 1) << out_;
-    EXPECT_NE(out_.find("customer 2 memos"), std::string::npos) << out_;
+    ExpectTold("customer 2 memos");
 }
 
 }  // namespace

@@ -6,9 +6,7 @@
 
 namespace morvane::test {
 
-namespace {
-
-std::vector<std::string> Split(const std::string& text, std::string_view sep) {
+std::vector<std::string> Golden::Split(const std::string& text, std::string_view sep) {
     std::vector<std::string> parts;
     std::size_t from = 0;
     for (std::size_t at; (at = text.find(sep, from)) != std::string::npos; from = at + sep.size())
@@ -17,7 +15,10 @@ std::vector<std::string> Split(const std::string& text, std::string_view sep) {
     return parts;
 }
 
-}  // namespace
+std::string Golden::Unescaped(std::string text) {
+    for (std::size_t at; (at = text.find("\\n")) != std::string::npos;) text.replace(at, 2, "\n");
+    return text;
+}
 
 Golden::Golden(std::string_view file) : file_(file) {
     const std::string path = std::string(MORVANE_TEST_DATA_DIR) + "/" + file_;
