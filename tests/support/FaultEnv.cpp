@@ -8,123 +8,60 @@
 
 namespace morvane::test {
 
-// SQLite's own files wrapped, so that a database's writes meet the same faults as a file's.
+// The system's SQLite files with their writes sent through the environment first, so that a
+// database's writes meet the same faults as a file's. A file is the system's own, followed by
+// the Vfs it was opened through.
 struct FaultEnv::Vfs {
-    struct File {
-        sqlite3_file base;
-        FaultEnv* env;
-        sqlite3_file* real;  // lives right behind this struct
-    };
-
     explicit Vfs(FaultEnv& owner)
-        : env(&owner),
-          parent(sqlite3_vfs_find(nullptr)),
+        : parent(sqlite3_vfs_find(nullptr)),
+          env(&owner),
           name("morvane-fault-" + std::to_string(reinterpret_cast<std::uintptr_t>(this))) {
-        vfs.iVersion = 2;
-        vfs.szOsFile = static_cast<int>(sizeof(File)) + parent->szOsFile;
-        vfs.mxPathname = parent->mxPathname;
+        vfs = *parent;
+        vfs.pNext = nullptr;
+        vfs.szOsFile = parent->szOsFile + static_cast<int>(sizeof(Vfs*));
         vfs.zName = name.c_str();
-        vfs.pAppData = this;
+        vfs.pAppData = this;  // the system's xOpen is called with its own
         vfs.xOpen = Open;
-        vfs.xDelete = [](sqlite3_vfs* v, const char* n, int sync) {
-            return Parent(v)->xDelete(Parent(v), n, sync);
-        };
-        vfs.xAccess = [](sqlite3_vfs* v, const char* n, int f, int* out) {
-            return Parent(v)->xAccess(Parent(v), n, f, out);
-        };
-        vfs.xFullPathname = [](sqlite3_vfs* v, const char* n, int size, char* out) {
-            return Parent(v)->xFullPathname(Parent(v), n, size, out);
-        };
-        vfs.xRandomness = [](sqlite3_vfs* v, int n, char* out) {
-            return Parent(v)->xRandomness(Parent(v), n, out);
-        };
-        vfs.xSleep = [](sqlite3_vfs* v, int us) { return Parent(v)->xSleep(Parent(v), us); };
-        vfs.xCurrentTime = [](sqlite3_vfs* v, double* t) {
-            return Parent(v)->xCurrentTime(Parent(v), t);
-        };
-        vfs.xGetLastError = [](sqlite3_vfs* v, int n, char* out) {
-            return Parent(v)->xGetLastError(Parent(v), n, out);
-        };
-        vfs.xCurrentTimeInt64 = [](sqlite3_vfs* v, sqlite3_int64* t) {
-            return Parent(v)->xCurrentTimeInt64(Parent(v), t);
-        };
         sqlite3_vfs_register(&vfs, 0);
     }
     ~Vfs() { sqlite3_vfs_unregister(&vfs); }
     Vfs(const Vfs&) = delete;
     Vfs& operator=(const Vfs&) = delete;
 
-    static Vfs& Of(sqlite3_vfs* v) { return *static_cast<Vfs*>(v->pAppData); }
-    static sqlite3_vfs* Parent(sqlite3_vfs* v) { return Of(v).parent; }
-    static sqlite3_file* Real(sqlite3_file* f) { return reinterpret_cast<File*>(f)->real; }
+    static Vfs*& Of(sqlite3_file* f) {
+        const auto parentSize = static_cast<std::size_t>(sqlite3_vfs_find(nullptr)->szOsFile);
+        return *reinterpret_cast<Vfs**>(reinterpret_cast<char*>(f) + parentSize);
+    }
 
     static int Open(sqlite3_vfs* v, sqlite3_filename name, sqlite3_file* f, int flags, int* out) {
-        auto* file = reinterpret_cast<File*>(f);
-        file->env = Of(v).env;
-        file->real = reinterpret_cast<sqlite3_file*>(file + 1);
-        file->base.pMethods = nullptr;
-        const int rc = Parent(v)->xOpen(Parent(v), name, file->real, flags, out);
-        if (file->real->pMethods) file->base.pMethods = &kMethods;
+        Vfs& self = *static_cast<Vfs*>(v->pAppData);
+        const int rc = self.parent->xOpen(self.parent, name, f, flags, out);
+        Of(f) = &self;
+        if (f->pMethods && !self.real) {
+            self.real = f->pMethods;
+            self.methods = *self.real;
+            self.methods.xWrite = Write;
+        }
+        if (f->pMethods == self.real) f->pMethods = &self.methods;
         return rc;
     }
 
-    static const sqlite3_io_methods kMethods;
-
-    FaultEnv* env;
-    sqlite3_vfs* parent;
-    std::string name;
-    sqlite3_vfs vfs{};
-};
-
-const sqlite3_io_methods FaultEnv::Vfs::kMethods = {
-    3,
-    [](sqlite3_file* f) {
-        sqlite3_file* real = Real(f);
-        const int rc = real->pMethods->xClose(real);
-        f->pMethods = nullptr;
-        return rc;
-    },
-    [](sqlite3_file* f, void* into, int n, sqlite3_int64 at) {
-        return Real(f)->pMethods->xRead(Real(f), into, n, at);
-    },
-    [](sqlite3_file* f, const void* from, int n, sqlite3_int64 at) {
+    static int Write(sqlite3_file* f, const void* from, int n, sqlite3_int64 at) {
+        const Vfs& self = *Of(f);
         std::size_t size = static_cast<std::size_t>(n);
-        if (const int err = reinterpret_cast<File*>(f)->env->AllowWrite(size))
+        if (const int err = self.env->AllowWrite(size))
             return err == ENOSPC ? SQLITE_FULL : SQLITE_IOERR_WRITE;
-        if (size < static_cast<std::size_t>(n)) {
-            // Part of it fits: the disk takes that much, and then it is full.
-            Real(f)->pMethods->xWrite(Real(f), from, static_cast<int>(size), at);
-            return SQLITE_FULL;
-        }
-        return Real(f)->pMethods->xWrite(Real(f), from, n, at);
-    },
-    [](sqlite3_file* f, sqlite3_int64 size) { return Real(f)->pMethods->xTruncate(Real(f), size); },
-    [](sqlite3_file* f, int flags) { return Real(f)->pMethods->xSync(Real(f), flags); },
-    [](sqlite3_file* f, sqlite3_int64* size) {
-        return Real(f)->pMethods->xFileSize(Real(f), size);
-    },
-    [](sqlite3_file* f, int lock) { return Real(f)->pMethods->xLock(Real(f), lock); },
-    [](sqlite3_file* f, int lock) { return Real(f)->pMethods->xUnlock(Real(f), lock); },
-    [](sqlite3_file* f, int* out) { return Real(f)->pMethods->xCheckReservedLock(Real(f), out); },
-    [](sqlite3_file* f, int op, void* arg) {
-        return Real(f)->pMethods->xFileControl(Real(f), op, arg);
-    },
-    [](sqlite3_file* f) { return Real(f)->pMethods->xSectorSize(Real(f)); },
-    [](sqlite3_file* f) { return Real(f)->pMethods->xDeviceCharacteristics(Real(f)); },
-    [](sqlite3_file* f, int page, int size, int extend, void volatile** out) {
-        return Real(f)->pMethods->xShmMap(Real(f), page, size, extend, out);
-    },
-    [](sqlite3_file* f, int offset, int n, int flags) {
-        return Real(f)->pMethods->xShmLock(Real(f), offset, n, flags);
-    },
-    [](sqlite3_file* f) { Real(f)->pMethods->xShmBarrier(Real(f)); },
-    [](sqlite3_file* f, int remove) { return Real(f)->pMethods->xShmUnmap(Real(f), remove); },
-    [](sqlite3_file* f, sqlite3_int64 at, int n, void** out) {
-        return Real(f)->pMethods->xFetch(Real(f), at, n, out);
-    },
-    [](sqlite3_file* f, sqlite3_int64 at, void* p) {
-        return Real(f)->pMethods->xUnfetch(Real(f), at, p);
-    },
+        // Part of it fits: the disk takes that much, and then it is full.
+        const int rc = self.real->xWrite(f, from, static_cast<int>(size), at);
+        return size < static_cast<std::size_t>(n) ? SQLITE_FULL : rc;
+    }
+
+    sqlite3_vfs vfs{};
+    sqlite3_vfs* parent;
+    FaultEnv* env;
+    std::string name;
+    const sqlite3_io_methods* real = nullptr;  // the system's, which every file of it shares
+    sqlite3_io_methods methods{};
 };
 
 FaultEnv::FaultEnv(platform::Env& target)
