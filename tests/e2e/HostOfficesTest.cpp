@@ -8,8 +8,8 @@
 #include "platform/Clock.h"
 #include "platform/Dao.h"
 #include "state/ProcessState.h"
+#include "store/StoreTestUtil.h"
 #include "support/FileBytes.h"
-#include "util/Nz.h"
 
 namespace morvane::test {
 
@@ -110,16 +110,13 @@ void HostOfficesTest::EditMemos(const std::string& name, std::int32_t custId,
                  "# WHERE disabled = 0 AND CustomerID = " + std::to_string(custId));
 }
 
-std::string HostOfficesTest::Memos(const std::string& name, std::int32_t custId) {
-    dao::Workspace ws("", "");
-    auto rs = ws.OpenDatabase(Db(name).string())
-                  .OpenRecordset(
-                      "SELECT History FROM tCustomerHistory WHERE disabled = 0 AND "
-                      "CustomerID = " +
-                      std::to_string(custId) + " ORDER BY id");
-    std::string all;
-    for (; !rs->Eof(); rs->MoveNext()) all += NzString((*rs)["History"]) + "\n";
-    return all;
+std::vector<std::string> HostOfficesTest::Memos(const std::string& name, std::int32_t custId) {
+    auto memos =
+        Rows(Db(name), "SELECT History FROM tCustomerHistory WHERE disabled = 0 AND CustomerID = " +
+                           std::to_string(custId) + " ORDER BY id");
+    for (std::string& memo : memos)
+        if (memo == "<null>") memo.clear();  // a download writes an empty memo as ""
+    return memos;
 }
 
 std::map<std::string, std::string> HostOfficesTest::Fingerprint(

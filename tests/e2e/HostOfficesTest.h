@@ -49,7 +49,7 @@ protected:
     void Advance(std::chrono::seconds by);
     // Sets the text of a customer's live memos, stamped now by the office's clock.
     void EditMemos(const std::string& name, std::int32_t custId, const std::string& text);
-    std::string Memos(const std::string& name, std::int32_t custId);
+    std::vector<std::string> Memos(const std::string& name, std::int32_t custId);
     // Every file under the folders by its path, with a digest of its bytes; the login token
     // the server rotates with every reply is left out of the settings.
     static std::map<std::string, std::string> Fingerprint(

@@ -11,6 +11,7 @@
 #include "session/mdlLogin.h"
 #include "store/LocalDatabases.h"
 #include "store/StoreTestUtil.h"
+#include "support/Golden.h"
 #include "transport/RequestBody.h"
 #include "transport/mdlServerConst.h"
 #include "transport/mdlServerReply.h"
@@ -56,15 +57,7 @@ constexpr const char* kItemColumns =
 
 TEST_F(PrefectureFormsTest, TheDelegationFormTravelsFromOneOfficeToTheOther) {
     const std::string dbA = UseOffice("a");
-    Sql(dbA,
-        "INSERT INTO t99_ININ_MAIN (id, CustomerID, disabled, vno, MakeDate, SubShokuin, "
-        "SelectDetail, SelectSubShokuin, PrintDate, PrintSubShokuin, RecordUpdate) VALUES "
-        "(1, 4, 0, 1, '2024-03-01 00:00:00', '補助者&<一郎>', 1, 2, 1, 0, '2024-05-01 10:00:00');"
-        "INSERT INTO t99_ININ_SUB (id, CustomerID, disabled, vno, IninTitle, IninDetail0, "
-        "IninDetail1, IninDetail2, IninDetail3, RecordUpdate) VALUES "
-        "(1, 4, 0, 1, '許可申請', 'a=b', '', 'x&y', '最後', '2024-05-01 10:00:00'), "
-        "(2, 4, 1, 2, 'freed', '', '', '', '', '2024-05-01 10:00:00'), "
-        "(3, 4, 0, 3, '変更届', 'd0', 'd1', 'd2', 'd3', '2024-05-01 10:00:00');");
+    Sql(dbA, Golden("e2e/prefecture-forms.txt")["delegation form"]);
     ctrlMorvane a;
     ASSERT_TRUE(DoLogin("u1", "secret-1", kContract));
     CreateCustomer(kCustomer);
@@ -88,13 +81,7 @@ TEST_F(PrefectureFormsTest, TheDelegationFormTravelsFromOneOfficeToTheOther) {
 
 TEST_F(PrefectureFormsTest, MachineryListsAreKeptPerDataFileAndAnEmptiedListEmptiesTheServers) {
     const std::string db = UseOffice("a");
-    Sql(db,
-        "INSERT INTO t99_KIKAIICHIRAN_MAIN (id, CustomerID, disabled, DataFileID, DataFileID_KY, "
-        "CorpName0) VALUES (1, 4, 0, 5, NULL, 'K5'), (2, 4, 0, NULL, 5, 'Y5'), "
-        "(3, 4, 0, 2.5, NULL, 'K2.5');"
-        "INSERT INTO t99_KIKAIICHIRAN_SUB (id, CustomerID, disabled, DataFileID, DataFileID_KY, "
-        "vno, Maker) VALUES (1, 4, 0, 5, NULL, '2', 'M&2'), (2, 4, 0, 5, NULL, '1', 'M1'), "
-        "(3, 4, 0, NULL, 5, '1', 'Y1'), (4, 4, 0, 2.5, NULL, '1', 'half');");
+    Sql(db, Golden("e2e/prefecture-forms.txt")["machinery lists"]);
     ctrlMorvane a;
     ASSERT_TRUE(DoLogin("u1", "secret-1", kContract));
     CreateCustomer(kCustomer);
