@@ -34,14 +34,6 @@ class LinkageTest : public OfficeServerTest {
 protected:
     void SetUp() override { StartServer(); }
 
-    // Office A with three sample customers, each with its whole trade grid.
-    std::string OfficeA() {
-        SampleDataOptions data;
-        data.customers = 3;
-        data.tradeGrid = true;
-        return UseOfficeDb("a", data);
-    }
-
     // Back-dates every row of the four kinds, so that any row a step writes shows.
     static void BackDate(const std::string& db) {
         std::string sql;
@@ -112,7 +104,8 @@ TEST_F(LinkageTest, TheFourKindsTravelAsOneAndADownloadWritesOnlyWhatDiffers) {
 }
 
 TEST_F(LinkageTest, AnUploadStopsAtTheFirstKindThatFails) {
-    const std::string dbA = OfficeA();
+    // Office A with three sample customers, each with its whole trade grid.
+    const std::string dbA = UseOfficeDb("a", {.customers = 3, .tradeGrid = true});
     // No staff: the staff upload fails without sending, so the offices never go.
     dao::RunScript(dbA, "DELETE FROM tCustomerMeibo WHERE CustomerID = 2;");
     ctrlMorvane a;
@@ -126,7 +119,8 @@ TEST_F(LinkageTest, AnUploadStopsAtTheFirstKindThatFails) {
 }
 
 TEST_F(LinkageTest, TheCodeTravelsAloneAndAnEmptyCodeNotAtAll) {
-    const std::string dbA = OfficeA();
+    // Office A with three sample customers, each with its whole trade grid.
+    const std::string dbA = UseOfficeDb("a", {.customers = 3, .tradeGrid = true});
     ctrlMorvane a;
     LogInAndCreate("u1", "secret-1", 2, "C00002");
     ASSERT_EQ(a.SyncUploadCustomerKihonNormal(dbA, 2), 1);

@@ -13,7 +13,6 @@ void ScriptedToolkit::ClearRecords() {
     shown_.clear();
     unanswered_.clear();
     urls_.clear();
-    trashed_.clear();
     pointerResets_ = 0;
 }
 
@@ -73,7 +72,6 @@ int ScriptedToolkit::OpenUrl(const std::string& url) {
 }
 
 int ScriptedToolkit::MoveToTrash(const std::string& path) {
-    trashed_.push_back(path);
     std::error_code ec;
     return std::filesystem::remove(path, ec) ? 0 : 1;
 }

@@ -39,7 +39,6 @@ public:
     // Forms that stayed up with no script to answer them.
     const std::vector<std::string>& Unanswered() const { return unanswered_; }
     const std::vector<std::string>& OpenedUrls() const { return urls_; }
-    const std::vector<std::string>& TrashedFiles() const { return trashed_; }
     int PointerResets() const { return pointerResets_; }
     void ClearRecords();
 
@@ -68,7 +67,6 @@ private:
     std::vector<Shown> shown_;
     std::vector<std::string> unanswered_;
     std::vector<std::string> urls_;
-    std::vector<std::string> trashed_;
     std::set<forms::Timer*> live_;
     int pointerResets_ = 0;
     int openUrlResult_ = 33;
