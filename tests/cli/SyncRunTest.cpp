@@ -150,6 +150,7 @@ TEST(SyncRun, TheRosterIsReconciledWithoutEverDeletingWhatNobodyChoseToDelete) {
                 requests.push_back(call);
         EXPECT_EQ(requests, List(row[7])) << o.out;
         EXPECT_EQ(o.counts, CountsOf(row[8])) << o.out;
+        for (const std::string& text : List(row[9])) EXPECT_TRUE(o.Says(text)) << text << o.out;
         // The snapshot is read after the roster moved, never after a cancel.
         EXPECT_EQ(c.CalledInOrder({requests.back(), "CustmerBackupedTableSyncFlag"}), dialog != -1);
         EXPECT_EQ(c.Called("CheckInetEnabledFlags"), !options.dryRun && dialog != -1)
