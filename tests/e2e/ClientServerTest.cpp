@@ -24,7 +24,8 @@ protected:
     void SetUp() override { StartServer(); }
 };
 
-TEST_F(ClientServerTest, LoginTakesTheAccountAndWrongPasswordsAreRefused) {
+TEST_F(ClientServerTest,
+       LoginTakesTheAccountRefusesWrongPasswordsAndItsTokenRotatesUntilItExpires) {
     UseOffice("a");
     ctrlMorvane obj;
     EXPECT_TRUE(DoLogin("u1", "secret-1", kContract));
@@ -42,11 +43,8 @@ TEST_F(ClientServerTest, LoginTakesTheAccountAndWrongPasswordsAreRefused) {
     EXPECT_FALSE(DoLogin("u1", "secret-1", "K-999"));
     EXPECT_NE(obj.LoginState(), 1);
     EXPECT_TRUE(kit_->Boxes().empty());  // the login exchange itself tells nothing
-}
 
-TEST_F(ClientServerTest, TokensRotateAndAnExpiredLoginAsksForTheDialog) {
-    UseOffice("a");
-    ctrlMorvane obj;
+    // Each reply brings a new token; an expired one asks for the login dialog.
     ASSERT_TRUE(DoLogin("u1", "secret-1", kContract));
     const std::string first = GetLoginToken();
     ASSERT_NE(SendRequest(page::kGetKessanTaioh, UpperBody()), "");
