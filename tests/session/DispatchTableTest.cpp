@@ -1,8 +1,10 @@
-// Members by name: lookup without case, typed arguments, and the errors of a wrong call.
+// Members by name: the dispatch table against the public interface, lookup without case, typed
+// arguments, and the errors of a wrong call.
 #include <gtest/gtest.h>
 
 #include "component/DispatchTable.h"
 #include "state/ProcessState.h"
+#include "support/Golden.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {
@@ -10,13 +12,32 @@ namespace {
 
 class DispatchTableTest : public MorvaneTest {};
 
+TEST_F(DispatchTableTest, TheTableHoldsExactlyThePublicInterface) {
+    std::map<std::string, size_t> expected;
+    for (const auto& row : Golden("session/public-members.txt").Table("members"))
+        if (row.size() == 2) expected[row[0]] = std::stoul(row[1]);
+    ASSERT_EQ(expected.size(), 132u) << "the list itself";
+    const DispatchTable& table = DispatchTable::Instance();
+    std::string missing, wrongArgs, extra;
+    for (const auto& [name, argc] : expected) {
+        const DispatchMember* m = table.Find(name);
+        if (!m)
+            missing += " " + name;
+        else if (m->params.size() != argc)
+            wrongArgs += " " + name + "(" + std::to_string(m->params.size()) + ")";
+    }
+    for (const DispatchMember& m : table.Members())
+        if (!expected.count(m.name)) extra += " " + m.name;
+    EXPECT_EQ(missing + "|" + wrongArgs + "|" + extra, "||")
+        << "missing | another argument count | beside the public interface";
+}
+
 TEST_F(DispatchTableTest, InOutParametersComeBackInTheArguments) {
     const DispatchMember* m = DispatchTable::Instance().Find("GetUploadCustomerListIDs");
     ASSERT_NE(m, nullptr);
     ASSERT_EQ(m->params.size(), 4u);
     EXPECT_FALSE(m->params[0].byRef);
     EXPECT_TRUE(m->params[1].byRef && m->params[2].byRef && m->params[3].byRef);
-
     // Without a roster in the slot the member gives 0 and leaves the texts as they were.
     ctrlMorvane obj;
     std::vector<DispatchArg> args{
