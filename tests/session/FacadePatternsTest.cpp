@@ -127,25 +127,14 @@ TEST_F(FacadePatternsTest, KeptWorkerUsesTheSlotAndFetchesOnlyUnderOptionOne) {
     EXPECT_FALSE(slot_);
 }
 
-TEST_F(FacadePatternsTest, UploadAndSlotRead) {
+// Reading a slot is the roster facade's test (CompareCustListFacadeTest.ChoicesComeBack...).
+TEST_F(FacadePatternsTest, UploadGivesOneOnlyForOneAndTrapsWhatItThrows) {
     EXPECT_EQ(facade::Upload<ProbeWorker>([](ProbeWorker&) { return 1; }), 1);
     EXPECT_EQ(facade::Upload<ProbeWorker>([](ProbeWorker&) { return 2; }), 0);
     EXPECT_EQ(facade::Upload<ProbeWorker>(
                   [](ProbeWorker&) -> std::int32_t { throw std::runtime_error("broken"); }),
               0);
     EXPECT_EQ(kit_->Boxes().size(), 1u);
-    std::function<std::string(ProbeWorker&)> text = [](ProbeWorker& w) {
-        return std::to_string(w.result);
-    };
-    EXPECT_EQ(facade::ReadSlot(slot_, text), "");
-    slot_ = std::make_unique<ProbeWorker>();
-    slot_->result = 4;
-    EXPECT_EQ(facade::ReadSlot(slot_, text), "4");
-    std::function<std::string(ProbeWorker&)> failing = [](ProbeWorker&) -> std::string {
-        throw std::runtime_error("x");
-    };
-    EXPECT_EQ(facade::ReadSlot(slot_, failing, std::string("none")), "none");
-    EXPECT_EQ(kit_->Boxes().size(), 1u);  // silently
 }
 
 }  // namespace

@@ -9,7 +9,6 @@
 #include <sstream>
 #include <streambuf>
 #include <string>
-#include <thread>
 
 #include "component/ctrlMorvane.h"
 #include "session/basTextEncrypt.h"
@@ -120,27 +119,6 @@ TEST_F(TtyTest, BoxWithChoicesIsAnswered) {
               forms::MsgResult::OK);
     EXPECT_EQ(MsgBox("q", forms::MsgIcon::Question, "t", forms::MsgButtons::RetryCancel),
               forms::MsgResult::Retry);
-}
-
-TEST_F(TtyTest, TimersTickWhenPumpedOnlyWhileLive) {
-    UseTty("", false);
-    forms::Form form(*tty_, "frmTicker", "ticker");
-    auto& timer = form.Add<forms::Timer>("tmr");
-    timer.onTimer = [&] { ++ticks_; };
-    timer.SetInterval(1);
-    timer.SetTimerEnabled(true);
-    const auto pause = [] { std::this_thread::sleep_for(std::chrono::milliseconds(5)); };
-    pause();
-    tty_->PumpTimers();
-    EXPECT_EQ(ticks_, 0);  // not loaded
-    form.Load();
-    pause();
-    tty_->DoEvents();
-    EXPECT_EQ(ticks_, 1);
-    form.Unload();
-    pause();
-    tty_->PumpTimers();
-    EXPECT_EQ(ticks_, 1);
 }
 
 // Hands out its text one character at a time, so nothing ever looks buffered ahead, as
