@@ -1,8 +1,10 @@
-// The login exchange end to end: the body sent, and what each kind of reply leaves behind.
+// The login exchange end to end: the body sent, what each kind of reply leaves behind, and the
+// login handed over between processes through the settings.
 #include <gtest/gtest.h>
 
 #include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
+#include "session/mdlLoginInfo.h"
 #include "state/ProcessState.h"
 #include "state/mdlRegConstMorvane.h"
 #include "support/Golden.h"
@@ -73,6 +75,45 @@ TEST_F(LoginTest, ResetKeepsTheTokenInTheStoreAndANewObjectResetsTheOption) {
     State().objectUsage = 1;
     ctrlMorvane second;
     EXPECT_EQ(State().objectUsage, 0);
+}
+
+TEST_F(LoginTest, SecondProcessTakesOverTheLoginAndClearLeavesNothing) {
+    ctrlMorvane first;
+    LogIn("TOK-1");
+    first.RegLoginInfoToPrefCustom();
+    EXPECT_EQ(Setting(reg::kParam1) + Setting(reg::kParam3) + Setting(reg::kMaxCustomer),
+              "user11250");
+    // A second process starts with an empty record and a token rotated meanwhile.
+    ctrlMorvane second;
+    SetSetting(reg::kParam2, "TOK-2");
+    EXPECT_EQ(second.LoginState(), 0);
+    second.GetLoginInfoFromPrefCustom();
+    EXPECT_EQ(second.LoginState(), 1);
+    EXPECT_EQ(GetLoginID() + GetLoginToken(), "user1TOK-2");
+    EXPECT_EQ(second.LoginAccountUserName() + second.LoginAccountSharedCount() +
+                  second.LoginAccountMaxCustomer(),
+              "山田 太郎3250");
+    // Taking over starts no keep-alive: the host asks for one.
+    EXPECT_EQ(State().loginTimer, nullptr);
+
+    second.ClearLoginInfoToPrefCustom();
+    for (const char* name : {reg::kParam1, reg::kParam2, reg::kParam3, reg::kUserName,
+                             reg::kContractEnd, reg::kSharedCount, reg::kMaxCustomer})
+        EXPECT_EQ(Setting(name), "") << name;
+    second.GetLoginInfoFromPrefCustom();
+    EXPECT_EQ(second.LoginState(), 0);
+    EXPECT_EQ(second.LoginAccountSharedCount() + second.LoginAccountMaxCustomer(), "00");
+}
+
+TEST_F(LoginTest, OneNonEmptyParamStillWritesTheAccount) {
+    LogIn();
+    SaveLoginInfo("", "", "7");
+    EXPECT_EQ(Setting(reg::kParam1) + Setting(reg::kContractorName) + Setting(reg::kSharedCount),
+              "山田建設事務所3");
+    // A state text is read for its leading number.
+    SetSetting(reg::kParam3, "12abc");
+    LoadLoginInfo();
+    EXPECT_EQ(GetLoginState(), 12);
 }
 
 }  // namespace
