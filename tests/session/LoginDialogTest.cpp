@@ -9,6 +9,8 @@
 #include "session/mdlLogin.h"
 #include "state/ProcessState.h"
 #include "state/mdlRegConstMorvane.h"
+#include "support/Golden.h"
+#include "support/JoinedLines.h"
 #include "support/MorvaneTest.h"
 #include "support/Told.h"
 #include "transport/mdlServerReply.h"
@@ -108,9 +110,7 @@ TEST_F(LoginDialogTest, RefusedLoginKeepsTheDialogAndCancelLeavesTheLastState) {
         });
         EXPECT_EQ(obj_.ShowLogin(nullptr), state);
     }
-    EXPECT_EQ(Told(*kit_),
-              (std::vector<std::string>{"すでにログイン中です。", "ログインに失敗しました。",
-                                        "ログインに失敗しました。"}));
+    EXPECT_EQ(JoinedLines(Told(*kit_)), Golden("session/login-dialog.txt")["refused"]);
     EXPECT_EQ(kit_->Boxes()[0].icon, forms::MsgIcon::Exclamation);
     EXPECT_EQ(Setting(reg::kLoginPWD) + Setting(reg::kSaveLoginPWD), "False");
 }
@@ -126,8 +126,7 @@ TEST_F(LoginDialogTest, EmptyFieldsAreToldCancelAndCloseBoxKeepTheStateNoConnect
         Click(f, "cmdCancel");
     });
     EXPECT_EQ(obj_.ShowLogin(nullptr), 5);
-    EXPECT_EQ(Told(*kit_), (std::vector<std::string>{"ユーザーIDが入力されていません。",
-                                                     "パスワードが入力されていません。"}));
+    EXPECT_EQ(JoinedLines(Told(*kit_)), Golden("session/login-dialog.txt")["empty fields"]);
     EXPECT_EQ(Setting(reg::kLoginUID), "");
     EXPECT_EQ(obj_.ShowLogin(nullptr), 5);
     EXPECT_EQ(kit_->Unanswered().size(), 1u);
