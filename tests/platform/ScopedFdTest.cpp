@@ -13,27 +13,25 @@ namespace {
 using platform::ScopedFd;
 
 bool IsOpen(int fd) { return ::fcntl(fd, F_GETFD) != -1; }
-int OpenNull() { return ::open("/dev/null", O_RDONLY | O_CLOEXEC); }
 
+// errno is what a failed write left for the caller; a released descriptor is not closed.
 TEST(ScopedFd, ClosesWhatItOwnsOnceAndKeepsErrno) {
     int raw = -1;
     {
-        ScopedFd fd(OpenNull());
+        ScopedFd fd(::open("/dev/null", O_RDONLY | O_CLOEXEC));
         raw = fd.Get();
-        ScopedFd moved(std::move(fd));
-        EXPECT_FALSE(fd.Valid());
         ScopedFd assigned;
-        assigned = std::move(moved);
+        assigned = ScopedFd(std::move(fd));
+        EXPECT_FALSE(fd.Valid());
         EXPECT_TRUE(IsOpen(raw));
-        errno = ENOSPC;  // what a failed write left for the caller
+        errno = ENOSPC;
     }
     EXPECT_EQ(errno, ENOSPC);
     EXPECT_FALSE(IsOpen(raw));
-
-    ScopedFd other(OpenNull());
+    ScopedFd other(::open("/dev/null", O_RDONLY | O_CLOEXEC));
     const int kept = other.Release();
-    EXPECT_EQ(other.Close(), 0) << "nothing left to close";
-    EXPECT_TRUE(IsOpen(kept)) << "released, so not closed";
+    EXPECT_EQ(other.Close(), 0);
+    EXPECT_TRUE(IsOpen(kept));
     ::close(kept);
 }
 

@@ -18,7 +18,14 @@ protected:
     }
 };
 
-TEST_F(ErrTrapTest, ShowsNumberAndTextUnderTheSource) {
+// No error only resets the pointer, a silent error not even that.
+TEST_F(ErrTrapTest, ShowsNumberAndTextUnderTheSourceAndSilentErrorsNothing) {
+    ErrTrap();
+    EXPECT_EQ(kit_->PointerResets(), 1);
+    Raise(32755, "cancelled");
+    ErrTrap();
+    EXPECT_TRUE(kit_->Boxes().empty());
+    EXPECT_EQ(kit_->PointerResets(), 1);
     Raise(53, "File not found");
     ErrTrap();
     ASSERT_EQ(kit_->Boxes().size(), 1u);
@@ -26,7 +33,7 @@ TEST_F(ErrTrapTest, ShowsNumberAndTextUnderTheSource) {
     EXPECT_EQ(kit_->Boxes()[0].title, "Morvane.Test");
     EXPECT_EQ(kit_->Boxes()[0].icon, forms::MsgIcon::Exclamation);
     EXPECT_FALSE(State().err.IsSet());
-    EXPECT_EQ(kit_->PointerResets(), 1);
+    EXPECT_EQ(kit_->PointerResets(), 2);
 }
 
 TEST_F(ErrTrapTest, MessagesByNumberShareTextsAndAddTheDescriptionWhereTheyShouldOnly) {
@@ -35,17 +42,6 @@ TEST_F(ErrTrapTest, MessagesByNumberShareTextsAndAddTheDescriptionWhereTheyShoul
     EXPECT_EQ(ErrTrapMessage(20477, "パス X"),
               "パス X\r\nファイル名、ディレクトリが正しいか確認して下さい。");
     EXPECT_EQ(ErrTrapMessage(3146, "database is locked"), "database is locked");
-}
-
-TEST_F(ErrTrapTest, NoErrorOnlyResetsThePointerAndSilentErrorNotEvenThat) {
-    ErrTrap();
-    EXPECT_TRUE(kit_->Boxes().empty());
-    EXPECT_EQ(kit_->PointerResets(), 1);
-    Raise(32755, "cancelled");
-    ErrTrap();
-    EXPECT_TRUE(kit_->Boxes().empty());
-    EXPECT_EQ(kit_->PointerResets(), 1);
-    EXPECT_FALSE(State().err.IsSet());
 }
 
 TEST_F(ErrTrapTest, ForeignExceptionsGetNumbers) {

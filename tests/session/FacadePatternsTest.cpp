@@ -12,11 +12,8 @@ namespace {
 
 // Reads "<Customer><Result>n</Result></Customer>" and gives n as its comparison.
 struct ProbeWorker {
-    int reads = 0;
-    int downloads = 0;
     std::int32_t result = 0;
     bool Read(const std::string& reply) {
-        ++reads;
         const auto a = reply.find("<Result>"), b = reply.find("</Result>");
         if (a == std::string::npos || b == std::string::npos) return false;
         result = std::stoi(reply.substr(a + 8, b - a - 8));
@@ -41,11 +38,17 @@ protected:
         return facade::Compare<ProbeWorker>(
             slot_, Req(), Read, [](ProbeWorker& w) { return w.result; }, keep);
     }
+    std::size_t Sent() { return server_->RequestsTo(kPage).size(); }
+    std::string SentAndDownloaded() {
+        return std::to_string(Sent()) + " sent, " + std::to_string(downloads_) + " downloaded";
+    }
     std::unique_ptr<ProbeWorker> slot_;
+    int downloads_ = 0;
+    std::function<void(ProbeWorker&)> download_ = [this](ProbeWorker&) { ++downloads_; };
 };
 
-TEST_F(FacadePatternsTest, CompareKeepsTheWorkerByItsRule) {
-    LogIn();
+TEST_F(FacadePatternsTest, CompareKeepsTheWorkerByItsRuleAndPostsEvenWhenLoggedOut) {
+    // Not logged in, yet the request goes out and its reply restores the state.
     const struct {
         int result;
         facade::Keep keep;
@@ -60,118 +63,78 @@ TEST_F(FacadePatternsTest, CompareKeepsTheWorkerByItsRule) {
         EXPECT_EQ(Compare(r.keep), r.result);
         EXPECT_EQ(slot_ != nullptr, r.kept) << r.result;
     }
-}
-
-TEST_F(FacadePatternsTest, ComparePostsEvenWhenLoggedOutAndTheReplyDecides) {
-    // Not logged in, yet the request goes out and its reply restores the state.
-    Answer(1);
-    EXPECT_EQ(Compare(facade::Keep::NonZero), 1);
-    EXPECT_EQ(server_->RequestsTo(kPage).size(), 1u);
     EXPECT_EQ(GetLoginState(), 1);
-
-    // A failed reply: 0, empty slot, and the pointer set back by the trap.
-    server_->On(kPage, Envelope(-1, "T"));
-    slot_ = std::make_unique<ProbeWorker>();
-    EXPECT_EQ(Compare(facade::Keep::NonZero), 0);
-    EXPECT_FALSE(slot_);
+    // A failed reply and one the worker cannot read: 0, empty slot, the pointer set back.
+    for (const std::string& reply : {Envelope(-1, "T"), Envelope(1, "T", "<Customer/>")}) {
+        slot_ = std::make_unique<ProbeWorker>();
+        server_->On(kPage, reply);
+        EXPECT_EQ(Compare(facade::Keep::NonZero), 0);
+        EXPECT_FALSE(slot_);
+    }
     EXPECT_GE(kit_->PointerResets(), 1);
-
-    // A reply the worker cannot read.
-    server_->On(kPage, Envelope(1, "T", "<Customer/>"));
-    EXPECT_EQ(Compare(facade::Keep::NonZero), 0);
-    EXPECT_FALSE(slot_);
-}
-
-TEST_F(FacadePatternsTest, RunTimeErrorGoesThroughTheTrap) {
-    LogIn();
+    // A run-time error goes through the trap, which shows it (the box is the trap's test).
     Answer(1);
-    const std::int32_t r = facade::Compare<ProbeWorker>(
-        slot_, Req(), Read,
-        [](ProbeWorker&) -> std::int32_t { throw RuntimeError(errnum::kFileNotFound, "x"); },
-        facade::Keep::NonZero);
-    EXPECT_EQ(r, 0);
+    kit_->ClearRecords();
+    EXPECT_EQ(
+        facade::Compare<ProbeWorker>(
+            slot_, Req(), Read,
+            [](ProbeWorker&) -> std::int32_t { throw RuntimeError(errnum::kFileNotFound, "x"); },
+            facade::Keep::NonZero),
+        0);
     EXPECT_FALSE(slot_);
-    // The box itself is the error trap's test.
     EXPECT_EQ(kit_->Boxes().size(), 1u);
     EXPECT_FALSE(State().err.IsSet());
 }
 
 TEST_F(FacadePatternsTest, AlwaysFetchSendsNothingWhenLoggedOutAndOtherwiseGivesOne) {
-    int downloads = 0;
-    auto download = [&](ProbeWorker&) { ++downloads; };
     Answer(1);
-    EXPECT_EQ(facade::AlwaysFetch<ProbeWorker>(slot_, Req(), Read, download), 0);
-    EXPECT_TRUE(server_->RequestsTo(kPage).empty());
-
+    EXPECT_EQ(facade::AlwaysFetch<ProbeWorker>(slot_, Req(), Read, download_), 0);
+    EXPECT_EQ(Sent(), 0u);
     LogIn();
     slot_ = std::make_unique<ProbeWorker>();  // a comparison's worker is replaced
-    EXPECT_EQ(facade::AlwaysFetch<ProbeWorker>(slot_, Req(), Read, download), 1);
-    EXPECT_EQ(server_->RequestsTo(kPage).size(), 1u);
-    EXPECT_EQ(downloads, 1);
+    EXPECT_EQ(facade::AlwaysFetch<ProbeWorker>(slot_, Req(), Read, download_), 1);
+    EXPECT_EQ(SentAndDownloaded(), "1 sent, 1 downloaded");
     EXPECT_FALSE(slot_);
-
     // Nothing could be fetched: still 1, nothing downloaded.
     server_->On(kPage, Envelope(-1, "T"));
-    EXPECT_EQ(facade::AlwaysFetch<ProbeWorker>(slot_, Req(), Read, download), 1);
-    EXPECT_EQ(downloads, 1);
+    EXPECT_EQ(facade::AlwaysFetch<ProbeWorker>(slot_, Req(), Read, download_), 1);
+    EXPECT_EQ(downloads_, 1);
 }
 
 TEST_F(FacadePatternsTest, KeptWorkerUsesTheSlotAndFetchesOnlyUnderOptionOne) {
     LogIn();
     Answer(1);
-    int downloads = 0;
-    auto download = [&](ProbeWorker&) { ++downloads; };
-
+    const auto kept = [&](facade::FetchWhenEmpty fetch = facade::FetchWhenEmpty::UnderOption) {
+        return facade::KeptWorker<ProbeWorker>(slot_, Req(), Read, download_, fetch);
+    };
     // Empty slot, option 0: nothing fetched, nothing downloaded, 1.
-    EXPECT_EQ(facade::KeptWorker<ProbeWorker>(slot_, Req(), Read, download), 1);
-    EXPECT_TRUE(server_->RequestsTo(kPage).empty());
-    EXPECT_EQ(downloads, 0);
-
+    EXPECT_EQ(kept(), 1);
+    EXPECT_EQ(SentAndDownloaded(), "0 sent, 0 downloaded");
     // The comparison's worker is used as it is.
     slot_ = std::make_unique<ProbeWorker>();
-    EXPECT_EQ(facade::KeptWorker<ProbeWorker>(slot_, Req(), Read, download), 1);
-    EXPECT_EQ(downloads, 1);
-    EXPECT_TRUE(server_->RequestsTo(kPage).empty());
+    EXPECT_EQ(kept(), 1);
+    EXPECT_EQ(SentAndDownloaded(), "0 sent, 1 downloaded");
     EXPECT_FALSE(slot_);
-
-    // Option 1 fetches for itself, without a progress form.
+    // Option 1 fetches for itself, without a progress form; the variant that never fetches.
     State().objectUsage = 1;
-    EXPECT_EQ(facade::KeptWorker<ProbeWorker>(slot_, Req(), Read, download), 1);
-    EXPECT_EQ(server_->RequestsTo(kPage).size(), 1u);
-    EXPECT_EQ(downloads, 2);
-
-    // The variant that never fetches.
-    EXPECT_EQ(facade::KeptWorker<ProbeWorker>(slot_, Req(), Read, download,
-                                              facade::FetchWhenEmpty::Never),
-              1);
-    EXPECT_EQ(server_->RequestsTo(kPage).size(), 1u);
-
+    EXPECT_EQ(kept(), 1);
+    EXPECT_EQ(kept(facade::FetchWhenEmpty::Never), 1);
+    EXPECT_EQ(SentAndDownloaded(), "1 sent, 2 downloaded");
+    EXPECT_TRUE(kit_->ShownForms().empty());
     SetLoginState(0);
     slot_ = std::make_unique<ProbeWorker>();
-    EXPECT_EQ(facade::KeptWorker<ProbeWorker>(slot_, Req(), Read, download), 0);
+    EXPECT_EQ(kept(), 0);
     EXPECT_FALSE(slot_);
 }
 
-TEST_F(FacadePatternsTest, UploadAndSlotRead) {
+// Reading a slot is the roster facade's test (CompareCustListFacadeTest.ChoicesComeBack...).
+TEST_F(FacadePatternsTest, UploadGivesOneOnlyForOneAndTrapsWhatItThrows) {
     EXPECT_EQ(facade::Upload<ProbeWorker>([](ProbeWorker&) { return 1; }), 1);
     EXPECT_EQ(facade::Upload<ProbeWorker>([](ProbeWorker&) { return 2; }), 0);
     EXPECT_EQ(facade::Upload<ProbeWorker>(
                   [](ProbeWorker&) -> std::int32_t { throw std::runtime_error("broken"); }),
               0);
     EXPECT_EQ(kit_->Boxes().size(), 1u);
-
-    std::function<std::string(ProbeWorker&)> text = [](ProbeWorker& w) {
-        return std::to_string(w.result);
-    };
-    EXPECT_EQ(facade::ReadSlot(slot_, text), "");
-    slot_ = std::make_unique<ProbeWorker>();
-    slot_->result = 4;
-    EXPECT_EQ(facade::ReadSlot(slot_, text), "4");
-    std::function<std::string(ProbeWorker&)> failing = [](ProbeWorker&) -> std::string {
-        throw std::runtime_error("x");
-    };
-    EXPECT_EQ(facade::ReadSlot(slot_, failing, std::string("none")), "none");
-    EXPECT_EQ(kit_->Boxes().size(), 1u);  // silently
 }
 
 }  // namespace

@@ -25,77 +25,54 @@ class RunLimitsTest : public MorvaneTest {
 protected:
     std::string Post() { return PostToServer(kPage, "ID=user1&token=T1&"); }
     std::size_t Sent() { return server_->RequestsTo(kPage).size(); }
-    // Every request to the page gets this reply.
-    void Answer(PageReply reply) {
+    // Every request to the page gets this reply: padded, in chunks, cut off or late.
+    void Answer(std::size_t padding = 0, bool chunked = false,
+                std::optional<std::size_t> dropAfter = {}, std::chrono::milliseconds delay = {}) {
+        const PageReply reply{Envelope(1, "T2"), 200,     "text/xml", delay,
+                              padding,           chunked, dropAfter};
         server_->On(kPage, [reply](const RecordedRequest&) { return reply; });
     }
-    static PageReply Good() { return PageReply{Envelope(1, "T2")}; }
-    static PageReply Dropped() {
-        PageReply r{Envelope(1, "T2")};
-        r.dropAfter = 10;
-        return r;
-    }
+    void AnswerDropped() { Answer(0, false, 10); }
 };
 
+// Past the cap, announced or streamed, or cut off half way; within the cap it comes whole.
 TEST_F(RunLimitsTest, BrokenRepliesAreNoReply) {
-    struct Case {
-        const char* name;
-        PageReply reply;
-    };
-    PageReply announced{Envelope(1, "T2")};
-    announced.padding = kMaxXmlReplyBytes;
-    PageReply streamed = announced;
-    streamed.chunked = true;
-    PageReply dropped = Dropped();
-    PageReply droppedChunked = Dropped();
-    droppedChunked.chunked = true;
-    const std::vector<Case> cases = {
-        {"longer than the cap, announced", announced},
-        {"longer than the cap, streamed", streamed},
-        {"connection dropped half way", dropped},
-        {"connection dropped half way, streamed", droppedChunked},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        BeginTransportRun();
-        Answer(c.reply);
-        EXPECT_EQ(Post(), "");
-        EXPECT_EQ(State().transportRun.failuresInARow, 1);
-        EXPECT_FALSE(State().transportRun.lastError.empty());
+    for (const bool chunked : {false, true}) {
+        for (const bool cut : {false, true}) {
+            SCOPED_TRACE(std::string(cut ? "dropped" : "over the cap") +
+                         (chunked ? ", chunked" : ""));
+            BeginTransportRun();
+            Answer(cut ? 0 : kMaxXmlReplyBytes, chunked,
+                   cut ? std::optional<std::size_t>(10) : std::nullopt);
+            EXPECT_EQ(Post(), "");
+            EXPECT_EQ(State().transportRun.failuresInARow, 1);
+            EXPECT_FALSE(State().transportRun.lastError.empty());
+        }
     }
-    // A reply of the same kind within bounds comes through whole.
-    PageReply padded{Envelope(1, "T2")};
-    padded.padding = 1 << 20;
-    padded.chunked = true;
-    Answer(padded);
+    Answer(1 << 20, true);
     EXPECT_EQ(Post().size(), Envelope(1, "T2").size() + (1u << 20));
     EXPECT_EQ(State().transportRun.failuresInARow, 0);
 }
 
+// A reply between failures starts the count again; once stopped, requests are refused at
+// once, whatever the server could do now, until a new run.
 TEST_F(RunLimitsTest, RunStopsAfterFailuresInARowAndAReplyResetsTheCount) {
-    Answer(Dropped());
-    EXPECT_EQ(Post(), "");
-    EXPECT_EQ(Post(), "");
-    Answer(Good());
-    EXPECT_NE(Post(), "");  // a reply between failures starts the count again
-    Answer(Dropped());
-    EXPECT_EQ(Post(), "");
-    EXPECT_EQ(Post(), "");
+    AnswerDropped();
+    EXPECT_EQ(Post() + Post(), "");
+    Answer();
+    EXPECT_NE(Post(), "");
+    AnswerDropped();
+    EXPECT_EQ(Post() + Post(), "");
     EXPECT_FALSE(ServerUnreachable());
     EXPECT_EQ(TransportStopReason(), "");
     EXPECT_EQ(Post(), "");
     EXPECT_TRUE(ServerUnreachable());
     EXPECT_EQ(TransportStopReason().rfind("server unreachable", 0), 0u) << TransportStopReason();
-    EXPECT_EQ(Sent(), 6u);
-
-    // Refused at once, whatever the server could do now.
-    Answer(Good());
+    Answer();
     EXPECT_EQ(Post(), "");
-    EXPECT_EQ(
-        PostWithHeaders("https://" + server_->HostName() + "/" + kPage, {}, "a=1&").transported,
-        false);
+    EXPECT_FALSE(
+        PostWithHeaders("https://" + server_->HostName() + "/" + kPage, {}, "a=1&").transported);
     EXPECT_EQ(Sent(), 6u);
-
     BeginTransportRun();
     EXPECT_FALSE(ServerUnreachable());
     EXPECT_NE(Post(), "");
@@ -103,7 +80,7 @@ TEST_F(RunLimitsTest, RunStopsAfterFailuresInARowAndAReplyResetsTheCount) {
 }
 
 TEST_F(RunLimitsTest, ABodyThatCannotBeReadFailsItsRequestButNotTheServer) {
-    Answer(Good());
+    Answer();
     const platform::HttpBodySource unreadable{
         100, [](char*, std::size_t) -> std::ptrdiff_t { return -1; }};
     for (int i = 0; i < kMaxTransportFailures; ++i) {
@@ -122,39 +99,36 @@ TEST_F(RunLimitsTest, ABodyThatCannotBeReadFailsItsRequestButNotTheServer) {
     EXPECT_NE(Post(), "");
 }
 
+// Three stall time-outs, not ten; room left for a loaded machine.
 TEST_F(RunLimitsTest, StalledServerCostsAStallTimeOutPerRequestThenTheRunStops) {
     platform::HttpOptions http = State().HttpOptions();
     http.stallTimeoutSeconds = 1;
     State().SetHttpOptions(http);
-    PageReply stalled = Good();
-    stalled.delay = 3s;
-    Answer(stalled);
+    Answer(0, false, {}, 3s);
     const auto start = std::chrono::steady_clock::now();
     for (int i = 0; i < 10; ++i) EXPECT_EQ(Post(), "");
     EXPECT_TRUE(ServerUnreachable());
     EXPECT_EQ(Sent(), static_cast<std::size_t>(kMaxTransportFailures));
-    // Three stall time-outs, not ten; room left for a loaded machine.
     EXPECT_LT(std::chrono::steady_clock::now() - start, 8s);
 }
 
+// A reply within the fixture's stall time-out is cut off at the run's limit, half way.
 TEST_F(RunLimitsTest, NothingGoesOnPastTheTimeLimit) {
-    PageReply slow = Good();
-    slow.delay = 4s;  // within the stall time-out of the fixture
-    Answer(slow);
+    Answer(0, false, {}, 4s);
     BeginTransportRun(1s);
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(Post(), "");  // cut off at the limit, half way through
+    EXPECT_EQ(Post(), "");
     EXPECT_LT(std::chrono::steady_clock::now() - start, 3500ms);
     EXPECT_TRUE(TransportTimeUp());
     EXPECT_EQ(TransportStopReason(), "the time limit of the run was reached");
-    Answer(Good());
+    Answer();
     EXPECT_EQ(Post(), "");
     EXPECT_EQ(Sent(), 1u);
-
     BeginTransportRun();  // a new run without a limit
     EXPECT_NE(Post(), "");
 }
 
+// An unreachable server's lock is left to expire there.
 TEST_F(RunLimitsTest, LockIsReleasedPastTheTimeLimitButNotPastAnUnreachableServer) {
     LogIn("T1");
     const std::string unlock(page::kUnlockComp);
@@ -165,23 +139,22 @@ TEST_F(RunLimitsTest, LockIsReleasedPastTheTimeLimitButNotPastAnUnreachableServe
     ASSERT_EQ(server_->RequestsTo(unlock).size(), 1u);
     EXPECT_NE(server_->RequestsTo(unlock)[0].body.find("CustomerID=7"), std::string::npos);
     EXPECT_EQ(Post(), "");  // the limit holds again after the release
-
     BeginTransportRun();
-    Answer(Dropped());
+    AnswerDropped();
     for (int i = 0; i < kMaxTransportFailures; ++i) EXPECT_EQ(Post(), "");
     ASSERT_TRUE(ServerUnreachable());
-    EXPECT_EQ(UnlockCustomerWorker(7), 0);  // left to expire at the server
+    EXPECT_EQ(UnlockCustomerWorker(7), 0);
     EXPECT_EQ(server_->RequestsTo(unlock).size(), 1u);
 }
 
 TEST_F(RunLimitsTest, StallTimeOutComesFromTheSettingWhenTheHostSetsNone) {
     State().SetHttpOptions(std::nullopt);
-    EXPECT_EQ(State().HttpOptions().stallTimeoutSeconds, 60);
-    for (const auto& [text, expected] :
-         std::vector<std::pair<std::string, long>>{{"7", 7}, {"0", 60}, {"-3", 60}, {"soon", 60}}) {
+    std::string seen = std::to_string(State().HttpOptions().stallTimeoutSeconds);
+    for (const char* text : {"7", "0", "-3", "soon"}) {
         SetSetting("StallTimeout", text);
-        EXPECT_EQ(State().HttpOptions().stallTimeoutSeconds, expected) << text;
+        seen += " " + std::to_string(State().HttpOptions().stallTimeoutSeconds);
     }
+    EXPECT_EQ(seen, "60 7 60 60 60");
 }
 
 }  // namespace

@@ -2,15 +2,13 @@
 // dialogs with nobody at the terminal, boxes, timers, and the programs it starts.
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <sstream>
 #include <streambuf>
 #include <string>
-#include <thread>
-
-#include <unistd.h>
 
 #include "component/ctrlMorvane.h"
 #include "session/basTextEncrypt.h"
@@ -18,6 +16,7 @@
 #include "state/ProcessState.h"
 #include "state/mdlMsgBox.h"
 #include "state/mdlRegConstMorvane.h"
+#include "support/FileBytes.h"
 #include "support/MorvaneTest.h"
 #include "tty/TtyToolkit.h"
 
@@ -38,47 +37,52 @@ protected:
         tty_ = std::make_shared<tty::TtyToolkit>(in_, out_, options);
         State().SetToolkit(tty_);
     }
-    std::string Out() const { return out_.str(); }
+    // The pieces the output lacks.
+    std::string Missing(const std::vector<std::string>& pieces) const {
+        std::string missing;
+        for (const auto& piece : pieces)
+            if (out_.str().find(piece) == std::string::npos) missing += "[" + piece + "]";
+        return missing;
+    }
+    int ticks_ = 0;  // of the test's timer
 
     std::istringstream in_;
     std::ostringstream out_;
     std::shared_ptr<tty::TtyToolkit> tty_;
 };
 
+// Garbage and an out-of-range number are asked again; a password is not shown.
 TEST_F(TtyTest, PersonLogsInByControlNamesAndNumbers) {
     server_->On("login.php", LoginReply(1, "TOK"));
-    // Garbage and an out-of-range number are asked again; a password is not shown.
     UseTty("txtUID\nuser1\nbogus\n99\ntxtPWD\nsecret\nchkAutoLogin\ncmdLogin\n", true);
     ctrlMorvane obj;
     EXPECT_EQ(obj.ShowLogin(nullptr), 1);
-    for (const char* shown : {"=== ログイン ===", "<ログイン>", "[********]", "?\n",
-                              "[ログイン] (i) ログインに成功しました。"})
-        EXPECT_NE(Out().find(shown), std::string::npos) << shown;
-    EXPECT_EQ(Out().find("secret"), std::string::npos);
+    EXPECT_EQ(Missing({"=== ログイン ===", "<ログイン>", "[********]", "?\n",
+                       "[ログイン] (i) ログインに成功しました。"}),
+              "");
+    EXPECT_EQ(out_.str().find("secret"), std::string::npos);
     EXPECT_EQ(server_->RequestsTo("login.php").at(0).body, "no=C-1001&ID=user1&PW=secret&");
     EXPECT_EQ(DecryptText(Setting(reg::kLoginPWD)), "secret");
 }
 
+// A forced re-login that cannot be closed still ends; nothing is read, so the input stays.
 TEST_F(TtyTest, WithoutATerminalDialogsAreCancelledAndBoxesTakeTheirDefault) {
     UseTty("cmdNoConnect\n", false);
     ctrlMorvane obj;
     SetLoginState(0);
     EXPECT_EQ(obj.ShowLogin(nullptr), 0);
-    EXPECT_NE(Out().find("(no terminal: dialog cancelled)"), std::string::npos);
-    EXPECT_NE(Out().find("ユーザーID :"), std::string::npos);
-    // A forced re-login that cannot be closed still ends.
     EXPECT_EQ(ShowLoginDlg(nullptr, 1), 0);
     EXPECT_EQ(obj.ShowSetting(nullptr), 0);
     EXPECT_EQ(Setting(reg::kEnabledMorvane), "");
-
     forms::MessageBoxRequest box;
     box.text = "a\r\nb";
     box.title = "T";
     box.buttons = forms::MsgButtons::YesNo;
     box.defaultButton = 1;
     EXPECT_EQ(tty_->MessageBox(box), forms::MsgResult::No);
-    EXPECT_NE(Out().find("[T] a\nb\n(no terminal: No)"), std::string::npos);
-    // Nothing was read: the input is still there.
+    EXPECT_EQ(
+        Missing({"(no terminal: dialog cancelled)", "ユーザーID :", "[T] a\nb\n(no terminal: No)"}),
+        "");
     std::string rest;
     std::getline(in_, rest);
     EXPECT_EQ(rest, "cmdNoConnect");
@@ -87,12 +91,12 @@ TEST_F(TtyTest, WithoutATerminalDialogsAreCancelledAndBoxesTakeTheirDefault) {
 TEST_F(TtyTest, ForcedReloginRefusesToCloseAndEndsWithTheInput) {
     UseTty("0\ncmdCancel\n", true);
     EXPECT_EQ(ShowLoginDlg(nullptr, 1), 0);
-    EXPECT_NE(Out().find("(this dialog cannot be closed)"), std::string::npos);
-    EXPECT_NE(Out().find("<キャンセル> (-)"), std::string::npos);
+    EXPECT_EQ(Missing({"(this dialog cannot be closed)", "<キャンセル> (-)"}), "");
     UseTty("0\ncmdNoConnect\n", true);
     EXPECT_EQ(ShowLoginDlg(nullptr, 1), 99);
 }
 
+// Access-key marks are not shown.
 TEST_F(TtyTest, SettingsEditedAndStored) {
     UseTty("cboServerName\n#1\ntxtContractNo\n-\ntxtContractNo\nC-77\ntxtLoginUID\nu7\ncmdOK\n",
            true);
@@ -101,44 +105,20 @@ TEST_F(TtyTest, SettingsEditedAndStored) {
     EXPECT_EQ(Setting(reg::kServerName) + "|" + Setting(reg::kContractNo) + "|" +
                   Setting(reg::kLoginUID) + "|" + Setting(reg::kEnabledMorvane),
               "morvane.example.jp|C-77|u7|True");
-    EXPECT_NE(Out().find("[モルヴェインの設定] (i) モルヴェインの設定が変更されました。\n"),
-              std::string::npos);
-    // Access-key marks are not shown.
-    EXPECT_NE(Out().find("<接続テスト(T)>"), std::string::npos);
-    EXPECT_NE(Out().find(") 接続テスト(T)\n"), std::string::npos);
+    EXPECT_EQ(Missing({"[モルヴェインの設定] (i) モルヴェインの設定が変更されました。\n",
+                       "<接続テスト(T)>", ") 接続テスト(T)\n"}),
+              "");
 }
 
+// An empty answer, and the end of the input, is the default button.
 TEST_F(TtyTest, BoxWithChoicesIsAnswered) {
     UseTty("x\n2\n\n", true);
     EXPECT_EQ(MsgBox("q", forms::MsgIcon::Question, "t", forms::MsgButtons::YesNoCancel),
               forms::MsgResult::No);
-    // An empty answer is the default button.
     EXPECT_EQ(MsgBox("q", forms::MsgIcon::Question, "t", forms::MsgButtons::OKCancel),
               forms::MsgResult::OK);
-    // The end of the input too.
     EXPECT_EQ(MsgBox("q", forms::MsgIcon::Question, "t", forms::MsgButtons::RetryCancel),
               forms::MsgResult::Retry);
-}
-
-TEST_F(TtyTest, TimersTickWhenPumpedOnlyWhileLive) {
-    UseTty("", false);
-    forms::Form form(*tty_, "frmTicker", "ticker");
-    auto& timer = form.Add<forms::Timer>("tmr");
-    int ticks = 0;
-    timer.onTimer = [&] { ++ticks; };
-    timer.SetInterval(1);
-    timer.SetTimerEnabled(true);
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    tty_->PumpTimers();
-    EXPECT_EQ(ticks, 0);  // not loaded
-    form.Load();
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    tty_->DoEvents();
-    EXPECT_EQ(ticks, 1);
-    form.Unload();
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    tty_->PumpTimers();
-    EXPECT_EQ(ticks, 1);
 }
 
 // Hands out its text one character at a time, so nothing ever looks buffered ahead, as
@@ -161,8 +141,8 @@ private:
     char current_ = 0;
 };
 
+// The descriptor that is waited on stays empty until the third tick writes to it.
 TEST_F(TtyTest, TimersTickWhileAnAnswerIsAwaited) {
-    // The descriptor that is waited on stays empty until the third tick writes to it.
     int fds[2];
     ASSERT_EQ(pipe(fds), 0);
     UnbufferedInput buffer("cmdClose\n");
@@ -173,45 +153,37 @@ TEST_F(TtyTest, TimersTickWhileAnAnswerIsAwaited) {
     tty::TtyToolkit kit(input, out_, options);
     forms::Form form(kit, "frmWait", "wait");
     auto& timer = form.Add<forms::Timer>("tmr");
-    auto& cmdClose = form.Add<forms::Button>("cmdClose", "close");
-    cmdClose.onClick = [&form] { form.Hide(); };
-    int ticks = 0;
+    form.Add<forms::Button>("cmdClose", "close").onClick = [&form] { form.Hide(); };
     timer.onTimer = [&] {
-        if (++ticks == 3) {
+        if (++ticks_ == 3) {
             EXPECT_EQ(write(fds[1], "x", 1), 1);
         }
     };
     timer.SetInterval(2);
     timer.SetTimerEnabled(true);
     form.ShowModal(nullptr);
-    EXPECT_EQ(ticks, 3);
+    EXPECT_EQ(ticks_, 3);
     EXPECT_FALSE(form.Visible());
     ::close(fds[0]);
     ::close(fds[1]);
 }
 
+// A missing program and a failing one are both "no application"; the trash command gets the
+// path as one argument, blanks and all.
 TEST_F(TtyTest, ProgramsAreStartedWithoutAShell) {
     UseTty("", false);
     EXPECT_EQ(tty_->OpenUrl("https://example.jp/?a=1&b=$(touch x)"), 33);
-    EXPECT_NE(Out().find("-> https://example.jp/?a=1&b=$(touch x)"), std::string::npos);
+    EXPECT_EQ(Missing({"-> https://example.jp/?a=1&b=$(touch x)"}), "");
     EXPECT_FALSE(std::filesystem::exists("x"));
     EXPECT_EQ(tty_->MoveToTrash("/nonexistent"), 1);
-
-    // A missing program and a failing one are both "no application".
     tty::TtyOptions options;
-    options.openCommand = {"/nonexistent/xdg-open"};
-    tty::TtyToolkit missing(in_, out_, options);
-    EXPECT_EQ(missing.OpenUrl("https://x/"), 31);
-    options.openCommand = {"false"};
-    tty::TtyToolkit failing(in_, out_, options);
-    EXPECT_EQ(failing.OpenUrl("https://x/"), 31);
-
-    // The trash command gets the path as one argument, blanks and all.
-    const auto file = temp_.Path() / "a file;rm -rf x";
-    std::ofstream(file) << "data";
+    for (const char* program : {"/nonexistent/xdg-open", "false"}) {
+        options.openCommand = {program};
+        EXPECT_EQ(tty::TtyToolkit(in_, out_, options).OpenUrl("https://x/"), 31) << program;
+    }
+    const auto file = WriteBytes(temp_.Path() / "a file;rm -rf x", "data");
     options.trashCommand = {"rm", "--"};
-    tty::TtyToolkit trashing(in_, out_, options);
-    EXPECT_EQ(trashing.MoveToTrash(file.string()), 0);
+    EXPECT_EQ(tty::TtyToolkit(in_, out_, options).MoveToTrash(file.string()), 0);
     EXPECT_FALSE(std::filesystem::exists(file));
 }
 
