@@ -36,4 +36,24 @@ std::string TimeReply(const std::string& text) {
     return "<?xml version=\"1.0\"?><r><datetime>" + text + "</datetime></r>";
 }
 
+std::vector<std::string> GridRows(const forms::Grid& grid) {
+    std::vector<std::string> rows;
+    for (int r = 0; r < grid.Rows(); ++r) {
+        std::string row = grid.At(r, 0).data;
+        for (int c = 1; c < grid.Cols(); ++c) row += " | " + grid.At(r, c).text;
+        rows.push_back(row);
+    }
+    return rows;
+}
+
+std::vector<std::string> ListRows(const forms::ListView& list) {
+    std::vector<std::string> rows;
+    for (const auto& item : list.items) {
+        std::string row = item.key;
+        for (const auto& text : item.texts) row += " | " + text;
+        rows.push_back(row);
+    }
+    return rows;
+}
+
 }  // namespace morvane::test

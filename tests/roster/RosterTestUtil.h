@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/Clock.h"
+#include "platform/Forms.h"
 #include "store/BackupTableIndex.h"
 
 namespace morvane::test {
@@ -26,6 +27,11 @@ std::string CompItem(const RosterEntry& e);
 std::string RosterReply(const std::vector<RosterEntry>& entries, const std::string& token = "T1");
 // A gettime.php reply.
 std::string TimeReply(const std::string& text);
+// A grid's rows as the user sees them: the first cell's kept value, then the shown texts,
+// parted by " | ".
+std::vector<std::string> GridRows(const forms::Grid& grid);
+// A list view's items: the key, then the texts, parted by " | ".
+std::vector<std::string> ListRows(const forms::ListView& list);
 
 class StepClock final : public platform::Clock {
 public:
