@@ -11,6 +11,7 @@
 #include "roster/frmSelectEnabledCustList.h"
 #include "state/ProcessState.h"
 #include "store/LocalDatabases.h"
+#include "support/Golden.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {
@@ -68,23 +69,11 @@ protected:
         return sent;
     }
 
-    // The three requests that change one customer's flag.
-    static std::vector<std::string> SetFlag(int id, int flag) {
-        const std::string c = "id=user1&CustomerID=" + std::to_string(id) + "&";
-        return {"lockComp.php " + c,
-                "setInetEnableFlag.php " + c + "InetEnableFlag=" + std::to_string(flag) + "&",
-                "unlockComp.php " + c};
-    }
-    static std::vector<std::string> Join(std::vector<std::string> a,
-                                         const std::vector<std::string>& b) {
-        a.insert(a.end(), b.begin(), b.end());
-        return a;
-    }
-
     std::int32_t ShowDlg(std::int32_t showtype) {
         return obj_.ShowSelectCustEnabledDlg(nullptr, db_, showtype, {}, {}, {}, {});
     }
 
+    Golden data_{"roster/target-flags.txt"};
     std::string db_;
     ctrlMorvane obj_;
 };
@@ -93,22 +82,22 @@ forms::Grid& GridOf(forms::Form& f) { return f.Get<forms::Grid>("vfaData"); }
 
 TEST_F(TargetFlagsTest, WithoutASnapshotEveryMemberAnswersEmptyAndSendsNothing) {
     LogIn();
-    EXPECT_EQ(obj_.CustmerInetEnabledFlag(1) + obj_.CheckExistCustID(1), 0);
+    EXPECT_EQ(obj_.CustmerInetEnabledFlag(1) + obj_.CheckExistCustID(1) +
+                  obj_.CheckInetEnabledFlags(db_) +
+                  obj_.SyncUploadCustomerInetEnabledFlag(db_, 1, 1) + ShowDlg(2),
+              0);
     EXPECT_EQ(obj_.CustmerCode_Server(1) + obj_.CustmerCorpName_Server(1), "");
-    EXPECT_EQ(obj_.CheckInetEnabledFlags(db_), 0);
-    EXPECT_EQ(obj_.SyncUploadCustomerInetEnabledFlag(db_, 1, 1), 0);
-    EXPECT_EQ(ShowDlg(2), 0);
     EXPECT_TRUE(server_->Requests().empty());
     EXPECT_TRUE(kit_->ShownForms().empty());
 }
 
 TEST_F(TargetFlagsTest, CheckEnablesEveryCustomerButSendsOnlyWhereTheLockIsGranted) {
     Snapshot(11, {1, 0, 0});
-    EXPECT_EQ(obj_.CustmerCode_Server(12), "C12");
-    EXPECT_EQ(obj_.CustmerCorpName_Server(12), "株式会社12");  // as the server sent it
+    // The name as the server sent it.
+    EXPECT_EQ(obj_.CustmerCode_Server(12) + obj_.CustmerCorpName_Server(12), "C12株式会社12");
     EXPECT_EQ(obj_.CheckExistCustID(14), 0);
     EXPECT_EQ(obj_.CheckInetEnabledFlags(db_), 1);
-    EXPECT_EQ(Sent(), Join(SetFlag(12, 1), {"lockComp.php id=user1&CustomerID=13&"}));
+    EXPECT_EQ(Sent(), data_.Lines("check"));
     EXPECT_EQ(kit_->Boxes().size(), 1u);  // the refusal's
     EXPECT_EQ(obj_.CustmerInetEnabledFlag(13), 1);
     server_->ClearRequests();
@@ -150,7 +139,7 @@ TEST_F(TargetFlagsTest, OkOnlyAtTheAllowanceAndARowToggledBackIsNotSent) {
     EXPECT_EQ(ShowDlg(2), 1);
     EXPECT_EQ(okAt, (std::vector<bool>{false, true, false, true}));
     EXPECT_EQ(kit_->ShownForms().at(1).owner, kList);
-    EXPECT_EQ(Sent(), Join(SetFlag(2, 1), SetFlag(3, 1)));
+    EXPECT_EQ(Sent(), data_.Lines("two and three in"));
     EXPECT_EQ(obj_.CustmerInetEnabledFlag(4), 0);
 }
 
@@ -167,7 +156,7 @@ TEST_F(TargetFlagsTest, TakingCustomersOutSetsZeroAndARefusedLockSendsNoFlag) {
     });
     kit_->OnShow(kMsg, [](forms::Form& f) { f.Get<forms::Button>("cmdOK").Click(); });
     EXPECT_EQ(ShowDlg(1), 1);
-    EXPECT_EQ(Sent(), Join(SetFlag(11, 0), {"lockComp.php id=user1&CustomerID=13&"}));
+    EXPECT_EQ(Sent(), data_.Lines("eleven and thirteen out"));
     // The refused customer shows the new flag here, though the server keeps the old one.
     EXPECT_EQ(obj_.CustmerInetEnabledFlag(13), 0);
     EXPECT_EQ(obj_.CustmerInetEnabledFlag(12), 1);
@@ -175,9 +164,8 @@ TEST_F(TargetFlagsTest, TakingCustomersOutSetsZeroAndARefusedLockSendsNoFlag) {
 
 TEST_F(TargetFlagsTest, TheListByShowtypeAndTheWaysOutWithoutAChoice) {
     Snapshot(1, {1, 0}, 1);
-    kit_->OnShow(kList, [](forms::Form& f) {
-        EXPECT_EQ(f.Get<forms::Label>("lblMsg(2)").Text(),
-                  "※「バックアップする」顧客が 1件になると続行できます。");
+    kit_->OnShow(kList, [&](forms::Form& f) {
+        EXPECT_EQ(f.Get<forms::Label>("lblMsg(2)").Text(), data_["allowance"]);
         auto& grid = GridOf(f);
         EXPECT_EQ(grid.At(0, 2).text, "1");
         EXPECT_EQ(grid.At(0, kTarget).text, std::string(kOn) + "(変更不可)");

@@ -27,7 +27,7 @@ TEST_F(ServerTest, MalformedBodiesUnknownPagesAndBadNumbersAreRefused) {
         EXPECT_FALSE(bad.Payload("Customer")) << rest;
     }
     EXPECT_EQ(Flags(u, "customer/setMemo.php", "CustomerID=77&MemoItemID=1&History=x&"), -1);
-    EXPECT_EQ(Flags(u, "customer/lockComp.php", "CustomerID=x&", "id"), -1);
+    EXPECT_EQ(Flags(u, "customer/lockComp.php", "CustomerID=x&"), -1);
     EXPECT_EQ(Call(u, "customer/getCompList.php", "").At("compList/CompCount"), "0");
 }
 
@@ -54,7 +54,7 @@ TEST_F(ServerTest, AFailedWriteChangesNothing) {
                   "1keep");
         EXPECT_EQ(after.At(list + "RecordUpdate"), stamp) << stem;
     }
-    EXPECT_EQ(Flags(u, "customer/createCompKihon.php", "CustomerID=2&Code=\x02&", "id"), -1);
+    EXPECT_EQ(Flags(u, "customer/createCompKihon.php", "CustomerID=2&Code=\x02&"), -1);
     EXPECT_EQ(Call(u, "customer/getCompList.php", "").At("compList/CompCount"), "1");
 }
 
@@ -72,7 +72,7 @@ TEST_F(ServerTest, ADatabaseErrorFailsThatPageOnlyAndStoresNothing) {
     // The item row was written before the failing statement; the page's transaction drops it.
     EXPECT_EQ(Call(u, "customer/setMemo.php", "CustomerID=1&MemoItemID=1&History=h&").Flags(), -1);
     EXPECT_EQ(items(), before);
-    EXPECT_EQ(Call(u, "customer/lockComp.php", "CustomerID=1&", "id").At("LockInfo/Customer/result"),
+    EXPECT_EQ(Call(u, "customer/lockComp.php", "CustomerID=1&").At("LockInfo/Customer/result"),
               "1");
     // Outside a page's transaction the error still ends in a failure reply.
     EXPECT_EQ(Post("login.php", "no=K100&ID=u1&PW=secret&").Flags(), -1);
@@ -101,7 +101,7 @@ TEST_F(ServerTest, ConcurrentClientsOnOneCustomerKeepEveryItemAndOneLockHolder) 
                                    std::to_string(id) + "&");
                 if (r.Flags() != 1) ++failures;
             }
-            Reply lock = Call(me, "customer/lockComp.php", "CustomerID=2&", "id");
+            Reply lock = Call(me, "customer/lockComp.php", "CustomerID=2&");
             if (lock.At("LockInfo/Customer/result") == "1") ++granted;
         });
     }
