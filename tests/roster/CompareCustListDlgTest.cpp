@@ -10,10 +10,8 @@
 #include "roster/cCustList.h"
 #include "roster/frmSelectCompareCustList.h"
 #include "roster/frmSelectCompareCustListAll.h"
-#include "state/ProcessState.h"
 #include "store/StoreTestUtil.h"
 #include "support/Golden.h"
-#include "support/MorvaneTest.h"
 
 namespace morvane::test {
 namespace {
@@ -38,13 +36,8 @@ std::vector<int> Ids(const std::string& text) {
     return ids;
 }
 
-class CompareCustListDlgTest : public MorvaneTest {
+class CompareCustListDlgTest : public RosterDbTest {
 protected:
-    void SetUp() override {
-        MorvaneTest::SetUp();
-        paths_ = CreateLocalDatabases(temp_.Path() / "data");
-    }
-    std::string Db() const { return paths_.customer.string(); }
     // Live local customers named as the server names them, but for those in `renamed`.
     void Local(const std::vector<int>& ids, const std::vector<int>& renamed = {}) {
         Sql(paths_.customer, "DELETE FROM tCustomer;");
@@ -67,7 +60,6 @@ protected:
         return list;
     }
     Golden data_{"roster/compare-cust-list.txt"};
-    LocalDatabasePaths paths_;
 };
 
 // A difference in number above 10, or one side below half the other, shows the whole rosters;
@@ -206,7 +198,6 @@ TEST_F(CompareCustListDlgTest, ABrokenDatabaseLeavesTheLocalListEmpty) {
 
 // Cancelling, by the button or by closing the window, clears the texts.
 TEST_F(CompareCustListDlgTest, FacadeHandsTheChoicesBackAsFourIdTexts) {
-    server_->On("gettime.php", TimeReply(State().Clock().Now().StampText()));
     LogIn();
     ctrlMorvane obj;
     const Value none;
@@ -219,10 +210,7 @@ TEST_F(CompareCustListDlgTest, FacadeHandsTheChoicesBackAsFourIdTexts) {
     EXPECT_EQ(texts(), V(4));
 
     Local({1, 2, 3, 4});
-    std::vector<RosterEntry> entries;
-    for (int id : {1, 2, 5, 6})
-        entries.push_back({id, "C" + std::to_string(id), "社" + std::to_string(id), "ｼｬ", 1, {}});
-    server_->On("customer/getCompList.php", RosterReply(entries));
+    Serve({Customer(1), Customer(2), Customer(5), Customer(6)});
     ASSERT_EQ(obj.CompareCustomerList(Db()), 3);
     forms::Form host(*kit_, "frmHost", "host");
     kit_->OnShow(kSelect, [](forms::Form& f) {

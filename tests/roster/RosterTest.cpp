@@ -5,40 +5,32 @@
 #include "RosterTestUtil.h"
 #include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
-#include "state/ProcessState.h"
 #include "store/StoreTestUtil.h"
 #include "support/Golden.h"
-#include "support/MorvaneTest.h"
 
 namespace morvane::test {
 namespace {
 
-class RosterTest : public MorvaneTest {
+class RosterTest : public RosterDbTest {
 protected:
     void SetUp() override {
-        MorvaneTest::SetUp();
-        paths_ = CreateLocalDatabases(temp_.Path() / "data");
-        server_->On("gettime.php", TimeReply(State().Clock().Now().StampText()));
+        RosterDbTest::SetUp();
         LogIn();
     }
     void Local(const std::string& key) { Sql(paths_.customer, data_[key]); }
-    void Serve(const std::vector<RosterEntry>& entries) {
-        server_->On("customer/getCompList.php", RosterReply(entries));
-    }
-    std::string Db() const { return paths_.customer.string(); }
     std::vector<std::string> Customers() const {
         return Rows(paths_.customer,
                     "SELECT id, Code, CorpName0, CorpKanaS, disabled, RecordUpdate, InetCheckDate, "
                     "InetSyncFlag FROM tCustomer ORDER BY id");
     }
     Golden data_{"roster/roster.txt"};
-    LocalDatabasePaths paths_;
     ctrlMorvane obj_;
 };
 
 RosterEntry Entry(int id, std::string code = "") {
-    return {id, code.empty() ? "C" + std::to_string(id) : code, "社" + std::to_string(id), "ｼｬ", 1,
-            {}};
+    RosterEntry e = Customer(id);
+    if (!code.empty()) e.code = code;
+    return e;
 }
 
 TEST_F(RosterTest, ResultsOfTheRosterComparison) {

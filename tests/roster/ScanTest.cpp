@@ -10,7 +10,6 @@
 #include "roster/cCustListSync.h"
 #include "store/StoreTestUtil.h"
 #include "support/Golden.h"
-#include "support/MorvaneTest.h"
 
 namespace morvane::test {
 namespace {
@@ -18,11 +17,10 @@ namespace {
 constexpr const char* kT = "2024/05/01 10:00:00";
 constexpr const char* kLater = "2024/05/01 11:00:00";
 
-class ScanTest : public MorvaneTest {
+class ScanTest : public RosterDbTest {
 protected:
     void SetUp() override {
-        MorvaneTest::SetUp();
-        paths_ = CreateLocalDatabases(temp_.Path() / "data");
+        RosterDbTest::SetUp();
         Sql(paths_.customer, data_["customer seed"]);
         Sql(paths_.prefcustom, data_["prefecture seed"]);
         // The server moved customer 1 everywhere, customer 2 in its trades and permit form.
@@ -51,7 +49,6 @@ protected:
     }
 
     Golden data_{"roster/scan.txt"};
-    LocalDatabasePaths paths_;
     cCustList list_;
     cCustListSync sync_;
 };
