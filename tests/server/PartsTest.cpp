@@ -66,19 +66,6 @@ TEST_F(SessionsTest, AcceptsTheCurrentAndThePreviousTokenOnly) {
     EXPECT_FALSE(sessions.Use("u1", t0) || sessions.Use("u2", t2) || sessions.Use("u1", ""));
 }
 
-TEST_F(SessionsTest, LapsesAfterTheIdleTimeAndPeekKeepsTheToken) {
-    const auto t0 = sessions.Open({1, "u1"});
-    clock.Advance(29min);
-    EXPECT_TRUE(sessions.Peek("u1", t0));
-    clock.Advance(29min);
-    auto r = sessions.Use("u1", t0);
-    ASSERT_TRUE(r) << "peek kept the session alive and the token unchanged";
-    EXPECT_TRUE(sessions.HasLiveSession("u1", 1));
-    clock.Advance(31min);
-    EXPECT_FALSE(sessions.Use("u1", r->second));
-    EXPECT_FALSE(sessions.HasLiveSession("u1", 1));
-}
-
 // Holder, lapse and the master lock across the office are the lock pages' tests.
 TEST(Locks, RenewalAndLocksApartByAccountAndKind) {
     ManualClock clock;
