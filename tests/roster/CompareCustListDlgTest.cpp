@@ -49,14 +49,9 @@ protected:
                     ", '" + (other ? "X" : "C") + n + "', '社" + n + "', 'ｼｬ', 0);");
         }
     }
-    static std::unique_ptr<cCustList> Server(const std::vector<int>& ids) {
+    static std::unique_ptr<cCustList> Server(const std::vector<RosterEntry>& entries) {
         auto list = std::make_unique<cCustList>();
-        for (int id : ids) {
-            cCustListItem& item = list->Add(id);
-            item.Code = "C" + std::to_string(id);
-            item.CorpName0 = "社" + std::to_string(id);
-            item.CorpKanaS = "ｼｬ";
-        }
+        EXPECT_TRUE(list->ReadXML(RosterReply(entries)));
         return list;
     }
     Golden data_{"roster/compare-cust-list.txt"};
@@ -68,7 +63,7 @@ TEST_F(CompareCustListDlgTest, HowFarApartTheRostersAreChoosesTheDialog) {
     for (const auto& row : data_.Table("dialog by distance")) {
         SCOPED_TRACE(row[0] + " / " + row[1] + " / " + row[2]);
         Local(Ids(row[0]), Ids(row[2]));
-        auto list = Server(Ids(row[1]));
+        auto list = Server(Customers(Ids(row[1])));
         list->CompareLocalDB(Db());
         kit_->ClearRecords();
         const std::int32_t result = list->ShowCompareCustListDlg(nullptr);
@@ -85,7 +80,7 @@ TEST_F(CompareCustListDlgTest, PerCustomerDialogOffersAddOrDeleteForEachRow) {
     Sql(paths_.customer,
         "INSERT INTO tCustomer (id, Code, CorpName0, disabled) VALUES "
         "(3, 'C3', '株式会社三', 0), (4, 'C4', '四', 0), (8, 'C8', '八', 1);");
-    auto server = Server({5, 6});
+    auto server = Server(Customers({5, 6}));
     server->Item("K5")->CorpName0 = "㈱五";
     frmSelectCompareCustList form(*kit_);
     form.SetLocalDB(Db());
@@ -128,10 +123,9 @@ TEST_F(CompareCustListDlgTest, WholeRosterDialogListsBothSidesAndNeedsTheTick) {
         "INSERT INTO tCustomer (id, Code, CorpName0, disabled, RecordUpdate) VALUES "
         "(2, 'C2', '二', 0, NULL), (1, 'C1', '株式会社', 0, '2024-05-01 09:05:03'), "
         "(3, 'C3', '三', 1, NULL);");
-    auto server = Server({7});
-    auto stamps = std::make_shared<ServerStamps>();
-    stamps->SetText(0, "2024/6/1 8:00:00");
-    server->Item("K7")->Stamps = stamps;
+    RosterEntry seven = Customer(7);
+    seven.stamps[0] = "2024/6/1 8:00:00";
+    auto server = Server({seven});
     auto show = [&](std::function<void(forms::Form&)> script) {
         kit_->ClearRecords();
         frmSelectCompareCustListAll form(*kit_);
@@ -182,7 +176,7 @@ TEST_F(CompareCustListDlgTest, WholeRosterDialogListsBothSidesAndNeedsTheTick) {
 }
 
 TEST_F(CompareCustListDlgTest, ABrokenDatabaseLeavesTheLocalListEmpty) {
-    auto server = Server({7});
+    auto server = Server({Customer(7)});
     frmSelectCompareCustListAll form(*kit_);
     form.SetLocalDB((temp_.Path() / "none" / "Customer.dat").string());
     form.SetServerData(server.get());
@@ -210,7 +204,7 @@ TEST_F(CompareCustListDlgTest, FacadeHandsTheChoicesBackAsFourIdTexts) {
     EXPECT_EQ(texts(), V(4));
 
     Local({1, 2, 3, 4});
-    Serve({Customer(1), Customer(2), Customer(5), Customer(6)});
+    Serve(Customers({1, 2, 5, 6}));
     ASSERT_EQ(obj.CompareCustomerList(Db()), 3);
     forms::Form host(*kit_, "frmHost", "host");
     kit_->OnShow(kSelect, [](forms::Form& f) {

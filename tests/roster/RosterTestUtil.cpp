@@ -22,6 +22,12 @@ RosterEntry Customer(int id) {
     return {id, "C" + std::to_string(id), "社" + std::to_string(id), "ｼｬ", 1, {}};
 }
 
+std::vector<RosterEntry> Customers(const std::vector<int>& ids) {
+    std::vector<RosterEntry> entries;
+    for (int id : ids) entries.push_back(Customer(id));
+    return entries;
+}
+
 std::string CompItem(const RosterEntry& e) {
     std::string s = "<compItem><CustomerID>" + std::to_string(e.id) +
                     "</CustomerID><disabled>0</disabled>" + "<Code>" + XmlText(e.code) +

@@ -25,6 +25,7 @@ struct RosterEntry {
 
 // Customer `id` as the tests name it: code "C<id>", name "社<id>", kana "ｼｬ", backed up.
 RosterEntry Customer(int id);
+std::vector<RosterEntry> Customers(const std::vector<int>& ids);
 // The compItem of one customer.
 std::string CompItem(const RosterEntry& e);
 // The whole judged reply: envelope, compList, CompCount, items.
