@@ -22,6 +22,8 @@ TEST_F(ServerTest, MalformedBodiesUnknownPagesAndBadNumbersAreRefused) {
     u.token = r.Token();
     EXPECT_EQ(Post("customer/getCompList.php", std::string("\0\x01\x02", 3)).Flags(), 0);
     EXPECT_EQ(Post("customer/getCompList.php", "").Flags(), 0);
+    for (const char* page : {"customer/getNothing.php", "logout.php"})
+        EXPECT_EQ(Post(page, "ID=u1&token=" + u.token + "&").Flags(), -1) << page;
     for (const auto& row : Golden("server/bad-input.txt").Table("refused")) {
         Reply bad = Call(u, row[0], row[1]);
         EXPECT_EQ(bad.Flags(), -1) << row[0] << " " << row[1];
