@@ -1,7 +1,5 @@
 // Reconciling rosters that differ: which dialog the difference calls for, the two dialogs as
 // a user drives them, and the choices they hand back through the facade.
-#include <gtest/gtest.h>
-
 #include <cstdio>
 #include <sstream>
 
@@ -10,8 +8,6 @@
 #include "roster/cCustList.h"
 #include "roster/frmSelectCompareCustList.h"
 #include "roster/frmSelectCompareCustListAll.h"
-#include "store/StoreTestUtil.h"
-#include "support/Golden.h"
 
 namespace morvane::test {
 namespace {

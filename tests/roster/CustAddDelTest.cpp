@@ -1,12 +1,8 @@
 // Adding and deleting customers on the server: the bodies as sent, what is read locally,
 // and which replies count as done.
-#include <gtest/gtest.h>
-
 #include "RosterTestUtil.h"
 #include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
-#include "store/StoreTestUtil.h"
-#include "support/Golden.h"
 
 namespace morvane::test {
 namespace {

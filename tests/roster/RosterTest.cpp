@@ -1,12 +1,8 @@
 // The roster members end to end: the HTTPS test server's roster against real files, the
 // snapshot they leave, the roster download and its rollback, the IDs to upload.
-#include <gtest/gtest.h>
-
 #include "RosterTestUtil.h"
 #include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
-#include "store/StoreTestUtil.h"
-#include "support/Golden.h"
 
 namespace morvane::test {
 namespace {

@@ -10,6 +10,8 @@
 #include "platform/Forms.h"
 #include "store/BackupTableIndex.h"
 #include "store/LocalDatabases.h"
+#include "store/StoreTestUtil.h"
+#include "support/Golden.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {

@@ -1,15 +1,8 @@
 // The table scan into the snapshot: its exceptions by index, and the scan of all customers
 // against the scan of one.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "RosterTestUtil.h"
 #include "roster/cCustList.h"
 #include "roster/cCustListSync.h"
-#include "store/StoreTestUtil.h"
-#include "support/Golden.h"
 
 namespace morvane::test {
 namespace {

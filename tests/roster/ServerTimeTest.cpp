@@ -1,7 +1,5 @@
 // The clock measurement's tries against the HTTPS test server, with a clock that moves by a
 // set step at every reading, and the data folder's offset on a local disk.
-#include <gtest/gtest.h>
-
 #include <cmath>
 
 #include "RosterTestUtil.h"

@@ -1,16 +1,10 @@
 // Backup target flags: the snapshot's answers, the check against the limit, the target
 // dialog's rules, and the lock, set, unlock sequence that follows a confirmed choice.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "RosterTestUtil.h"
 #include "component/ctrlMorvane.h"
 #include "roster/cCustListSync.h"
 #include "roster/frmSelectEnabledCustList.h"
 #include "state/ProcessState.h"
-#include "support/Golden.h"
 
 namespace morvane::test {
 namespace {

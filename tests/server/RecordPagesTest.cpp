@@ -167,23 +167,6 @@ TEST_F(RecordPagesTest, EveryDeclaredListKindRoundTripsItsItemsAndDisabledAllRep
     }
 }
 
-TEST_F(RecordPagesTest, StaffKeysOfTheClientRoundTripAndLongBodiesAreTaken) {
-    CreateCustomer(u_, 3);
-    const std::string career(40000, 'k');
-    Call(u_, "customer/setCompShokuin.php",
-         "CustomerID=3&ShokuinItemID=11&DISABLEDALL=DISABLEDALL&fname1=ﾔﾏﾀﾞ&LicenceDate1=H01&"
-         "SenninGyosyuN=01&SenninGyosyu=02&keireki=" +
-             career + "&vno=1&");
-    auto items = ReadList(Call(u_, "customer/getCompShokuin.php", Id(3)), "Customer", "Shokuin",
-                          {"FName1", "licencedate1", "Keireki"});
-    ASSERT_TRUE(items && items->size() == 1u);
-    Item& first = (*items)[0];
-    EXPECT_EQ(
-        first["FNAME1"] + first["LICENCEDATE1"] + first["SENNINGYOSYUN"] + first["SENNINGYOSYU"],
-        "ﾔﾏﾀﾞH010102");
-    EXPECT_EQ(first["KEIREKI"], career);
-}
-
 // The header moved with the main record, whose own stamp tells the offices; a grid that
 // looked newer here would be taken over an office's unsent grid.
 TEST_F(RecordPagesTest, GyoshuGridKeepsItsOwnStampWhenTheHeaderMoves) {
