@@ -1,5 +1,6 @@
-// The server's parts on their own: body splitting, passwords, tokens, locks, file names, numbers.
+// The server's parts on their own: body splitting, passwords, tokens, locks, file names, XML.
 #include <gtest/gtest.h>
+#include <pugixml.hpp>
 
 #include "server/core/Clock.h"
 #include "server/core/Locks.h"
@@ -8,6 +9,7 @@
 #include "server/files/FileStore.h"
 #include "server/util/FormBody.h"
 #include "server/util/Text.h"
+#include "server/xml/XmlWriter.h"
 
 namespace morvane::server {
 namespace {
@@ -87,6 +89,18 @@ TEST(FileNames, PlainNamesOnly) {
          {"", ".", "..", "../x", "a/b", "a\\b", "x..y", "a\tb", "a\nb", "\x7f", "\xff\xfe"})
         EXPECT_FALSE(FileStore::ValidName(bad)) << bad;
     EXPECT_FALSE(FileStore::ValidName(std::string(256, 'a')));
+}
+
+TEST(XmlWriter, EscapesValuesAndRefusesWhatXmlCannotHold) {
+    XmlWriter xml("root");
+    xml.Open("a").Leaf("v", "x<&>\r\ny").Close();
+    pugi::xml_document doc;
+    ASSERT_TRUE(doc.load_string(xml.Finish().c_str()));
+    EXPECT_STREQ(doc.child("root").child("a").child("v").text().get(), "x<&>\r\ny");
+
+    XmlWriter bad("root");
+    EXPECT_THROW(bad.Leaf("v", std::string("a\x01", 2)), XmlBuildError);
+    EXPECT_THROW(bad.Leaf("v", "\xc0\xaf"), XmlBuildError);
 }
 
 TEST(Text, NumbersAsTheBodiesCarryThem) {
