@@ -144,10 +144,11 @@ TEST_F(RecordPagesTest, EveryDeclaredListKindRoundTripsItsItemsAndDisabledAllRep
             const bool number = f == "vno" || f == "LocalIndex";
             return number ? std::to_string(n) : f + "<&>" + std::to_string(n) + round;
         };
-        // A first round that the second replaces whole.
+        // A first round, under other item IDs, that the second replaces whole.
         for (const std::string round : {"old", ""})
             for (int n = 1; n <= items; ++n) {
-                std::string body = start + store.ItemIdKey() + "=" + std::to_string(100 + n) + "&";
+                std::string body = start + store.ItemIdKey() + "=" +
+                                   std::to_string((round.empty() ? 100 : 200) + n) + "&";
                 if (n == 1) body += "DISABLEDALL=DISABLEDALL&";
                 for (const auto& f : store.fields) body += f + "=" + value(f, n, round) + "&";
                 ASSERT_EQ(Flags(u_, page.path, body), 1);
