@@ -1,112 +1,88 @@
 // The roster members end to end: the HTTPS test server's roster against real files, the
 // snapshot they leave, the roster download and its rollback, the IDs to upload.
-#include <gtest/gtest.h>
-
 #include "RosterTestUtil.h"
 #include "component/ctrlMorvane.h"
 #include "session/mdlLogin.h"
-#include "state/ProcessState.h"
-#include "store/StoreTestUtil.h"
-#include "support/MorvaneTest.h"
 
 namespace morvane::test {
 namespace {
 
-class RosterTest : public MorvaneTest {
+class RosterTest : public RosterDbTest {
 protected:
     void SetUp() override {
-        MorvaneTest::SetUp();
-        paths_ = CreateLocalDatabases(temp_.Path() / "data");
-        server_->On("gettime.php", TimeReply(State().Clock().Now().StampText()));
+        RosterDbTest::SetUp();
+        LogIn();
     }
-    void Local(const std::string& values) {
-        Sql(paths_.customer,
-            "INSERT INTO tCustomer (id, Code, CorpName0, CorpKanaS, disabled, RecordUpdate, "
-            "InetCheckDate) VALUES " +
-                values + ";");
-    }
-    void Serve(const std::vector<RosterEntry>& entries) {
-        server_->On("customer/getCompList.php", RosterReply(entries));
-    }
-    std::string Db() const { return paths_.customer.string(); }
+    void Local(const std::string& key) { Sql(paths_.customer, data_[key]); }
     std::vector<std::string> Customers() const {
         return Rows(paths_.customer,
                     "SELECT id, Code, CorpName0, CorpKanaS, disabled, RecordUpdate, InetCheckDate, "
                     "InetSyncFlag FROM tCustomer ORDER BY id");
     }
-    LocalDatabasePaths paths_;
+    Golden data_{"roster/roster.txt"};
+    ctrlMorvane obj_;
 };
 
 RosterEntry Entry(int id, std::string code = "") {
-    return {id, code.empty() ? "C" + std::to_string(id) : code, "社" + std::to_string(id), "ｼｬ", 1,
-            {}};
+    RosterEntry e = Customer(id);
+    if (!code.empty()) e.code = code;
+    return e;
 }
 
 TEST_F(RosterTest, ResultsOfTheRosterComparison) {
-    ctrlMorvane obj;
-    LogIn();
+    const auto compare = [&](const std::vector<RosterEntry>& served) {
+        Serve(served);
+        return obj_.CompareCustomerList(Db());
+    };
     // Both empty, and a local roster of the sample customer alone against an empty server.
-    Serve({});
-    EXPECT_EQ(obj.CompareCustomerList(Db()), 0);
+    EXPECT_EQ(compare({}), 0);
     Sql(paths_.customer, std::string("INSERT INTO tCustomer (id, CorpName0) VALUES (90, '") +
                              kSampleCustomerName + "');");
-    EXPECT_EQ(obj.CompareCustomerList(Db()), 0);
+    EXPECT_EQ(compare({}), 0);
     // The sample customer alone against a server with customers: the local side is empty.
-    Serve({Entry(1)});
-    EXPECT_EQ(obj.CompareCustomerList(Db()), 5);
-    // Customers on both sides: equal numbers (the sample counts once it is not alone)...
-    Local("(1, 'C1', '社1', 'ｼｬ', 0, NULL, NULL)");
-    Serve({Entry(1), Entry(90)});
-    EXPECT_EQ(obj.CompareCustomerList(Db()), 0);
-    // ...a different number, or the same number with other IDs, differ.
-    Serve({Entry(1)});
-    EXPECT_EQ(obj.CompareCustomerList(Db()), 3);
-    Serve({Entry(1), Entry(91)});
-    EXPECT_EQ(obj.CompareCustomerList(Db()), 3);
-    // An empty server against local customers.
-    Serve({});
-    EXPECT_EQ(obj.CompareCustomerList(Db()), 4);
+    EXPECT_EQ(compare({Entry(1)}), 5);
+    // Customers on both sides: equal numbers (the sample counts once it is not alone); a
+    // different number, or the same number with other IDs, differ; an empty server.
+    Local("one customer");
+    EXPECT_EQ(compare({Entry(1), Entry(90)}), 0);
+    EXPECT_EQ(compare({Entry(1)}), 3);
+    EXPECT_EQ(compare({Entry(1), Entry(91)}), 3);
+    EXPECT_EQ(compare({}), 4);
     // Only the code differs: the rosters agree, and the list is released.
-    Serve({Entry(1, "OTHER"), Entry(90)});
-    EXPECT_EQ(obj.CompareCustomerList(Db()), 0);
+    EXPECT_EQ(compare({Entry(1, "OTHER"), Entry(90)}), 0);
     std::string add, del, upd;
-    EXPECT_EQ(obj.GetUploadCustomerListIDs(Db(), add, del, upd), 0);
+    EXPECT_EQ(obj_.GetUploadCustomerListIDs(Db(), add, del, upd), 0);
     EXPECT_EQ(server_->RequestsTo("customer/getCompList.php").back().body,
               "ID=" + GetLoginID() + "&token=T1&");
 }
 
 TEST_F(RosterTest, BrokenRepliesAndDatabasesGiveZeroWithoutASnapshot) {
-    ctrlMorvane obj;
-    LogIn();
-    Local("(1, 'C1', '社1', 'ｼｬ', 0, NULL, NULL)");
+    Local("one customer");
     // A count without its items, one item short of a tag, and text that is no XML.
     std::string item = CompItem(Entry(2));
     item.replace(item.find("<CorpKanaS>"), std::string("<CorpKanaS>ｼｬ</CorpKanaS>").size(), "");
-    for (const std::string& payload :
-         {std::string("<compList><CompCount>5</CompCount></compList>"),
-          "<compList><CompCount>2</CompCount>" + CompItem(Entry(1)) + item + "</compList>",
-          std::string("<compList><CompCount>0</CompCount></compList><compList/>")}) {
-        server_->On("customer/getCompList.php", Envelope(1, "T1", payload));
-        EXPECT_EQ(obj.CompareCustomerList(Db()), 0) << payload;
-        EXPECT_FALSE(obj.CustmerBackuped(1));
+    for (const std::string& reply :
+         {Envelope(1, "T1", "<compList><CompCount>5</CompCount></compList>"),
+          Envelope(
+              1, "T1",
+              "<compList><CompCount>2</CompCount>" + CompItem(Entry(1)) + item + "</compList>"),
+          Envelope(1, "T1", "<compList><CompCount>0</CompCount></compList><compList/>"),
+          std::string("<r><system><flags>1</flags>")}) {
+        server_->On("customer/getCompList.php", reply);
+        EXPECT_EQ(obj_.CompareCustomerList(Db()), 0) << reply;
+        EXPECT_FALSE(obj_.CustmerBackuped(1));
     }
-    server_->On("customer/getCompList.php", "<r><system><flags>1</flags>");
-    EXPECT_EQ(obj.CompareCustomerList(Db()), 0);
     // A missing database file fails at the worker's end, with the error trap's box.
     Serve({Entry(1)});
     kit_->ClearRecords();
-    EXPECT_EQ(obj.CompareCustomerList((temp_.Path() / "none" / "Customer.dat").string()), 0);
+    EXPECT_EQ(obj_.CompareCustomerList((temp_.Path() / "none" / "Customer.dat").string()), 0);
     EXPECT_FALSE(kit_->Boxes().empty());
 }
 
 TEST_F(RosterTest, SnapshotMembersAfterTheComparison) {
-    ctrlMorvane obj;
-    LogIn();
-    EXPECT_FALSE(obj.CustmerBackuped(1));
-    EXPECT_EQ(obj.CustmerRecordUpdate_Local(1), "");
-    Local(
-        "(1, 'C1', '社1', 'ｼｬ', 0, '2024-05-01 10:00:00', '2024-05-01 10:00:00'),"
-        "(2, 'C2', '社2', 'ｼｬ', 0, '1999-05-01 10:00:00', NULL)");
+    EXPECT_FALSE(obj_.CustmerBackuped(1));
+    EXPECT_EQ(obj_.CustmerRecordUpdate_Local(1), "");
+    Local("snapshot");
     Sql(paths_.prefcustom,
         "INSERT INTO t13_HENKOTODOKE_TEISEI (CustomerID, RecordUpdate) VALUES "
         "(1, '2024-07-01 08:00:00');");
@@ -114,89 +90,66 @@ TEST_F(RosterTest, SnapshotMembersAfterTheComparison) {
     one.stamps = {{0, "2024/05/01 10:00:30"}, {52, "2024/06/01 09:00:00"}, {7, "1999/01/01"}};
     one.enableFlag = 0;
     Serve({one, Entry(2)});
-    EXPECT_EQ(obj.CompareCustomerList(Db()), 0);
-    EXPECT_EQ(obj.CustmerBackupedTableSyncFlag(1, 0) * 10 + obj.CustmerBackupedTableSyncFlag(1, 52),
-              2);
+    EXPECT_EQ(obj_.CompareCustomerList(Db()), 0);
+    EXPECT_EQ(
+        obj_.CustmerBackupedTableSyncFlag(1, 0) * 10 + obj_.CustmerBackupedTableSyncFlag(1, 52), 2);
     std::string backed;
-    for (int i : {0, 52, 99, -1}) backed += obj.CustmerBackupedTable(1, i) ? "+" : "-";
+    for (int i : {0, 52, 99, -1}) backed += obj_.CustmerBackupedTable(1, i) ? "+" : "-";
     EXPECT_EQ(backed, "+-+-");
-    EXPECT_FALSE(obj.CustmerBackuped(1));
-    EXPECT_EQ(obj.CustmerRecordUpdateTable_Local(1, 52), "2024/07/01 8:00:00");
-    EXPECT_EQ(obj.CustmerRecordUpdateTable_Server(1, 52), "2024/06/01 09:00:00");
-    EXPECT_EQ(obj.CustmerRecordUpdateTable_Comper(1, 0), "2024/05/01 10:00:00");
-    EXPECT_EQ(obj.CustmerRecordUpdate_Local(1), "2024/07/01 08:00:00");
-    EXPECT_EQ(obj.CustmerRecordUpdate_Server(1), "2024/06/01 09:00:00");
+    EXPECT_FALSE(obj_.CustmerBackuped(1));
+    EXPECT_EQ(
+        (std::vector<std::string>{
+            obj_.CustmerRecordUpdateTable_Local(1, 52), obj_.CustmerRecordUpdateTable_Server(1, 52),
+            obj_.CustmerRecordUpdateTable_Comper(1, 0), obj_.CustmerRecordUpdate_Local(1),
+            obj_.CustmerRecordUpdate_Server(1)}),
+        data_.Lines("snapshot stamps"));
     // Stamps on or before 2000/01/01 count as none; customer 0 has no answer.
-    EXPECT_EQ(obj.CustmerRecordUpdate_Local(2) + obj.CustmerRecordUpdate_Server(2) +
-                  obj.CustmerRecordUpdate_Local(0) + obj.CustmerRecordUpdateTable_Local(3, 0),
+    EXPECT_EQ(obj_.CustmerRecordUpdate_Local(2) + obj_.CustmerRecordUpdate_Server(2) +
+                  obj_.CustmerRecordUpdate_Local(0) + obj_.CustmerRecordUpdateTable_Local(3, 0),
               "");
     // The refresh of one customer keeps the others and re-reads its own tables.
     Sql(paths_.prefcustom,
         "UPDATE t13_HENKOTODOKE_TEISEI SET RecordUpdate = '2024-08-01 00:00:00';");
     Sql(paths_.customer, "UPDATE tCustomer SET RecordUpdate = '2024-08-02 00:00:00' WHERE id = 2;");
-    EXPECT_EQ(obj.CompareCustomerListItem(Db(), 1), 0);
-    EXPECT_EQ(obj.CustmerRecordUpdateTable_Local(1, 52), "2024/08/01");
-    EXPECT_EQ(obj.CustmerRecordUpdateTable_Local(2, 0), "1999/05/01 10:00:00");
+    EXPECT_EQ(obj_.CompareCustomerListItem(Db(), 1), 0);
+    EXPECT_EQ(obj_.CustmerRecordUpdateTable_Local(1, 52), "2024/08/01");
+    EXPECT_EQ(obj_.CustmerRecordUpdateTable_Local(2, 0), "1999/05/01 10:00:00");
 }
 
+// 1 is unchanged, 2 is renamed, 3 comes back, 4 is gone, 5 is new.
 TEST_F(RosterTest, DownloadTakesTheServersRosterWhole) {
-    ctrlMorvane obj;
-    LogIn();
-    Local(
-        "(1, 'C1', '社1', 'ｼｬ', 0, '2024-05-01 10:00:00', '2024-05-01 10:00:00'),"
-        "(2, 'C2', '社2', 'ｼｬ', 0, '2024-05-01 10:00:00', '2024-05-01 10:00:00'),"
-        "(3, 'C3', '社3', 'ｼｬ', 1, '2024-05-01 10:00:00', '2024-05-01 10:00:00'),"
-        "(4, 'C4', '社4', 'ｼｬ', 0, '2024-05-01 10:00:00', '2024-05-01 10:00:00')");
-    // 1 is unchanged, 2 is renamed, 3 comes back, 4 is gone, 5 is new.
+    Local("download");
     RosterEntry two = Entry(2);
     two.name = "新社名";
     Serve({Entry(1), two, Entry(3), Entry(5)});
-    EXPECT_EQ(obj.SyncDownloadCustomerList(Db()), 1);
-    EXPECT_EQ(Customers(), (std::vector<std::string>{
-                               "1|C1|社1|ｼｬ|0|2024/05/01 10:00:00|2024/05/01 10:00:00|0",
-                               "2|C2|新社名|ｼｬ|0|<null>|<null>|1", "3|C3|社3|ｼｬ|0|<null>|<null>|1",
-                               "4|C4|社4|ｼｬ|1|2024/05/01 10:00:00|2024/05/01 10:00:00|0",
-                               "5|C5|社5|ｼｬ|0|<null>|<null>|1"}));
+    EXPECT_EQ(obj_.SyncDownloadCustomerList(Db()), 1);
+    EXPECT_EQ(Customers(), data_.Lines("after the download"));
 }
 
 TEST_F(RosterTest, AnErrorInsideTheDownloadLeavesTCustomerAsItWas) {
-    ctrlMorvane obj;
-    LogIn();
-    Local(
-        "(1, 'C1', '社1', 'ｼｬ', 0, '2024-05-01 10:00:00', NULL),"
-        "(2, 'C2', '社2', 'ｼｬ', 0, NULL, '2024-05-01 10:00:00'),"
-        "(3, 'C3', '社3', 'ｼｬ', 1, NULL, NULL)");
-    // The new customer 9 cannot be written: the run has already changed 1, 2 and 3.
-    Sql(paths_.customer,
-        "CREATE TRIGGER refuse BEFORE INSERT ON tCustomer WHEN NEW.id = 9 "
-        "BEGIN SELECT RAISE(ABORT, 'refused'); END;");
+    Local("rollback");
     const auto before = Customers();
-    RosterEntry one = Entry(1, "X");
-    Serve({one, Entry(3), Entry(9)});
+    Serve({Entry(1, "X"), Entry(3), Entry(9)});
     kit_->ClearRecords();
-    EXPECT_EQ(obj.SyncDownloadCustomerList(Db()), 1);  // the member's result stays 1
+    EXPECT_EQ(obj_.SyncDownloadCustomerList(Db()), 1);  // the member's result stays 1
     EXPECT_EQ(Customers(), before);
     ASSERT_EQ(kit_->Boxes().size(), 1u);
     EXPECT_NE(kit_->Boxes()[0].text.find("refused"), std::string::npos);
     // Not logged in: nothing is sent and the result is 0.
     const size_t sent = server_->RequestsTo("customer/getCompList.php").size();
     SetLoginState(0);
-    EXPECT_EQ(obj.SyncDownloadCustomerList(Db()), 0);
+    EXPECT_EQ(obj_.SyncDownloadCustomerList(Db()), 0);
     EXPECT_EQ(server_->RequestsTo("customer/getCompList.php").size(), sent);
 }
 
 TEST_F(RosterTest, UploadIDsAfterADifferingComparison) {
-    ctrlMorvane obj;
-    LogIn();
-    Local(
-        "(1, 'C1', '社1', 'ｼｬ', 0, NULL, NULL), (2, 'C2', '社2', 'ｼｬ', 0, NULL, NULL),"
-        "(3, 'C3', '社3', 'ｼｬ', 0, NULL, NULL), (7, 'C7', '社7', 'ｼｬ', 1, NULL, NULL)");
+    Local("upload");
     RosterEntry two = Entry(2);
     two.kana = "ﾍﾞﾂ";
     Serve({Entry(1), two, Entry(4), Entry(5)});
-    EXPECT_EQ(obj.CompareCustomerList(Db()), 3);
+    EXPECT_EQ(obj_.CompareCustomerList(Db()), 3);
     std::string add = "x", del, upd;
-    EXPECT_EQ(obj.GetUploadCustomerListIDs(Db(), add, del, upd), 1);
+    EXPECT_EQ(obj_.GetUploadCustomerListIDs(Db(), add, del, upd), 1);
     EXPECT_EQ(add + "|" + del + "|" + upd, "3|4,5|2");
 }
 

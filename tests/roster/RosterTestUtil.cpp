@@ -1,5 +1,6 @@
 #include "RosterTestUtil.h"
 
+#include "state/ProcessState.h"
 #include "support/TestServer.h"
 #include "util/Text.h"
 
@@ -10,7 +11,22 @@ std::string XmlText(std::string s) {
     return ReplaceAll(ReplaceAll(ReplaceAll(std::move(s), "&", "&amp;"), "<", "&lt;"), ">", "&gt;");
 }
 
+std::string Joined(std::string row, const std::vector<std::string>& cells) {
+    for (const auto& cell : cells) row += " | " + cell;
+    return row;
+}
+
 }  // namespace
+
+RosterEntry Customer(int id) {
+    return {id, "C" + std::to_string(id), "社" + std::to_string(id), "ｼｬ", 1, {}};
+}
+
+std::vector<RosterEntry> Customers(const std::vector<int>& ids) {
+    std::vector<RosterEntry> entries;
+    for (int id : ids) entries.push_back(Customer(id));
+    return entries;
+}
 
 std::string CompItem(const RosterEntry& e) {
     std::string s = "<compItem><CustomerID>" + std::to_string(e.id) +
@@ -34,6 +50,32 @@ std::string RosterReply(const std::vector<RosterEntry>& entries, const std::stri
 
 std::string TimeReply(const std::string& text) {
     return "<?xml version=\"1.0\"?><r><datetime>" + text + "</datetime></r>";
+}
+
+void RosterDbTest::SetUp() {
+    MorvaneTest::SetUp();
+    paths_ = CreateLocalDatabases(temp_.Path() / "data");
+    server_->On("gettime.php", TimeReply(State().Clock().Now().StampText()));
+}
+
+void RosterDbTest::Serve(const std::vector<RosterEntry>& entries) {
+    server_->On("customer/getCompList.php", RosterReply(entries));
+}
+
+std::vector<std::string> GridRows(const forms::Grid& grid) {
+    std::vector<std::string> rows;
+    for (int r = 0; r < grid.Rows(); ++r) {
+        std::vector<std::string> texts;
+        for (int c = 1; c < grid.Cols(); ++c) texts.push_back(grid.At(r, c).text);
+        rows.push_back(Joined(grid.At(r, 0).data, texts));
+    }
+    return rows;
+}
+
+std::vector<std::string> ListRows(const forms::ListView& list) {
+    std::vector<std::string> rows;
+    for (const auto& item : list.items) rows.push_back(Joined(item.key, item.texts));
+    return rows;
 }
 
 }  // namespace morvane::test

@@ -2,118 +2,62 @@
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
-#include <openssl/ssl.h>
-#include <poll.h>
 #include <sys/socket.h>
-#include <unistd.h>
-
 #include <sys/time.h>
 
-#include <algorithm>
 #include <cerrno>
 
 namespace morvane::server::testing {
-namespace {
 
-struct CtxDeleter {
-    void operator()(SSL_CTX* c) const { SSL_CTX_free(c); }
-};
-struct SslDeleter {
-    void operator()(SSL* s) const { SSL_free(s); }
-};
-
-}  // namespace
-
-struct RawConnection::Impl {
-    int fd = -1;
-    std::unique_ptr<SSL_CTX, CtxDeleter> ctx;
-    std::unique_ptr<SSL, SslDeleter> ssl;
-
-    ~Impl() {
-        ssl.reset();
-        if (fd >= 0) ::close(fd);
-    }
-};
-
-RawConnection::RawConnection(int port) : impl_(std::make_unique<Impl>()) {
-    const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (fd < 0) return;
+RawConnection::RawConnection(int port) : fd_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
     sockaddr_in addr{};
     addr.sin_family = AF_INET;
     addr.sin_port = htons(static_cast<std::uint16_t>(port));
     addr.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    if (::connect(fd, reinterpret_cast<const sockaddr*>(&addr), sizeof addr) != 0) {
-        ::close(fd);
-        return;
-    }
-    impl_->fd = fd;
+    if (Open() && ::connect(fd_.Get(), reinterpret_cast<const sockaddr*>(&addr), sizeof addr) != 0)
+        fd_.Close();
 }
 
-RawConnection::~RawConnection() = default;
-RawConnection::RawConnection(RawConnection&&) noexcept = default;
-RawConnection& RawConnection::operator=(RawConnection&&) noexcept = default;
-
-bool RawConnection::Open() const { return impl_ && impl_->fd >= 0; }
-
 bool RawConnection::StartTls() {
-    if (!Open()) return false;
-    impl_->ctx.reset(SSL_CTX_new(TLS_client_method()));
-    if (!impl_->ctx) return false;
-    impl_->ssl.reset(SSL_new(impl_->ctx.get()));
-    if (!impl_->ssl) return false;
-    SSL_set_fd(impl_->ssl.get(), impl_->fd);
-    return SSL_connect(impl_->ssl.get()) == 1;
+    ctx_.reset(SSL_CTX_new(TLS_client_method()));
+    ssl_.reset(ctx_ ? SSL_new(ctx_.get()) : nullptr);
+    return Open() && ssl_ && SSL_set_fd(ssl_.get(), fd_.Get()) == 1 && SSL_connect(ssl_.get()) == 1;
 }
 
 bool RawConnection::Send(std::string_view bytes) {
-    if (!Open()) return false;
-    while (!bytes.empty()) {
+    while (Open() && !bytes.empty()) {
         const int n =
-            impl_->ssl
-                ? SSL_write(impl_->ssl.get(), bytes.data(), static_cast<int>(bytes.size()))
-                : static_cast<int>(::send(impl_->fd, bytes.data(), bytes.size(), MSG_NOSIGNAL));
+            ssl_ ? SSL_write(ssl_.get(), bytes.data(), static_cast<int>(bytes.size()))
+                 : static_cast<int>(::send(fd_.Get(), bytes.data(), bytes.size(), MSG_NOSIGNAL));
         if (n <= 0) return false;
         bytes.remove_prefix(static_cast<std::size_t>(n));
     }
-    return true;
+    return Open();
 }
 
 RawConnection::Outcome RawConnection::ReadUntilClosed(std::chrono::milliseconds limit) {
-    Outcome outcome;
-    if (!Open()) {
-        outcome.closed = true;
-        return outcome;
-    }
-    const auto deadline = std::chrono::steady_clock::now() + limit;
+    using namespace std::chrono;
+    Outcome outcome{{}, !Open()};
+    const auto deadline = steady_clock::now() + limit;
     char buffer[4096];
-    for (;;) {
-        // Bytes already decrypted are not visible to poll.
-        if (!impl_->ssl || SSL_pending(impl_->ssl.get()) == 0) {
-            const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-                deadline - std::chrono::steady_clock::now());
-            if (left.count() <= 0) return outcome;
-            pollfd p{impl_->fd, POLLIN, 0};
-            const int ready = ::poll(&p, 1, static_cast<int>(left.count()));
-            if (ready < 0 && errno == EINTR) continue;
-            if (ready <= 0) return outcome;
-        }
-        // A read that only takes a session ticket would otherwise block past the time.
-        const auto left = std::chrono::duration_cast<std::chrono::microseconds>(
-            deadline - std::chrono::steady_clock::now());
-        timeval tv{};
-        tv.tv_sec = static_cast<time_t>(std::max<long long>(left.count(), 1000) / 1000000);
-        tv.tv_usec = static_cast<suseconds_t>(std::max<long long>(left.count(), 1000) % 1000000);
-        ::setsockopt(impl_->fd, SOL_SOCKET, SO_RCVTIMEO, &tv, sizeof tv);
+    while (!outcome.closed) {
+        const auto left = duration_cast<microseconds>(deadline - steady_clock::now()).count();
+        if (left <= 0) break;
+        // Every read waits at most until the deadline, one that only takes a session ticket too.
+        const timeval tv{static_cast<time_t>(left / 1000000),
+                         static_cast<suseconds_t>(left % 1000000)};
+        ::setsockopt(fd_.Get(), SOL_SOCKET, SO_RCVTIMEO, &tv, sizeof tv);
         errno = 0;
-        const int n = impl_->ssl ? SSL_read(impl_->ssl.get(), buffer, sizeof buffer)
-                                 : static_cast<int>(::recv(impl_->fd, buffer, sizeof buffer, 0));
-        if (n <= 0) {
-            if (errno == EAGAIN || errno == EWOULDBLOCK) return outcome;
+        const int n = ssl_ ? SSL_read(ssl_.get(), buffer, sizeof buffer)
+                           : static_cast<int>(::recv(fd_.Get(), buffer, sizeof buffer, 0));
+        if (n > 0)
+            outcome.received.append(buffer, static_cast<std::size_t>(n));
+        else if (errno == EAGAIN || errno == EWOULDBLOCK)
+            break;
+        else
             outcome.closed = true;
-            return outcome;
-        }
-        outcome.received.append(buffer, static_cast<std::size_t>(n));
     }
+    return outcome;
 }
 
 }  // namespace morvane::server::testing

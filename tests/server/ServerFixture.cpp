@@ -3,23 +3,16 @@
 #include <httplib.h>
 #include <stdlib.h>
 
-#include <cstdio>
-#include <cstdlib>
-
 namespace morvane::server::testing {
 
-Reply::Reply(std::string body) : text(std::move(body)) {
-    parsed = static_cast<bool>(doc.load_string(text.c_str()));
-}
+Reply::Reply(std::string body) : text(std::move(body)) { doc.load_string(text.c_str()); }
 
 int Reply::Flags() const {
     auto node = doc.document_element().child("system").child("flags");
     return node ? std::stoi(node.text().get()) : -99;
 }
 
-std::string Reply::Token() const {
-    return doc.document_element().child("system").child("token").text().get();
-}
+std::string Reply::Token() const { return At("system/token"); }
 
 pugi::xml_node Reply::Payload(const char* name) const { return doc.document_element().child(name); }
 
@@ -37,12 +30,6 @@ void ServerTest::SetUp() {
     options_.dataDir = dir_ / "data";
     options_.clock = clock_;
     options_.maxUploadBytes = 64 * 1024;
-    if (std::getenv("MORVANE_SERVER_TEST_LOG"))
-        options_.log = [](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); };
-    StartServer();
-}
-
-void ServerTest::StartServer() {
     server_ = std::make_unique<MorvaneServer>(options_);
     server_->Start();
     AccountFields account;
@@ -68,14 +55,10 @@ std::string ServerTest::RawPost(const std::string& path, const std::string& body
     httplib::SSLClient client("127.0.0.1", server_->Port());
     client.set_ca_cert_path(server_->CertFile().c_str());
     client.enable_server_certificate_verification(true);
-    httplib::Headers h;
-    for (const auto& [k, v] : headers) h.emplace(k, v);
-    auto res = client.Post(("/" + path).c_str(), h, body, "application/x-www-form-urlencoded");
-    if (!res) {
-        ADD_FAILURE() << "no reply from " << path;
-        return {};
-    }
-    return res->body;
+    auto res = client.Post("/" + path, httplib::Headers(headers.begin(), headers.end()), body,
+                           "application/x-www-form-urlencoded");
+    if (!res) ADD_FAILURE() << "no reply from " << path;
+    return res ? res->body : "";
 }
 
 Login ServerTest::LogIn(const std::string& userId, const std::string& password) {
@@ -84,10 +67,8 @@ Login ServerTest::LogIn(const std::string& userId, const std::string& password) 
     return {userId, r.Token()};
 }
 
-Reply ServerTest::Call(Login& login, const std::string& path, const std::string& rest,
-                       const char* idKey) {
-    Reply r =
-        Post(path, std::string(idKey) + "=" + login.userId + "&token=" + login.token + "&" + rest);
+Reply ServerTest::Call(Login& login, const std::string& path, const std::string& rest) {
+    Reply r = Post(path, "ID=" + login.userId + "&token=" + login.token + "&" + rest);
     if (r.doc.document_element().child("system")) login.token = r.Token();
     return r;
 }
@@ -107,8 +88,7 @@ Reply ServerTest::UploadFile(Login& login, const std::string& kind, int customer
 void ServerTest::CreateCustomer(Login& login, int customer, const std::string& code) {
     Reply r = Call(login, "customer/createCompKihon.php",
                    "CustomerID=" + std::to_string(customer) + "&Code=" + code +
-                       "&CorpName0=名前&CorpKanaS=ナ&CorpKana0=ナ&",
-                   "id");
+                       "&CorpName0=名前&CorpKanaS=ナ&CorpKana0=ナ&");
     ASSERT_EQ(r.Flags(), 1) << r.text;
 }
 

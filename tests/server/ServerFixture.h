@@ -18,7 +18,6 @@ namespace morvane::server::testing {
 struct Reply {
     std::string text;
     pugi::xml_document doc;
-    bool parsed = false;
 
     explicit Reply(std::string body);
     int Flags() const;
@@ -40,9 +39,6 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    // Starts the server with the options as they stand (SetUp calls it once).
-    void StartServer();
-
     std::string RawPost(const std::string& path, const std::string& body,
                         const std::multimap<std::string, std::string>& headers = {});
     Reply Post(const std::string& path, const std::string& body) {
@@ -50,17 +46,15 @@ protected:
     }
     // Logs in; fails the test when the login is refused.
     Login LogIn(const std::string& userId = "u1", const std::string& password = "secret");
-    // Posts "ID=<id>&token=<token>&" + rest with the login's token and keeps the new token.
-    Reply Call(Login& login, const std::string& path, const std::string& rest,
-               const char* idKey = "ID");
+    // Posts "ID=<id>&token=<token>&" + rest with the login's token and keeps the new token
+    // (the server takes its keys in any case, so the pages the client posts "id=" to as well).
+    Reply Call(Login& login, const std::string& path, const std::string& rest);
     Reply UploadFile(Login& login, const std::string& kind, int customer,
                      const std::string& encodedName, const std::string& bytes);
-
     void CreateCustomer(Login& login, int customer, const std::string& code = "C");
     // The flags of a call, for the many checks that look at nothing else.
-    int Flags(Login& login, const std::string& path, const std::string& rest,
-              const char* idKey = "ID") {
-        return Call(login, path, rest, idKey).Flags();
+    int Flags(Login& login, const std::string& path, const std::string& rest) {
+        return Call(login, path, rest).Flags();
     }
 
     std::filesystem::path dir_;

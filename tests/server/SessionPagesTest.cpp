@@ -1,5 +1,6 @@
 // Login, the clock page, and the token that every judged reply renews.
 #include "ServerFixture.h"
+#include "support/Golden.h"
 
 namespace morvane::server::testing {
 namespace {
@@ -8,8 +9,9 @@ using namespace std::chrono_literals;
 
 TEST_F(ServerTest, WrongCredentialsGetNoTokenAndNoAccount) {
     EXPECT_EQ(Post("login.php", "no=K100&ID=u1&PW=secret&").At("account/UserName"), "山田");
-    for (const char* body : {"no=K100&ID=u1&PW=wrong&", "no=K999&ID=u1&PW=secret&",
-                             "no=K100&ID=nobody&PW=secret&", "no=K100&ID=u1&", ""}) {
+    auto bodies = morvane::test::Golden("server/session-pages.txt").Lines("refused");
+    bodies.push_back("");
+    for (const std::string& body : bodies) {
         Reply refused = Post("login.php", body);
         EXPECT_NE(refused.Flags(), 1) << body;
         EXPECT_EQ(refused.Token() + refused.At("account/UserName"), "") << body;
@@ -28,30 +30,28 @@ TEST_F(ServerTest, ClockPageHasNoEnvelopeAndStampsComeFromTheSameClock) {
     CreateCustomer(u, 1);
     Call(u, "customer/setMemo.php", "CustomerID=1&MemoItemID=1&DISABLEDALL=DISABLEDALL&History=h&");
     EXPECT_EQ(Call(u, "customer/getMemo.php", "CustomerID=1&").At("Customer/MemoList/RecordUpdate"),
-              Post("gettime.php", "").At("datetime"));
+              text);
 }
 
+// A failed request renews the token too; only the newest two are taken, and only from their
+// own user.
 TEST_F(ServerTest, EveryJudgedReplyRenewsTheTokenAndOnlyTheLastTwoAreTaken) {
     Login u = LogIn();
-    const std::string t0 = u.token;
-    std::string seen = u.token;
+    std::vector<std::string> tokens{u.token};
     for (const char* rest : {"", "", "CustomerID=404&"}) {
-        // A failed request renews it too.
         Reply r = Call(u, *rest ? "customer/getCompKihon.php" : "customer/getCompList.php", rest);
         EXPECT_EQ(r.Flags(), *rest ? -1 : 1);
-        EXPECT_NE(r.Token(), seen);
+        EXPECT_NE(r.Token(), tokens.back());
         EXPECT_FALSE(r.Token().empty());
-        seen = r.Token();
+        tokens.push_back(r.Token());
     }
-    Login oldest{"u1", t0};
-    Reply refused = Call(oldest, "customer/getCompList.php", "");
-    EXPECT_EQ(refused.Flags(), 0);
-    EXPECT_EQ(refused.Token(), "");
-    EXPECT_FALSE(refused.Payload("compList"));
-    Login forged{"u2", u.token};
-    EXPECT_EQ(Flags(forged, "customer/getCompList.php", ""), 0) << "a token belongs to its user";
-    Login madeUp{"u1", "0123456789abcdef"};
-    EXPECT_EQ(Flags(madeUp, "customer/getCompList.php", ""), 0);
+    for (Login other :
+         {Login{"u1", tokens[0]}, Login{"u2", u.token}, Login{"u1", "0123456789abcdef"}}) {
+        Reply refused = Call(other, "customer/getCompList.php", "");
+        EXPECT_EQ(refused.Flags(), 0) << other.userId << " " << other.token;
+        EXPECT_EQ(refused.Token(), "");
+        EXPECT_FALSE(refused.Payload("compList"));
+    }
 }
 
 TEST_F(ServerTest, SecondLoginGetsFlagsTwoOnlyWhereTheAccountSaysSo) {
@@ -63,12 +63,12 @@ TEST_F(ServerTest, SecondLoginGetsFlagsTwoOnlyWhereTheAccountSaysSo) {
     single.singleLogin = true;
     server_->CreateAccount(single);
     server_->AddUser("S1", "solo", "pw", "");
-    EXPECT_EQ(Post("login.php", "no=S1&ID=solo&PW=pw&").Flags(), 1);
-    Reply second = Post("login.php", "no=S1&ID=solo&PW=pw&");
-    EXPECT_EQ(second.Flags(), 2);
-    EXPECT_EQ(second.Token(), "");
-    EXPECT_EQ(Post("login.php", "no=S1&ID=solo&PW=bad&").Flags(), -1)
-        << "a wrong password is a failure, not 'logged in elsewhere'";
+    for (const auto& row :
+         morvane::test::Golden("server/session-pages.txt").Table("single login")) {
+        Reply r = Post("login.php", row[0]);
+        EXPECT_EQ(r.Flags(), std::stoi(row[1])) << row[0];
+        EXPECT_EQ(r.Token().empty(), row[1] != "1") << row[0];
+    }
     clock_->Advance(31min);
     EXPECT_EQ(Post("login.php", "no=S1&ID=solo&PW=pw&").Flags(), 1) << "after the first lapsed";
 }
