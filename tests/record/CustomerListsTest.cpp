@@ -13,7 +13,10 @@ namespace {
 
 const std::string kSetShokuin = "customer/setCompShokuin.php";
 
-std::string Body(std::string_view key) { return Golden("record/customer-lists.txt").Joined(key); }
+Golden Data() { return Golden("record/customer-lists.txt"); }
+std::string Body(std::string_view key) { return Data().Joined(key); }
+std::string Seed(std::string_view key) { return Data()[key]; }
+std::vector<std::string> Expected(std::string_view key) { return Data().Lines(key); }
 
 Tags PersonTags(int id) {
     return TagsOf("ShokuinItemID=" + std::to_string(id) + "|No=S" + std::to_string(id) +
@@ -63,9 +66,7 @@ TEST_F(ShokuinListTest, ReaderPadsTheSenninTextsAndMapsJokin) {
 }
 
 TEST_F(ShokuinListTest, DownloadThenCompareAgreesAndReadingsCompareWide) {
-    Sql(db_,
-        "INSERT INTO tCustomerMeibo (id, CustomerID, disabled, vno, Name1) VALUES "
-        "(1, 7, 0, 1, 'old'), (2, 8, 1, 1, 'free row of 8');");
+    Sql(db_, Seed("shokuin rows"));
     cCustKihon k;
     ASSERT_TRUE(
         k.ReadXMLShokuin(ListReply("Shokuin", {Person(10), Person(11, {{"Jokin", "非常勤"}})})));
@@ -73,9 +74,7 @@ TEST_F(ShokuinListTest, DownloadThenCompareAgreesAndReadingsCompareWide) {
     EXPECT_EQ(Rows(db_,
                    "SELECT id, CustomerID, vno, No, Jokin, SenninGyosyuN FROM "
                    "tCustomerMeibo ORDER BY id"),
-              (std::vector<std::string>{"1|7|1|S10|常勤|123" + std::string(28, '0'),
-                                        "2|8|1|<null>|<null>|<null>",
-                                        "3|7|2|S11|非常勤|123" + std::string(28, '0')}));
+              Expected("shokuin downloaded"));
     // A later reply whose readings are full width is the same list.
     At(10);
     ASSERT_TRUE(
@@ -94,10 +93,7 @@ TEST_F(ShokuinListTest, DownloadThenCompareAgreesAndReadingsCompareWide) {
 TEST_F(ShokuinListTest, UploadBodyPutsThePositionBeforeTheSenninKeys) {
     ctrlMorvane obj;
     LogIn();
-    Sql(db_,
-        "INSERT INTO tCustomerMeibo (id, CustomerID, disabled, vno, No, Name1, FName1, "
-        "SikakuCode1, licencedate2, Bunrui11, Jokin, SenninGyosyuN, SenninSikakuCode) VALUES "
-        "(5, 7, 0, 3, 'A&1', '山田', 'ﾔﾏﾀﾞ', 17, 'x', 'y', 'パート', '9', NULL);");
+    Sql(db_, Seed("shokuin to send"));
     server_->On(kSetShokuin, Envelope(1, "T2"));
     EXPECT_EQ(obj.SyncUploadCustomerSyokuinList(db_, 7), 1);
     EXPECT_EQ(server_->BodiesTo(kSetShokuin), std::vector<std::string>{Body("shokuin upload")});
@@ -144,20 +140,14 @@ TEST_F(EigyoshoListTest, ReaderTakesAnyNumberButZeroAsAMarkAndSplitsTheTrades) {
 }
 
 TEST_F(EigyoshoListTest, DownloadRewritesOwnRowsOnlyWithNumberAheadOfPosition) {
-    Sql(db_,
-        "INSERT INTO tCustomerEigyosyo (id, CustomerID, disabled, vno, Name) VALUES "
-        "(1, 8, 1, 1, 'free row of 8'), (2, 7, 0, 5, 'old'), (3, 7, 1, 6, 'freed');");
+    Sql(db_, Seed("eigyosho rows"));
     cCustKihon k;
     ASSERT_TRUE(k.ReadXMLEigyosho(ListReply("Eigyosho", {Office(10), Office(11), Office(12)})));
     ASSERT_EQ(k.SyncDownloadEigyosho(db_, 7), 1);
     EXPECT_EQ(Rows(db_,
                    "SELECT id, CustomerID, disabled, vno, No, MainEigyo, MainRendo, Name, S_Code, "
                    "TEL1, Gyosyu FROM tCustomerEigyosyo ORDER BY id"),
-              (std::vector<std::string>{"1|8|1|1|<null>|<null>|<null>|free row of 8|<null>|<null>|"
-                                        "<null>",
-                                        "2|7|0|1|2|1|0|office 10|13|03|1\t2\t3",
-                                        "3|7|0|2|3|1|0|office 11|13|03|1\t2\t3",
-                                        "4|7|0|3|4|1|0|office 12|13|03|1\t2\t3"}));
+              Expected("eigyosho downloaded"));
 
     // A shorter list leaves the surplus rows freed, with their data.
     ASSERT_TRUE(k.ReadXMLEigyosho(ListReply("Eigyosho", {Office(10)})));
@@ -165,7 +155,7 @@ TEST_F(EigyoshoListTest, DownloadRewritesOwnRowsOnlyWithNumberAheadOfPosition) {
     EXPECT_EQ(Rows(db_,
                    "SELECT id, disabled, Name FROM tCustomerEigyosyo WHERE CustomerID = 7 "
                    "ORDER BY id"),
-              (std::vector<std::string>{"2|0|office 10", "3|1|office 11", "4|1|office 12"}));
+              Expected("eigyosho shortened"));
 }
 
 TEST_F(EigyoshoListTest, AColumnMarkCountsOnlyWhenItIsOne) {
@@ -185,28 +175,12 @@ TEST_F(EigyoshoListTest, AColumnMarkCountsOnlyWhenItIsOne) {
 TEST_F(EigyoshoListTest, UploadSendsFixedMarksAndThePosition) {
     ctrlMorvane obj;
     LogIn();
-    Sql(db_,
-        "INSERT INTO tCustomerEigyosyo (id, CustomerID, disabled, vno, MainEigyo, MainRendo, "
-        "Name, S_Code, TEL1, Gyosyu, Reserved10) VALUES "
-        "(3, 7, 0, 2, 0, 2, 'branch', NULL, '06', '4\t5', 'r&10'), "
-        "(4, 7, 0, 1, 1, 0, 'main', 9, '03', '', NULL);");
+    Sql(db_, Seed("eigyosho to send"));
     server_->On(kSetEigyosho, Envelope(1, "T2"));
     EXPECT_EQ(obj.SyncUploadCustomerEigyoshoList(db_, 7), 1);
-    const auto posts = server_->RequestsTo(kSetEigyosho);
-    ASSERT_EQ(posts.size(), 2u);
-    EXPECT_EQ(posts[0].body,
-              "ID=user1&token=T1&CustomerID=7&EigyoshoItemID=4&DISABLEDALL=DISABLEDALL&"
-              "MainEigyo=1&MainRendo=0&Name=main&Kana=&S_Code=9&PrefName=&CityName=&Address=&"
-              "Yubin1=&Yubin2=&Tel1=03&Tel2=&Tel3=&Gyosyu=&Reserved0=&Reserved1=&Reserved2=&"
-              "Reserved3=&Reserved4=&Reserved5=&Reserved6=&Reserved7=&Reserved8=&Reserved9=&"
-              "Reserved10=&vno=1&");
     // A column mark of 2 is no mark, as in the comparison.
-    const std::string second = posts[1].body;
-    EXPECT_EQ(second.substr(0, 77),
-              "ID=user1&token=T2&CustomerID=7&EigyoshoItemID=3&MainEigyo=0&MainRendo=0&Name=");
-    EXPECT_NE(second.find("&S_Code=0&"), std::string::npos);
-    EXPECT_NE(second.find("&Gyosyu=4\t5&"), std::string::npos);
-    EXPECT_NE(second.find("&Reserved10=r&10&vno=2&"), std::string::npos);
+    EXPECT_EQ(server_->BodiesTo(kSetEigyosho),
+              (std::vector<std::string>{Body("eigyosho upload 1"), Body("eigyosho upload 2")}));
 }
 
 const std::string kSetMemo = "customer/setMemo.php";
@@ -235,9 +209,7 @@ TEST_F(MemoListTest, OtherTextsAreOptionalButEveryFlaggedTagIsNot) {
 }
 
 TEST_F(MemoListTest, DownloadTakesAnyFreeRowAndWritesNonDatesAsNull) {
-    Sql(db_,
-        "INSERT INTO tCustomerHistory (id, CustomerID, disabled, vno, History) VALUES "
-        "(1, 7, 0, 1, 'old'), (2, 8, 1, 1, 'freed by 8'), (3, 8, 0, 1, 'live of 8');");
+    Sql(db_, Seed("memo rows"));
     cCustKihon k;
     ASSERT_TRUE(k.ReadXMLMemo(
         ListReply("Memo", {MemoItem(10), MemoItem(11, {{"RegDate", "someday"}}), MemoItem(12)})));
@@ -245,22 +217,12 @@ TEST_F(MemoListTest, DownloadTakesAnyFreeRowAndWritesNonDatesAsNull) {
     EXPECT_EQ(Rows(db_,
                    "SELECT id, CustomerID, disabled, vno, History, RegDate, UpdateDate, other1 "
                    "FROM tCustomerHistory ORDER BY id"),
-              (std::vector<std::string>{
-                  "1|7|0|1|note 10|2024/04/01 10:00:00|2024/04/02 11:30:15|a",
-                  "2|7|0|2|note 11|<null>|2024/04/02 11:30:15|a",  // customer 8's free row
-                  "3|8|0|1|live of 8|<null>|<null>|<null>",
-                  "4|7|0|3|note 12|2024/04/01 10:00:00|2024/04/02 11:30:15|a"}));
+              Expected("memo downloaded"));  // the second takes customer 8's free row
 }
 
 TEST_F(MemoListTest, RowsAreWalkedInIdOrderAndAgreementStampsThem) {
     // Positions reversed against ids: the walk follows the ids.
-    Sql(db_,
-        "INSERT INTO tCustomerHistory (id, CustomerID, disabled, vno, History, RegDate, "
-        "UpdateDate, other1, other2, other3, RecordUpdate, InetCheckDate) VALUES "
-        "(1, 7, 0, 2, 'note 1', '2024-04-01 10:00:00', '2024-04-02 11:30:15', 'a', 'b', 'c', "
-        "'2024-05-01 08:00:00', '2024-05-01 08:00:00'), "
-        "(2, 7, 0, 1, 'note 2', '2024-04-01 10:00:00', '2024-04-02 11:30:15', 'a', 'b', 'c', "
-        "'2024-05-01 08:00:00', '2024-05-01 08:00:00');");
+    Sql(db_, Seed("memo positions reversed"));
     cCustKihon k;
     ASSERT_TRUE(k.ReadXMLMemo(ListReply("Memo", {MemoItem(1), MemoItem(2)})));
     EXPECT_EQ(k.CompareLocalDBMemo(db_, 7), 0);
@@ -276,19 +238,11 @@ TEST_F(MemoListTest, RowsAreWalkedInIdOrderAndAgreementStampsThem) {
 TEST_F(MemoListTest, UploadSendsOnePostAMemoAndNothingWithoutRows) {
     ctrlMorvane obj;
     LogIn();
-    Sql(db_,
-        "INSERT INTO tCustomerHistory (id, CustomerID, disabled, vno, History, RegDate, "
-        "UpdateDate, other1, other2, other3) VALUES "
-        "(4, 7, 0, 9, 'a&b', '2024-04-01 10:00:00', 'not a date', 'x', NULL, 'z'), "
-        "(5, 7, 0, 1, 'second', NULL, NULL, NULL, NULL, NULL);");
+    Sql(db_, Seed("memo to send"));
     server_->On(kSetMemo, Envelope(1, "T2"));
     EXPECT_EQ(obj.SyncUploadCustomerMemoList(db_, 7), 1);
     EXPECT_EQ(server_->BodiesTo(kSetMemo),
-              (std::vector<std::string>{
-                  "ID=user1&token=T1&CustomerID=7&MemoItemID=4&DISABLEDALL=DISABLEDALL&History=a&b&"
-                  "RegDate=2024/04/01 10:00:00&UpdateDate=&other1=x&other2=&other3=z&vno=1&",
-                  "ID=user1&token=T2&CustomerID=7&MemoItemID=5&History=second&RegDate=&"
-                  "UpdateDate=&other1=&other2=&other3=&vno=2&"}));
+              (std::vector<std::string>{Body("memo upload 1"), Body("memo upload 2")}));
     EXPECT_EQ(One(db_, "SELECT InetCheckDate FROM tCustomerHistory WHERE id = 5"),
               "2024/06/01 9:00:00");
 
@@ -417,25 +371,14 @@ TEST_F(NyusatsuListsTest, BlankRowsAreInvisibleToTheComparison) {
 TEST_F(NyusatsuListsTest, UploadNumbersTheFilledRowsAndEndsWithTheYear) {
     ctrlMorvane obj;
     LogIn();
-    Sql(db_,
-        "INSERT INTO tCustomer (id, disabled, Code, KanriNendoNyusatsu) VALUES (7, 0, 'C7', "
-        "'2025');"
-        "INSERT INTO tCustomerNyusatsuKanri (id, CustomerID, disabled, LocalIndex, KikanName, "
-        "Kubun, Nendo1, Nendo10) VALUES (11, 7, 0, 1, 'A&1', '2', 'R6', ''), "
-        "(12, 7, 0, 2, '', '', '', ''), (13, 7, 0, 3, '', '', '', 'R9');");
+    Sql(db_, Seed("agencies to send"));
     server_->On(kSetKikan, Envelope(1, "T2"));
     server_->On(kSetKihon, Envelope(1, "T3"));
     EXPECT_EQ(obj.SyncUploadCustomerNyusatsuKikanList(db_, 7), 1);
-    const auto& all = server_->Requests();
-    ASSERT_EQ(all.size(), 3u);
-    EXPECT_EQ(all[0].body,
-              "ID=user1&token=T1&CustomerID=7&NyusatsuKikanItemID=11&DISABLEDALL=DISABLEDALL&"
-              "KikanName=A&1&Kubun=2&Nendo1=R6&Nendo2=&Nendo3=&Nendo4=&Nendo5=&Nendo6=&Nendo7=&"
-              "Nendo8=&Nendo9=&Nendo10=&LocalIndex=1&");
-    EXPECT_NE(all[1].body.find("NyusatsuKikanItemID=13&KikanName="), std::string::npos);
-    EXPECT_NE(all[1].body.find("&Nendo10=R9&LocalIndex=2&"), std::string::npos);
-    EXPECT_EQ(all[2].path, kSetKihon);
-    EXPECT_EQ(all[2].body, "ID=user1&token=T2&CustomerID=7&KanriNendoNyusatsu=2025&");
+    EXPECT_EQ(server_->BodiesTo(kSetKikan),
+              (std::vector<std::string>{Body("agency upload 1"), Body("agency upload 2")}));
+    EXPECT_EQ(server_->BodiesTo(kSetKihon), std::vector<std::string>{Body("agency year upload")});
+    EXPECT_EQ(server_->Requests().back().path, kSetKihon);
     EXPECT_EQ(Count("InetCheckDate IS NOT NULL"), "2");
 
     // The year refused: the agencies went up, but nothing is stamped.
@@ -454,9 +397,7 @@ TEST_F(NyusatsuListsTest, UploadNumbersTheFilledRowsAndEndsWithTheYear) {
 }
 
 TEST_F(NyusatsuListsTest, EntriesTakeAnyFreeRowAndAnEmptyListFreesThemAll) {
-    Sql(db_,
-        "INSERT INTO tCustomerNyusatsuHistory_V5 (id, CustomerID, disabled, vno, KikanCode) "
-        "VALUES (1, 7, 0, 1, 'old'), (2, 8, 1, 1, 'freed by 8'), (3, 8, 0, 1, 'live of 8');");
+    Sql(db_, Seed("entry rows"));
     cCustKihon k;
     ASSERT_TRUE(k.ReadXMLNyusatuSanka(
         ListReply("NyusatsuSanka", {SankaItem(1, "K1"), SankaItem(2, "K2", {{"Effective", "x"}}),
@@ -466,11 +407,7 @@ TEST_F(NyusatsuListsTest, EntriesTakeAnyFreeRowAndAnEmptyListFreesThemAll) {
                    "SELECT id, CustomerID, disabled, vno, KikanCode, Effective, "
                    "Reservation, Other, DataFile, CheckSync, Other1 "
                    "FROM tCustomerNyusatsuHistory_V5 ORDER BY id"),
-              (std::vector<std::string>{
-                  "1|7|0|1|K1|1|0|o|f.pdf|1|p",
-                  "2|7|0|2|K2|0|0|o|f.pdf|1|p",  // customer 8's free row; no number is 0
-                  "3|8|0|1|live of 8|<null>|<null>|<null>|<null>|<null>|<null>",
-                  "4|7|0|3|K3|1|4|o|f.pdf|1|p"}));
+              Expected("entries downloaded"));  // K2 on customer 8's free row; no number is 0
 
     ASSERT_TRUE(k.ReadXMLNyusatuSanka(ListReply("NyusatsuSanka", {})));
     ASSERT_EQ(k.SyncDownloadNyusatsuSanka(db_, 7), 1);
@@ -481,12 +418,7 @@ TEST_F(NyusatsuListsTest, EntriesTakeAnyFreeRowAndAnEmptyListFreesThemAll) {
 }
 
 TEST_F(NyusatsuListsTest, EntriesCompareAgencyEffectAndReservationOnly) {
-    Sql(db_,
-        "INSERT INTO tCustomerNyusatsuHistory_V5 (id, CustomerID, disabled, vno, KikanCode, "
-        "Effective, Reservation, Other, DataFile, CheckSync, Other1, RecordUpdate, "
-        "InetCheckDate) VALUES (1, 7, 0, 2, 'K2', 0, 0, 'mine', '', 0, '', "
-        "'2024-05-01 08:00:00', '2024-05-01 08:00:00'), (2, 7, 0, 1, 'K1', 1, 0, '', 'g', 0, "
-        "'x', '2024-05-01 08:00:00', '2024-05-01 08:00:00');");
+    Sql(db_, Seed("entries to compare"));
     cCustKihon k;
     // Walked by position, not by id; the carried texts and the sync mark are not compared.
     ASSERT_TRUE(k.ReadXMLNyusatuSanka(

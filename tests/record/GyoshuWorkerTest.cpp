@@ -5,6 +5,7 @@
 #include "GyoshuTestUtil.h"
 #include "record/cCustKihon.h"
 #include "state/ProcessState.h"
+#include "support/Golden.h"
 
 namespace morvane::test {
 namespace {
@@ -90,29 +91,16 @@ TEST_F(GyoshuWorkerTest, ReaderKeepsTheGridAndWantsAllOfIt) {
 
 // ---- Comparing -------------------------------------------------------------------------
 
+// Grid cells against a Null or as dates; the header's numbers by value, PmtNo without its tail,
+// and its dates as dates, unlike the main record's.
 TEST_F(GyoshuWorkerTest, GridCellsAndHeaderFieldsDifferUnderTheirOwnRules) {
     InsertCustomer(db_);
     InsertTrades(db_, 31);
-    const struct {
-        Tags header;
-        Tags grid;
-        int expected;
-    } cases[] = {
-        {{}, {{"EPmtCheck31", "2"}}, 1},
-        {{}, {{"EPmtDate1", "2020/01/02"}}, 1},
-        {{}, {{"EPmtDate2", "2020/01/02"}}, 1},  // against a Null
-        {{}, {{"EPmtDate1", "2020/1/1"}}, 0},    // dates compare as dates
-        {{{"MinCode", "14"}}, {}, 1},
-        {{{"PmtCheck1", "2.0"}}, {}, 0},
-        {{{"PmtNo", "123#9"}}, {}, 0},        // the tail is not PmtNo's
-        {{{"PmtDate0", "2024/4/2"}}, {}, 0},  // unlike the main record: as dates
-        {{{"PmtDate0", "2024/04/02 00:00:01"}}, {}, 1},
-        {{{"PmtDate1", "x"}}, {}, 1},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(::testing::PrintToString(c.header) + ::testing::PrintToString(c.grid));
+    for (const auto& row : Golden("record/gyoshu-worker.txt").Table("rules")) {
+        SCOPED_TRACE(row[0] + row[1]);
         Sql(db_, "UPDATE tCustomerGyoshu SET InetCheckDate = '2024-05-01 09:00:00';");
-        EXPECT_EQ(Compare(With(HeaderTags(), c.header), With(GridTags(), c.grid)), c.expected);
+        EXPECT_EQ(Compare(With(HeaderTags(), TagsOf(row[0])), With(GridTags(), TagsOf(row[1]))),
+                  std::stoi(row[2]));
     }
 }
 
@@ -236,18 +224,8 @@ TEST_F(GyoshuWorkerTest, UploadSendsHeaderAndGridRawAndStampsBothTables) {
     server_->On("customer/setCompGyoshu.php", Envelope(1, "T2"));
     cCustKihon k;
     ASSERT_EQ(k.SyncUploadGyoshu(db_, 7), 1);
-    std::string checks, dates;
-    for (int n = 1; n <= 31; ++n) {
-        checks += "EPmtCheck" + std::to_string(n) + "=" + (n <= 30 ? CheckOf(n) : "0") + "&";
-        const std::string date = n == 2 ? "soon" : n == 3 ? "2020/01/03 10:00:00" : DateOf(n);
-        dates += "EPmtDate" + std::to_string(n) + "=" + (n <= 30 ? date : "") + "&";
-    }
     EXPECT_EQ(server_->BodiesTo("customer/setCompGyoshu.php"),
-              std::vector<std::string>{
-                  "ID=user1&token=T1&CustomerID=7&ApfPlace=東京都知事&MinName=建設&MinCode=13&"
-                  "PmtCheck0=1&PmtCheck1=2&PmtYear=5&PmtNo=123&PApDate=2024/04/01 10:00:00&"
-                  "PmtDate0=2024/04/02&PmtDate1=garbage&PmtDate2=&" +
-                  checks + dates});
+              std::vector<std::string>{Golden("record/gyoshu-worker.txt").Joined("upload")});
     EXPECT_EQ(CheckStamps(), std::vector<std::string>{kNow});
     EXPECT_EQ(Rows(db_, "SELECT DISTINCT RecordUpdate FROM tCustomerGyoshu"),
               std::vector<std::string>{kAgreed});
