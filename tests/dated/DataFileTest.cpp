@@ -2,11 +2,10 @@
 // and the server's copy, and the five members of each kind with their slots.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <optional>
+#include <tuple>
 
 #include "component/DispatchTable.h"
 #include "component/ctrlMorvane.h"
@@ -17,6 +16,7 @@
 #include "state/ProcessState.h"
 #include "state/basGetCRC.h"
 #include "support/FileBytes.h"
+#include "support/Golden.h"
 #include "support/LeftoverWrite.h"
 #include "support/MorvaneTest.h"
 #include "support/ScopedEnv.h"
@@ -73,6 +73,12 @@ protected:
                                    HashPayload(Item(list, "a.pdf", std::to_string(bytes.size()),
                                                     modified, hash))));
     }
+    // The server describes these bytes of a kind ("Kessan", ...) and sends `sent` for them.
+    void Serve(const std::string& kind, const std::string& bytes, const std::string& modified,
+               std::optional<std::string> sent = {}, const std::string& hash = {}) {
+        ServerHas("customer/get" + kind + "FileHash.php", kind + "File", bytes, modified, hash);
+        server_->On("customer/get" + kind + "File.php", sent.value_or(bytes));
+    }
     cCustDataFile Described(const std::string& bytes, const std::string& modified,
                             std::string hash = {}) {
         cCustDataFile f;
@@ -102,61 +108,31 @@ protected:
 };
 
 TEST_F(DataFileTest, ReadXmlNeedsTheCustomerAndOneItemOfAnyKind) {
+    const Golden data("dated/data-file.txt");
     cCustDataFile f;
-    EXPECT_TRUE(f.ReadXML(
-        "<r>" + HashPayload(Item("KyokaFile", "a.pdf", "12", "2024/01/02 03:04:05", "0012d20a")) +
-        "</r>"));
-    EXPECT_EQ(f.CustomerID(), 7);
-    EXPECT_EQ(f.FileName(), "a.pdf");
-    EXPECT_EQ(f.FileSize(), 12);
-    EXPECT_EQ(f.LastModified(), "2024/01/02 03:04:05");
-    EXPECT_EQ(f.Hash(), "0012d20a");
+    EXPECT_TRUE(f.ReadXML(data.Joined("any kind")));
+    EXPECT_EQ(
+        std::make_tuple(f.CustomerID(), f.FileName(), f.FileSize(), f.LastModified(), f.Hash()),
+        std::make_tuple(7, std::string("a.pdf"), 12, std::string("2024/01/02 03:04:05"),
+                        std::string("0012d20a")));
+    EXPECT_TRUE(f.ReadXML(data.Joined("any case, fields of the last item one by one")));
+    EXPECT_EQ(std::make_tuple(f.CustomerID(), f.FileName(), f.FileSize(), f.Hash()),
+              std::make_tuple(9, std::string("y"), 0, std::string("AAAAAAAA")));
 
-    // Tags below Customer match without case; the last item's fields stand one by one.
-    EXPECT_TRUE(
-        f.ReadXML("<r><Customer><CUSTOMERID>9</CUSTOMERID><otherfilelist>"
-                  "<OTHERFILEITEM><FileName>x</FileName><hash>AAAAAAAA</hash>"
-                  "</OTHERFILEITEM><OtherFileItem><filename>y</filename><FileSize/>"
-                  "</OtherFileItem></otherfilelist></Customer></r>"));
-    EXPECT_EQ(f.CustomerID(), 9);
-    EXPECT_EQ(f.FileName(), "y");
-    EXPECT_EQ(f.FileSize(), 0);
-    EXPECT_EQ(f.Hash(), "AAAAAAAA");
-
-    // A failed read leaves nothing of the last one.
-    EXPECT_FALSE(f.ReadXML("<r>" + HashPayload("<KessanFileList/>") + "</r>"));
-    EXPECT_EQ(f.FileName(), "");
-    EXPECT_EQ(f.Hash(), "");
-    EXPECT_FALSE(f.ReadXML("<r><customer><CustomerID>1</CustomerID>" +
-                           Item("KessanFile", "a", "1", "", "") + "</customer></r>"));
-    EXPECT_FALSE(
-        f.ReadXML("<r><Customer>" + Item("KessanFile", "a", "1", "", "") + "</Customer></r>"));
-    EXPECT_FALSE(f.ReadXML("<r><Customer><CustomerID>1"));
-    EXPECT_FALSE(f.ReadXML(""));
+    auto refused = data.Lines("refused");
+    refused.push_back("");
+    for (const std::string& reply : refused) {
+        EXPECT_FALSE(f.ReadXML(reply)) << reply;
+        // A failed read leaves nothing of the last one.
+        EXPECT_EQ(f.FileName() + f.Hash(), "") << reply;
+    }
 }
 
 TEST_F(DataFileTest, ContentDecidesWhetherTimesOnlyWhichWay) {
     const std::string local = Write("a.pdf", "local bytes", "2024/05/01 10:00:00");
-    const struct {
-        const char* name;
-        std::string bytes;
-        const char* modified;
-        std::string hash;
-        std::int32_t expected;
-    } cases[] = {
-        {"same content, other time", "local bytes", "2020/01/01 00:00:00", "", 0},
-        {"same content, hash in lower case", "local bytes", "2030/01/01 00:00:00", "540b60de", 0},
-        {"same time, other content", "server bytes", "2024/05/01 10:00:00", "", 2},
-        {"server one second later", "server bytes", "2024/05/01 10:00:01", "", 1},
-        {"server earlier", "server bytes", "2024/05/01 09:59:59", "", 2},
-        {"server time empty", "server bytes", "", "", 2},
-        {"server time not a date", "server bytes", "yesterday", "", 2},
-        {"same CRC, other size", "local bytes!", "2024/05/01 10:00:01", GetCRC("local bytes"), 1},
-    };
-    ASSERT_EQ(GetCRC("local bytes"), "540B60DE");
-    for (const auto& c : cases) {
-        cCustDataFile f = Described(c.bytes, c.modified, c.hash);
-        EXPECT_EQ(f.CompareLocalFile(local), c.expected) << c.name;
+    for (const auto& row : Golden("dated/data-file.txt").Table("decisions")) {
+        cCustDataFile f = Described(row[1], row[2], row[3]);
+        EXPECT_EQ(f.CompareLocalFile(local), std::stoi(row[4])) << row[0];
     }
     EXPECT_EQ(Described("x", "2024/05/01 10:00:00").CompareLocalFile((data_ / "none").string()), 1);
     const std::string empty = Write("empty.pdf", "", "2024/05/01 10:00:00");
@@ -166,8 +142,7 @@ TEST_F(DataFileTest, ContentDecidesWhetherTimesOnlyWhichWay) {
 TEST_F(DataFileTest, CompareKeepsTheDescriptionOnlyForAServerCopyToTake) {
     const std::string local = Write("a.pdf", "local", "2024/05/01 10:00:00");
     ctrlMorvane& m = *m_;
-    ServerHas("customer/getKessanFileHash.php", "KessanFile", "newer", "2024/05/02 00:00:00");
-    server_->On("customer/getKessanFile.php", "newer");
+    Serve("Kessan", "newer", "2024/05/02 00:00:00");
     EXPECT_EQ(m.CompareCustomerKessanFile(7, local), 1);
     EXPECT_EQ(server_->RequestsTo("customer/getKessanFileHash.php").at(0).body,
               "ID=user1&token=T1&CustomerID=7&FileName=a.pdf&");
@@ -190,9 +165,7 @@ TEST_F(DataFileTest, CompareKeepsTheDescriptionOnlyForAServerCopyToTake) {
 
 TEST_F(DataFileTest, DownloadOfTheRightSizeReplacesTrashesAndStampsWhateverItsCrc) {
     const std::string local = Write("k/a.pdf", "old content", "2024/01/01 00:00:00");
-    ServerHas("customer/getKessanFileHash.php", "KessanFile", "NEW content", "2024/03/04 05:06:07",
-              "DEADBEEF");
-    server_->On("customer/getKessanFile.php", "NEW content");
+    Serve("Kessan", "NEW content", "2024/03/04 05:06:07", {}, "DEADBEEF");
     ctrlMorvane& m = *m_;
     ASSERT_EQ(m.CompareCustomerKessanFile(7, local), 1);
     EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
@@ -207,8 +180,7 @@ TEST_F(DataFileTest, DownloadOfTheRightSizeReplacesTrashesAndStampsWhateverItsCr
 
 TEST_F(DataFileTest, DownloadOfTheWrongSizeLeavesTheLocalFileAndStillAnswersOne) {
     const std::string local = Write("a.pdf", "old", "2024/01/01 00:00:00");
-    ServerHas("customer/getKyokaFileHash.php", "KyokaFile", "twelve bytes", "2024/03/04 05:06:07");
-    server_->On("customer/getKyokaFile.php", "<html>error</html>");
+    Serve("Kyoka", "twelve bytes", "2024/03/04 05:06:07", "<html>error</html>");
     ctrlMorvane& m = *m_;
     ASSERT_EQ(m.CompareCustomerKyokaFile(7, local), 1);
     EXPECT_EQ(m.SyncDownloadCustomerKyokaFile(7, local, nullptr), 1);
@@ -221,9 +193,7 @@ TEST_F(DataFileTest, AFileWhoseDownloadWasCutShortIsFetchedAgainAndNeverSent) {
     // Newer here by its time: were the cut-short download not seen, it would go up.
     const std::string local = Write("a.pdf", "old content", "2030/01/01 00:00:00");
     LeaveUnfinishedWrite(local);
-    ServerHas("customer/getKessanFileHash.php", "KessanFile", "the server's",
-              "2024/03/04 05:06:07");
-    server_->On("customer/getKessanFile.php", "the server's");
+    Serve("Kessan", "the server's", "2024/03/04 05:06:07");
     ServerHas("customer/setKessanFile.php", "KessanFile", "the server's", "2024/03/04 05:06:07");
     ctrlMorvane& m = *m_;
     EXPECT_EQ(m.SyncUploadCustomerKessanFile(7, local, nullptr), 0);
@@ -249,9 +219,7 @@ TEST_F(DataFileTest, DownloadNeverWritesThroughALinkPlantedOnItsWay) {
         std::ofstream(victim) << "precious";
         const fs::path link = asTheFile ? fs::path(local) : tmp_ / "a.pdf";
         fs::create_symlink(victim, link);
-        ServerHas("customer/getKessanFileHash.php", "KessanFile", "server bytes",
-                  "2099/03/04 05:06:07");
-        server_->On("customer/getKessanFile.php", "server bytes");
+        Serve("Kessan", "server bytes", "2099/03/04 05:06:07");
         ASSERT_EQ(m.CompareCustomerKessanFile(7, local), 1);
         EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
         EXPECT_EQ(ReadBytes(victim), "precious");
@@ -265,8 +233,7 @@ TEST_F(DataFileTest, DownloadNeverWritesThroughALinkPlantedOnItsWay) {
 
 TEST_F(DataFileTest, DownloadCreatesTheFoldersAndFetchesForItselfUnderTheOption) {
     const std::string local = (data_ / "new" / "deep" / "a.pdf").string();
-    ServerHas("customer/getOtherFileHash.php", "OtherFile", "bytes", "not a date");
-    server_->On("customer/getOtherFile.php", "bytes");
+    Serve("Other", "bytes", "not a date");
     ctrlMorvane& m = *m_;
     m.setObjectUsage(1);
     EXPECT_EQ(m.SyncDownloadCustomerOtherFile(7, local, nullptr), 1);
@@ -316,11 +283,9 @@ TEST_F(DataFileTest, OnlyTheOtherKindKeepsItsDescriptionThroughAnUpload) {
     const std::string local = Write("a.pdf", "local", "2024/01/01 00:00:00");
     ctrlMorvane& m = *m_;
     for (const std::string kind : {"Kessan", "Other"}) {
-        ServerHas("customer/get" + kind + "FileHash.php", kind + "File", "server",
-                  "2030/01/01 00:00:00");
+        Serve(kind, "server", "2030/01/01 00:00:00");
         ServerHas("customer/set" + kind + "File.php", kind + "File", "local",
                   "2030/01/01 00:00:00");
-        server_->On("customer/get" + kind + "File.php", "server");
     }
     ASSERT_EQ(m.CompareCustomerKessanFile(7, local), 1);
     ASSERT_EQ(m.CompareCustomerOtherFile(7, local), 1);
