@@ -3,7 +3,6 @@
 // the upload bodies to the letter and the staff users' Japanese names.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 
 #include "MastersTestUtil.h"
@@ -11,6 +10,7 @@
 #include "masters/cMastKessanTaioh.h"
 #include "masters/cMastNyusatsukikan.h"
 #include "masters/cMastUserStaff.h"
+#include "support/Golden.h"
 #include "transport/mdlServerConst.h"
 
 namespace morvane::test {
@@ -31,6 +31,8 @@ protected:
     std::vector<std::string> TaiohRows(const std::string& db) {
         return Rows(db, "SELECT ID, Taioh, Flag, vno FROM tKessanTaioh ORDER BY ID");
     }
+
+    const Golden data_{"masters/masters.txt"};
 };
 
 TEST_F(MasterEngineTest, TheReplyHasNoCustomerAndMustBeWhole) {
@@ -38,32 +40,18 @@ TEST_F(MasterEngineTest, TheReplyHasNoCustomerAndMustBeWhole) {
     EXPECT_TRUE(k.ReadXML(Document(MasterPayload("KessanTaioh", "", {}))));
     EXPECT_EQ(k.Count(), 0);
     EXPECT_TRUE(k.Items().empty());
-    // The payload is Master, to the letter; below it the tags go by any case.
-    EXPECT_FALSE(k.ReadXML(Document("<Customer><CustomerID>1</CustomerID>" +
-                                    MasterPayload("KessanTaioh", "", {}).substr(8))));
-    EXPECT_TRUE(k.ReadXML(Document(
-        "<Master><kessantaiohlist><KESSANTAIOHCOUNT>1</KESSANTAIOHCOUNT><recordupdate>2024/05/01 "
-        "10:00:00</recordupdate><kessantaiohitem><kessantaiohitemid>4</kessantaiohitemid>"
-        "<taioh>x</taioh><flag>1</flag><VNO>2</VNO></kessantaiohitem></kessantaiohlist></"
-        "Master>")));
+    // Below the Master payload the tags go by any case.
+    EXPECT_TRUE(k.ReadXML(Document(data_.Joined("any case below Master"))));
     ASSERT_EQ(k.Items().size(), 1u);
     EXPECT_EQ(k.Items()[0].Key, "K4");
     EXPECT_EQ(k.RecordUpdate(), "2024/05/01 10:00:00");
-    // Without its stamp, or with an item short of a tag, the reply is no list.
-    EXPECT_FALSE(
-        k.ReadXML(Document("<Master><KessanTaiohList><KessanTaiohCount>0</KessanTaiohCount>"
-                           "</KessanTaiohList></Master>")));
-    EXPECT_FALSE(k.ReadXML(Document(
-        MasterPayload("KessanTaioh", "2024/05/01 10:00:00",
-                      {TaiohItem(1, "a", "1", "1"),
-                       ItemXml("KessanTaiohItem",
-                               {{"KessanTaiohItemID", "2"}, {"Taioh", "b"}, {"vno", "2"}})}))));
+    // Under another payload, without its stamp, or with an item short of a tag: no list.
+    for (const std::string& payload : data_.Lines("refused"))
+        EXPECT_FALSE(k.ReadXML(Document(payload))) << payload;
 }
 
 TEST_F(MasterEngineTest, DownloadReplacesTheTableNumberingIdsAndPositionsFromOne) {
-    Sql(db_,
-        "INSERT INTO tKessanTaioh (ID, Taioh, Flag, vno) VALUES (7, 'old', 1, 1), "
-        "(8, 'older', 1, 2);");
+    Sql(db_, data_["taioh rows"]);
     // Server ids and numbers far from 1..n, and an empty Flag.
     ASSERT_EQ(Taioh({TaiohItem(30, "甲", "1", "5"), TaiohItem(10, "乙", "", "7"),
                      TaiohItem(20, "丙", "0", "9")},
@@ -95,10 +83,7 @@ TEST_F(MasterEngineTest, DownloadReplacesTheTableNumberingIdsAndPositionsFromOne
 }
 
 TEST_F(MasterEngineTest, NumbersCompareByValueAndTextsToTheLetter) {
-    Sql(db_,
-        "INSERT INTO tKessanTaioh (ID, Taioh, Flag, vno, RecordUpdate, InetCheckDate) "
-        "VALUES (1, 'Ab', 0, 1, '2024-05-01 00:00:00', '2024-05-01 00:00:00'), "
-        "(2, 'c', NULL, 2, '2024-05-01 00:00:00', '2024-05-01 00:00:00');");
+    Sql(db_, data_["agreed taioh rows"]);
     const std::string later = "2024/05/02 00:00:00";
     EXPECT_EQ(Taioh({TaiohItem(1, "Ab", "", "1"), TaiohItem(2, "c", "0", "2")}, later)
                   .CompareLocalDB(db_),
@@ -115,9 +100,7 @@ TEST_F(MasterEngineTest, NumbersCompareByValueAndTextsToTheLetter) {
 }
 
 TEST_F(MasterEngineTest, OnlyADatabaseNamedMasterDatIsStamped) {
-    Sql(db_,
-        "INSERT INTO tKessanTaioh (ID, Taioh, Flag, vno, RecordUpdate, InetCheckDate) "
-        "VALUES (1, 'a', 1, 1, '2024-05-01 00:00:00', '2024-05-01 00:00:00');");
+    Sql(db_, data_["agreed taioh rows"]);
     const auto folder = std::filesystem::path(db_).parent_path();
     const std::string upper = (folder / "other" / "master.DAT").string();
     const std::string wrong = (folder / "Masters.dat").string();
@@ -125,19 +108,15 @@ TEST_F(MasterEngineTest, OnlyADatabaseNamedMasterDatIsStamped) {
     std::filesystem::copy_file(db_, upper);
     std::filesystem::copy_file(db_, wrong);
     for (const auto& db : {upper, wrong})
-        EXPECT_EQ(Taioh({TaiohItem(1, "a", "1", "1")}, "2024/05/02 00:00:00").CompareLocalDB(db),
-                  0);
-    EXPECT_EQ(One(upper, "SELECT InetCheckDate FROM tKessanTaioh"), "2024/06/01 9:00:00");
-    EXPECT_EQ(One(wrong, "SELECT InetCheckDate FROM tKessanTaioh"), "2024/05/01");
+        EXPECT_EQ(
+            Taioh({TaiohItem(1, "Ab", "0", "1"), TaiohItem(2, "c", "", "2")}, "2024/05/02 00:00:00")
+                .CompareLocalDB(db),
+            0);
+    EXPECT_EQ(One(upper, "SELECT MIN(InetCheckDate) FROM tKessanTaioh"), "2024/06/01 9:00:00");
+    EXPECT_EQ(One(wrong, "SELECT MAX(InetCheckDate) FROM tKessanTaioh"), "2024/05/01");
 }
 
-class MasterMembersTest : public RecordDbTest {
-protected:
-    void SetUp() override {
-        RecordDbTest::SetUp();
-        db_ = paths_.master.string();
-    }
-};
+using MasterMembersTest = MasterEngineTest;
 
 std::vector<std::pair<std::string, std::string>> StaffTags(int id, const std::string& pw) {
     return TagsOf("UserStaffItemID=" + std::to_string(id) + "|事務所職員コード=S" +
@@ -152,47 +131,19 @@ TEST_F(MasterMembersTest, UploadSendsEveryRowWithPositionsAndNothingForAnEmptyTa
     LogIn();
     EXPECT_EQ(obj.SyncUploadMasterKessanTaioh(db_), 0);
     EXPECT_TRUE(server_->RequestsTo(std::string(page::kSetKessanTaioh)).empty());
-    Sql(db_,
-        "INSERT INTO tKessanTaioh (ID, Taioh, Flag, vno) VALUES (4, 'a&b', NULL, 7), "
-        "(9, 'c=d', 2, 3);");
+    Sql(db_, data_["taioh to send"]);
     server_->On(std::string(page::kSetKessanTaioh), Envelope(1, "T2"));
     ASSERT_EQ(obj.SyncUploadMasterKessanTaioh(db_), 1);
-    EXPECT_EQ(server_->BodiesTo(std::string(page::kSetKessanTaioh)),
-              (std::vector<std::string>{
-                  "ID=user1&token=T1&KessanTaiohItemID=9&DISABLEDALL=DISABLEDALL&Taioh=c=d&Flag=2&"
-                  "vno=1&",
-                  "ID=user1&token=T2&KessanTaiohItemID=4&Taioh=a&b&Flag=&vno=2&"}));
+    EXPECT_EQ(server_->BodiesTo(std::string(page::kSetKessanTaioh)), data_.Lines("taioh upload"));
     EXPECT_EQ(One(db_, "SELECT MIN(InetCheckDate) FROM tKessanTaioh"), "2024/06/01 9:00:00");
 }
 
 TEST_F(MasterMembersTest, TheBiddingAgencyFirstBodyCarriesAllItsFields) {
-    Sql(db_,
-        "INSERT INTO tNyusatsuKikan (ID, KikanCode, KikanName, ReceptionYear, "
-        "DistributionPlace, DistributionPlice, DistributionNote, TEL2, NeedDoc00, NeedDoc57, "
-        "NeedDoc99, NeedDocOthers, vno) VALUES (3, 'K1', '大阪府', 2024, 'pl', 'pr', 'no', "
-        "'06', 1, 2, 3, 'etc', 8);");
+    Sql(db_, data_["agency"]);
     LogIn();
     cMastNyusatsukikan k;
     ASSERT_TRUE(k.ReadLocalDB(db_));
-    const std::string body = k.UploadBody(k.Items()[0], 0, 1);
-    std::string expected =
-        "ID=user1&token=T1&NyusatsuKikanItemID=3&DISABLEDALL=DISABLEDALL&KikanCode=K1&KikanName="
-        "大阪府&"
-        "ReceptionYear=2024&ValidityTerm=&ReceptionDateFrom=&ReceptionDateTo=&"
-        "ReceptionTime1From=&ReceptionTime1To=&ReceptionTime2From=&ReceptionTime2To=&";
-    for (int i = 0; i < 10; ++i) expected += "ReceptionFlags" + std::to_string(i) + "=&";
-    expected +=
-        "PresentationPlace=&PresentationNote=&DistributionDate=&DistributionPlace=pl&"
-        "DistributionPlice=pr&DistributionNote=no&ZipCode1=&ZipCode2=&Address=&Station=&"
-        "TEL1=&TEL2=06&TEL3=&FAX1=&FAX2=&FAX3=&Mail=&ApplicationPlace=&ApplicationName=&"
-        "ApplicationNote=&";
-    for (int i = 0; i < 100; ++i) {
-        const std::string n = (i < 10 ? "0" : "") + std::to_string(i);
-        expected += "NeedDoc" + n + "=" + (i == 0 ? "1" : i == 57 ? "2" : i == 99 ? "3" : "") + "&";
-    }
-    expected += "NeedDocOthers=etc&vno=1&";
-    EXPECT_EQ(body, expected);
-    EXPECT_EQ(std::count(body.begin(), body.end(), '&'), 146);
+    EXPECT_EQ(k.UploadBody(k.Items()[0], 0, 1), data_.Joined("agency upload"));
 }
 
 TEST_F(MasterMembersTest, BiddingAgencyItemsNeedEveryTagUnderItsOwnSpelling) {
@@ -240,10 +191,7 @@ TEST_F(MasterMembersTest, StaffUsersTravelUnderTheirJapaneseNamesPasswordInclude
     ASSERT_EQ(obj.SyncUploadMasterUserStaff(db_), 1);
     const auto posts = server_->RequestsTo(std::string(page::kSetUserStaff));
     ASSERT_EQ(posts.size(), 2u);
-    EXPECT_EQ(posts[0].body,
-              "ID=user1&token=T1&UserStaffItemID=1&DISABLEDALL=DISABLEDALL&事務所職員コード=S8&"
-              "事務所職員名=山田 太郎&郵便番号=530-0001&住所=大阪市北区&TEL=06-1111-2222&FAX=&"
-              "パスワード=pw&1&Flag=1&");
+    EXPECT_EQ(posts[0].body, data_.Joined("staff upload"));
 
     // A password apart is a difference.
     clock_->Set(DateValue::FromCivil({2024, 6, 2, 9, 0, 0}));
