@@ -3,14 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <string>
-#include <vector>
 
 #include "component/ctrlMorvane.h"
 #include "locks/frmLockTimer.h"
 #include "locks/mdlLock.h"
 #include "session/mdlLogin.h"
 #include "state/ProcessState.h"
+#include "support/Golden.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {
@@ -64,25 +63,13 @@ TEST_F(LockTest, LockAndUnlockBodiesOfBothKinds) {
 }
 
 TEST_F(LockTest, OnlyAResultOfExactlyOneUnderEitherTargetIsAGrant) {
-    const std::vector<std::pair<std::string, bool>> cases = {
-        {"<LockInfo><Master><result>1</result></Master></LockInfo>", true},
-        {"<LockInfo><cUsToMeR><RESULT>1</RESULT></cUsToMeR></LockInfo>", true},
-        {"<LockInfo><Customer><result> 1</result></Customer></LockInfo>", false},
-        {"<lockinfo><Customer><result>1</result></Customer></lockinfo>", false},
-        // The last result under the first LockInfo stands.
-        {"<LockInfo><Customer><result>0</result><result>1</result></Customer></LockInfo>", true},
-        {"<LockInfo><Customer><result>1</result></Customer><Master><result>0</result></Master>"
-         "</LockInfo><LockInfo><Customer><result>1</result></Customer></LockInfo>",
-         false},
-        {"<LockInfo><result>1</result><Customer><x><result>1</result></x></Customer></LockInfo>",
-         false},
-    };
-    for (const auto& [payload, granted] : cases) {
+    for (const auto& row : Golden("locks/lock.txt").Table("grants")) {
+        SCOPED_TRACE(row[0]);
         State().customerLockState = 1;  // a stale grant must not survive
-        EXPECT_EQ(ParseLockInfo("<r>" + payload + "</r>", LockKind::Customer), granted) << payload;
-        EXPECT_EQ(State().customerLockState, granted ? 1 : 0) << payload;
+        const bool granted = row[1] == "1";
+        EXPECT_EQ(ParseLockInfo("<r>" + row[0] + "</r>", LockKind::Customer), granted);
+        EXPECT_EQ(State().customerLockState, granted ? 1 : 0);
     }
-    EXPECT_FALSE(ParseLockInfo("<r><LockInfo>", LockKind::Master));
 }
 
 TEST_F(LockTest, ARefusalIsToldByABoxAndTheResultWhileTheTimerGoesOn) {
