@@ -162,11 +162,12 @@ TEST_F(IninTest, DownloadRewritesTheNewestMainRowAndReplacesEverySubRowUnowned) 
     ServeForm(IninMainItem(4, "新しい", "3", "2024/02/03"));
     ASSERT_EQ(obj.CompareP99Inin(db_, 7, 0, true), 1);
     ASSERT_EQ(obj.SyncDownloadP99Inin(db_, 7, 0, true), 1);
-    EXPECT_EQ(One(db_,
-                  "SELECT id, CustomerID, disabled, MakeDate, SubShokuin, SelectDetail, "
-                  "SelectSubShokuin, PrintDate, PrintSubShokuin, DataFileID, DataFileIDStr, "
-                  "RecordUpdate, InetCheckDate FROM t99_ININ_MAIN WHERE id = 5"),
-              "5|0|0|<null>|新しい|3|2|1|0|0||" + std::string(kNow) + "|" + kNow)
+    EXPECT_EQ(Rows(db_,
+                   "SELECT id, CustomerID, disabled, MakeDate, SubShokuin, SelectDetail, "
+                   "SelectSubShokuin, PrintDate, PrintSubShokuin, DataFileID, DataFileIDStr, "
+                   "RecordUpdate, InetCheckDate FROM t99_ININ_MAIN WHERE id = 5"),
+              std::vector<std::string>{"5|0|0|<null>|新しい|3|2|1|0|0||" + std::string(kNow) + "|" +
+                                       kNow})
         << "MakeDate stays Null whatever the server sent, and the row belongs to no one";
     EXPECT_EQ(One(db_, "SELECT SubShokuin FROM t99_ININ_MAIN WHERE id = 3"), "補助&職員")
         << "only the newest live row is rewritten";
@@ -191,8 +192,8 @@ TEST_F(IninTest, AFetchingDownloadOfAnEmptyServerSubListEmptiesTheSubTableAndAdd
     EXPECT_EQ(server_->RequestsTo(kGetMain).size(), 1u);
     EXPECT_EQ(server_->RequestsTo(kGetSub).size(), 1u);
     EXPECT_EQ(One(db_, "SELECT COUNT(*) FROM t99_ININ_SUB"), "0");
-    EXPECT_EQ(One(db_, "SELECT CustomerID, disabled, SubShokuin, MakeDate FROM t99_ININ_MAIN"),
-              "0|0|s|<null>");
+    EXPECT_EQ(Rows(db_, "SELECT CustomerID, disabled, SubShokuin, MakeDate FROM t99_ININ_MAIN"),
+              std::vector<std::string>{"0|0|s|<null>"});
 }
 
 TEST_F(IninTest, TheMembersTakeTheDataFileArgumentsByName) {
