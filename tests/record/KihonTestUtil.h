@@ -16,6 +16,7 @@
 #include "state/ProcessState.h"
 #include "store/LocalDatabases.h"
 #include "store/StoreTestUtil.h"
+#include "support/Golden.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {
@@ -44,10 +45,7 @@ inline std::string Numbered(const std::string& name, int from, int to,
 
 // The 15 tags a main read requires, with plain values.
 inline Tags RequiredTags() {
-    return TagsOf(
-        "AcDate=3月31日|ZipCode0=100|ZipCode1=0001|Addr0=東京都|addr1=千代田区|Addr2=一番町1|"
-        "CorpName0=株式会社一|ApfName0=一 太郎|Tel0=03|TEL1=1111|TEL2=2222|Fax0=03|FAX1=3333|"
-        "FAX2=4444|ExOther17=5");
+    return TagsOf(Golden("record/test-util.txt").Joined("required tags"));
 }
 
 // The tags with some replaced (an empty text for a tag of `drop` leaves it out).
