@@ -80,40 +80,29 @@ protected:
     const Golden data_{"dated/kessan.txt"};
 };
 
-TEST_F(KessanRowsTest, DownloadTakesFreeRowsOfAnyCustomerAndKeepsTheirLinkOnZero) {
+TEST_F(KessanRowsTest, DownloadTakesFreeRowsKeepsTheirLinkOnZeroAndNormalisesEachField) {
     Sql(db_, data_["free rows"]);
-    cCustKessan k = Read({KessanItem(100), KessanItem(101, {{"DataFileID", "9"}}),
-                          KessanItem(102, {{"DataFileID", "-3"}})},
-                         "2024/05/01 10:00:00");
+    cCustKessan k =
+        Read({KessanItem(100, {{"RecDate", "someday"},
+                               {"ExDate", "2024/03/31 15:00:00"},
+                               {"ScDate", "soon"},
+                               {"AcPeriod0", "x1"},
+                               {"AcPeriod1", "-2.5"},
+                               {"Other", "A&B"},
+                               {"CheckOther", ""}}),
+              KessanItem(101, {{"DataFileID", "9"}}), KessanItem(102, {{"DataFileID", "-3"}})},
+             "2024/05/01 10:00:00");
     ASSERT_EQ(k.SyncDownload(db_, 7), 1);
     EXPECT_EQ(Table("id, CustomerID, disabled, vno, DataFileID, DataFile"),
               data_.Lines("downloaded on free rows"));
+    EXPECT_EQ(Table("RecDate, ExDate, ScDate, AcPeriod0, AcPeriod1, Other, CheckOther, RegDate")[0],
+              "2024/06/01 9:00:00|2024/03/31|<null>||-2.5|A&B|0|2024/04/01 9:00:00");
     EXPECT_EQ(Table("RecordUpdate, InetCheckDate")[3], "2024/06/01 9:00:00|2024/06/01 9:00:00");
-}
 
-TEST_F(KessanRowsTest, DownloadNormalisesEachKindOfField) {
-    cCustKessan k = Read({KessanItem(100, {{"RecDate", "someday"},
-                                           {"ExDate", "2024/03/31 15:00:00"},
-                                           {"ScDate", "soon"},
-                                           {"AcPeriod0", "x1"},
-                                           {"AcPeriod1", "-2.5"},
-                                           {"Other", "A&B"},
-                                           {"CheckOther", ""}})},
-                         "2024/05/01 10:00:00");
-    ASSERT_EQ(k.SyncDownload(db_, 7), 1);
-    EXPECT_EQ(Table("RecDate, ExDate, ScDate, AcPeriod0, AcPeriod1, Other, CheckOther, RegDate"),
-              (std::vector<std::string>{"2024/06/01 9:00:00|2024/03/31|<null>||-2.5|A&B|0|"
-                                        "2024/04/01 9:00:00"}));
-}
-
-TEST_F(KessanRowsTest, AnEmptyServerListFreesOnlyThisCustomersRows) {
-    Sql(db_,
-        "INSERT INTO tCustomerKessanHistory (id, CustomerID, disabled) VALUES (1, 7, 0), "
-        "(2, 7, 0), (3, 8, 0);");
-    cCustKessan k = Read({}, "2024/05/01 10:00:00");
-    ASSERT_EQ(k.SyncDownload(db_, 7), 1);
+    // An empty list frees this customer's rows only.
+    ASSERT_EQ(Read({}, "2024/05/01 10:00:00").SyncDownload(db_, 7), 1);
     EXPECT_EQ(Table("id, CustomerID, disabled"),
-              (std::vector<std::string>{"1|7|1", "2|7|1", "3|8|0"}));
+              (std::vector<std::string>{"1|7|1", "2|7|1", "3|8|0", "4|7|1"}));
 }
 
 TEST_F(KessanRowsTest, AfterADownloadEqualContentAgreesAndCountOrderOrFieldsDiffer) {
