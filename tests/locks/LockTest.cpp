@@ -18,8 +18,6 @@ namespace {
 constexpr const char* kLock = "customer/lockComp.php";
 constexpr const char* kUnlock = "customer/unlockComp.php";
 constexpr const char* kLockMaster = "master/lockMaster.php";
-constexpr const char* kRefused =
-    "顧客情報をロックできませんでした。 \r\n他のユーザーが利用中の可能性があります。";
 
 std::string LockReply(const std::string& result, const std::string& target = "Customer") {
     return Envelope(
@@ -34,6 +32,7 @@ frmLockTimer* CustomerTimer() {
 class LockTest : public MorvaneTest {
 protected:
     ctrlMorvane obj_;
+    const Golden data_{"locks/lock.txt"};
 };
 
 TEST_F(LockTest, LockAndUnlockBodiesOfBothKinds) {
@@ -63,7 +62,7 @@ TEST_F(LockTest, LockAndUnlockBodiesOfBothKinds) {
 }
 
 TEST_F(LockTest, OnlyAResultOfExactlyOneUnderEitherTargetIsAGrant) {
-    for (const auto& row : Golden("locks/lock.txt").Table("grants")) {
+    for (const auto& row : data_.Table("grants")) {
         SCOPED_TRACE(row[0]);
         State().customerLockState = 1;  // a stale grant must not survive
         const bool granted = row[1] == "1";
@@ -79,13 +78,12 @@ TEST_F(LockTest, ARefusalIsToldByABoxAndTheResultWhileTheTimerGoesOn) {
     server_->On(kLockMaster, LockReply("0", "Master"));
     EXPECT_EQ(obj_.LockMasterData(2), 0);
     ASSERT_EQ(kit_->Boxes().size(), 2u);
-    EXPECT_EQ(kit_->Boxes()[0].text, kRefused);
     EXPECT_EQ(kit_->Boxes()[0].icon, forms::MsgIcon::Exclamation);
-    EXPECT_EQ(kit_->Boxes()[1].text,
-              "マスタ情報をロックできませんでした。 \r\n他のユーザーが利用中の可能性があります。");
     // The master's refusal goes under the customer's caption.
-    EXPECT_EQ(kit_->Boxes()[0].title, "顧客情報のロック");
-    EXPECT_EQ(kit_->Boxes()[1].title, "顧客情報のロック");
+    EXPECT_EQ((std::vector<std::string>{kit_->Boxes()[0].title, kit_->Boxes()[0].text,
+                                        kit_->Boxes()[1].title, kit_->Boxes()[1].text}),
+              (std::vector<std::string>{data_["caption"], data_["customer refused"],
+                                        data_["caption"], data_["master refused"]}));
     EXPECT_EQ(GetLoginState(), 1);
     EXPECT_TRUE(kit_->TimerLive("frmLockTimer", "tmr"));
 }
@@ -106,7 +104,7 @@ TEST_F(LockTest, RenewalsGoOnEveryTenthTickAndEachFailedOneIsTold) {
     EXPECT_EQ(server_->BodiesTo(kLock).back(), "id=user1&token=T2&CustomerID=6&");
     // One lock box per failed renewal (the empty reply brings the reply check's own too).
     int lockBoxes = 0;
-    for (const auto& box : kit_->Boxes()) lockBoxes += box.text == kRefused;
+    for (const auto& box : kit_->Boxes()) lockBoxes += box.text == data_["customer refused"];
     EXPECT_EQ(lockBoxes, 2);
     EXPECT_TRUE(kit_->TimerLive("frmLockTimer", "tmr"));
 }
