@@ -6,7 +6,6 @@
 #include <sstream>
 
 #include "PrefCustTestUtil.h"
-#include "component/DispatchTable.h"
 #include "component/ctrlMorvane.h"
 #include "support/Golden.h"
 
@@ -188,19 +187,6 @@ TEST_F(IninTest, AFetchingDownloadOfAnEmptyServerSubListEmptiesTheSubTableAndAdd
     EXPECT_EQ(One(db_, "SELECT COUNT(*) FROM t99_ININ_SUB"), "0");
     EXPECT_EQ(Rows(db_, "SELECT CustomerID, disabled, SubShokuin, MakeDate FROM t99_ININ_MAIN"),
               std::vector<std::string>{"0|0|s|<null>"});
-}
-
-TEST_F(IninTest, TheMembersTakeTheDataFileArgumentsByName) {
-    for (const char* name : {"CompareP99Inin", "SyncDownloadP99Inin", "SyncUploadP99Inin",
-                             "SyncUploadP99KikaiIchiran"}) {
-        SCOPED_TRACE(name);
-        const DispatchMember* m = DispatchTable::Instance().Find(name);
-        ASSERT_NE(m, nullptr);
-        std::vector<ArgType> types;
-        for (const auto& param : m->params) types.push_back(param.type);
-        EXPECT_EQ(types, (std::vector<ArgType>{ArgType::Text, ArgType::Long, ArgType::Double,
-                                               ArgType::Bool}));
-    }
 }
 
 constexpr const char* kSetKikaiMain = "prefcust/99/setKikaiIchiranMain.php";
