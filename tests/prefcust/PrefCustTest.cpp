@@ -257,9 +257,10 @@ TEST_F(KikaiIchiranTest, TheDataFileSelectsTheListAndItsColumn) {
             makers += (makers.empty() ? "" : " ") + ValueOf(sub, "Maker");
         }
         EXPECT_EQ(makers, row[4]);
-        if (row[4].empty())
+        if (row[4].empty()) {
             EXPECT_EQ(subs, std::vector<std::string>{"ID=user1&token=T2&" + fields +
                                                      "DISABLEDALL=DISABLEDALL&"});
+        }
     }
 }
 
