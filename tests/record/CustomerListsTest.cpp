@@ -356,7 +356,7 @@ TEST_F(NyusatsuListsTest, UploadNumbersTheFilledRowsAndEndsWithTheYear) {
     server_->On(kSetKihon, Envelope(1, "T3"));
     EXPECT_EQ(obj.SyncUploadCustomerNyusatsuKikanList(db_, 7), 1);
     EXPECT_EQ(server_->BodiesTo(kSetKikan),
-              (std::vector<std::string>{Body("agency upload 1"), Body("agency upload 2")}));
+              (std::vector<std::string>{Body("agencies upload 1"), Body("agencies upload 2")}));
     EXPECT_EQ(server_->BodiesTo(kSetKihon), std::vector<std::string>{Body("agency year upload")});
     EXPECT_EQ(server_->Requests().back().path, kSetKihon);
     EXPECT_EQ(Count("InetCheckDate IS NOT NULL"), "2");
