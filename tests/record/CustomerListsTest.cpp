@@ -16,20 +16,12 @@ std::string Body(std::string_view key) { return Data().Joined(key); }
 std::string Seed(std::string_view key) { return Data()[key]; }
 std::vector<std::string> Expected(std::string_view key) { return Data().Lines(key); }
 
-Tags PersonTags(int id) {
-    return TagsOf("ShokuinItemID=" + std::to_string(id) + "|No=S" + std::to_string(id) +
-                  "|Name1=山田|Name2=太郎|FName1=ﾔﾏﾀﾞ|FName2=ﾀﾛｳ|BirthDate=1980/04/01|SaiyoDate=|" +
-                  Numbered("SikakuCode", 1, 10, "0") +
-                  "GyoshuCode1=12abc|GyoshuCode2=|KofuCode=|Seibetu=|Yakushoku=|School=|Senko=|" +
-                  Numbered("LicenceName", 1, 5) + Numbered("licencedate", 1, 5) + "Keireki=|" +
-                  Numbered("JitumuNen", 1, 4) + "shokushu=|Biko=|" + Numbered("Bunrui", 1, 16) +
-                  "EigyoSho=本店|Jokin=常勤|Addr=|" + Numbered("Other", 1, 10) +
-                  "SenninGyosyuN=123|SenninGyosyu=" + std::string(40, '1') + "|SenninSikakuCode=");
-}
-
 std::string Person(int id, const std::map<std::string, std::string>& changed = {},
                    const std::set<std::string>& leftOut = {}) {
-    return ItemXml("ShokuinItem", PersonTags(id), changed, leftOut);
+    const std::string n = std::to_string(id);
+    return ItemXml("ShokuinItem",
+                   With(TagsOf(Data().Joined("person")), {{"ShokuinItemID", n}, {"No", "S" + n}}),
+                   changed, leftOut);
 }
 
 using ShokuinListTest = RecordDbTest;
@@ -83,11 +75,9 @@ TEST_F(ShokuinListTest, DownloadThenCompareAgreesAndReadingsCompareWide) {
 
 std::string Office(int id, const std::map<std::string, std::string>& changed = {},
                    const std::set<std::string>& leftOut = {}) {
-    Tags tags = TagsOf("EigyoshoItemID=" + std::to_string(id) +
-                       "|MainEigyo=1|MainRendo=0|Name=office " + std::to_string(id) +
-                       "|Kana=ｵﾌｨｽ|S_Code=13|PrefName=東京都|CityName=千代田区|Address=一番町1|"
-                       "Yubin1=100|Yubin2=0001|Tel1=03|Tel2=1111|Tel3=2222|Gyosyu=1\t2\t3");
-    for (int i = 0; i <= 10; ++i) tags.push_back({"Reserved" + std::to_string(i), ""});
+    const std::string n = std::to_string(id);
+    const Tags tags =
+        With(TagsOf(Data().Joined("office")), {{"EigyoshoItemID", n}, {"Name", "office " + n}});
     return ItemXml("EigyoshoItem", tags, changed, leftOut);
 }
 
@@ -322,17 +312,7 @@ TEST_F(NyusatsuListsTest, MoreAgenciesThanTheGridAddRowsThatStay) {
 }
 
 TEST_F(NyusatsuListsTest, BlankRowsAreInvisibleToTheComparison) {
-    std::string grid;
-    for (int i = 1; i <= 100; ++i) {
-        const bool filled = i == 2 || i == 50 || i == 99;
-        grid +=
-            "INSERT INTO tCustomerNyusatsuKanri (CustomerID, disabled, LocalIndex, "
-            "KikanName, Kubun, Nendo1, RecordUpdate, InetCheckDate) VALUES (7, 0, " +
-            std::to_string(i) + ", '" + (filled ? "A" + std::to_string(i) : "") + "', '" +
-            (filled ? "1" : "") + "', '" + (filled ? "R6" : "") +
-            "', '2024-05-01 08:00:00', '2024-05-01 08:00:00');";
-    }
-    Sql(db_, grid);
+    Sql(db_, Seed("agency grid of three"));
     const std::vector<std::string> three{KikanItem(1, 2, "A2"), KikanItem(2, 50, "A50"),
                                          KikanItem(3, 99, "A99")};
     cCustKihon k;
