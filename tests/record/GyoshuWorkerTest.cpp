@@ -48,6 +48,8 @@ protected:
                     "SELECT DISTINCT InetCheckDate FROM tCustomerGyoshu WHERE CustomerID = 7 "
                     "UNION SELECT InetCheckDate FROM tCustomer WHERE id = 7");
     }
+
+    const Golden data_{"record/gyoshu-worker.txt"};
 };
 
 // ---- Reading ---------------------------------------------------------------------------
@@ -92,7 +94,7 @@ TEST_F(GyoshuWorkerTest, ReaderKeepsTheGridAndWantsAllOfIt) {
 TEST_F(GyoshuWorkerTest, GridCellsAndHeaderFieldsDifferUnderTheirOwnRules) {
     InsertCustomer(db_);
     InsertTrades(db_, 31);
-    for (const auto& row : Golden("record/gyoshu-worker.txt").Table("rules")) {
+    for (const auto& row : data_.Table("rules")) {
         SCOPED_TRACE(row[0] + row[1]);
         Sql(db_, "UPDATE tCustomerGyoshu SET InetCheckDate = '2024-05-01 09:00:00';");
         EXPECT_EQ(Compare(With(HeaderTags(), TagsOf(row[0])), With(GridTags(), TagsOf(row[1]))),
@@ -159,8 +161,7 @@ TEST_F(GyoshuWorkerTest, DownloadEditsThirtyAddsOneAndNeverWritesTheCode) {
     auto ids = Grid("id");
     ids.pop_back();
     EXPECT_EQ(ids, idsBefore);
-    EXPECT_EQ(Grid("GyoshuCode, disabled, EPmtCheck, EPmtDate"),
-              Golden("record/gyoshu-worker.txt").Lines("downloaded grid"));
+    EXPECT_EQ(Grid("GyoshuCode, disabled, EPmtCheck, EPmtDate"), data_.Lines("downloaded grid"));
     EXPECT_EQ(GridStamps(), std::vector<std::string>{kNow + "|" + kNow});
     EXPECT_EQ(Header("MinCode, PApDate, PmtDate1, PmtCheck1, RecordUpdate"),
               "14|<null>|<null>|3|" + kNow);
@@ -194,12 +195,7 @@ TEST_F(GyoshuWorkerTest, AnAddedTradeTakesTheNextCodeOfItsCustomer) {
     EXPECT_EQ(Grid("EPmtCheck, RecordUpdate", 8)[30], CheckOf(31) + "|" + kNow);
 
     // A grid the host deleted does not push the new codes past 31.
-    Sql(db_,
-        "INSERT INTO tCustomerGyoshu (CustomerID, GyoshuCode) VALUES (9, 12);"
-        "INSERT INTO tCustomerGyoshu (CustomerID) VALUES (9);"
-        "INSERT INTO tCustomerGyoshu (CustomerID) VALUES (10);"
-        "INSERT INTO tCustomerGyoshu (CustomerID, disabled, GyoshuCode) VALUES (11, 1, 31);"
-        "INSERT INTO tCustomerGyoshu (CustomerID) VALUES (11);");
+    Sql(db_, data_["grids the host deleted"]);
     EXPECT_EQ(Rows(db_, "SELECT GyoshuCode FROM tCustomerGyoshu WHERE CustomerID >= 9 ORDER BY id"),
               (std::vector<std::string>{"12", "13", "1", "31", "1"}));
 }
@@ -210,15 +206,12 @@ TEST_F(GyoshuWorkerTest, UploadSendsHeaderAndGridRawAndStampsBothTables) {
     LogIn();
     InsertCustomer(db_);
     InsertTrades(db_, 30);
-    Sql(db_,
-        "UPDATE tCustomer SET PmtNo = '123#45', PmtDate1 = 'garbage', PmtCheck1 = 1.6;"
-        "UPDATE tCustomerGyoshu SET EPmtDate = 'soon' WHERE GyoshuCode = 2;"
-        "UPDATE tCustomerGyoshu SET EPmtDate = '2020-01-03 10:00:00' WHERE GyoshuCode = 3;");
+    Sql(db_, data_["to send"]);
     server_->On("customer/setCompGyoshu.php", Envelope(1, "T2"));
     cCustKihon k;
     ASSERT_EQ(k.SyncUploadGyoshu(db_, 7), 1);
     EXPECT_EQ(server_->BodiesTo("customer/setCompGyoshu.php"),
-              std::vector<std::string>{Golden("record/gyoshu-worker.txt").Joined("upload")});
+              std::vector<std::string>{data_.Joined("upload")});
     EXPECT_EQ(CheckStamps(), std::vector<std::string>{kNow});
     EXPECT_EQ(Rows(db_, "SELECT DISTINCT RecordUpdate FROM tCustomerGyoshu"),
               std::vector<std::string>{kAgreed});

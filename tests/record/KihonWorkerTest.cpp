@@ -91,9 +91,7 @@ TEST_F(KihonWorkerTest, FieldRulesThatAreEasyToGetWrong) {
 
 TEST_F(KihonWorkerTest, DownloadWritesTheRecordStampsItAndWritesBothSideRows) {
     InsertRow();
-    Exec(
-        "UPDATE tCustomer SET ExOther17 = '7', ExOther18 = 'old', TAddr0 = 'old', "
-        "DataUpdateFlag = 3, CorpNum = 'N1', PApDate = '2020-01-01 00:00:00'");
+    Sql(db_, data_["before a download"]);
     cCustKihon k =
         Server(TagsOf("Code=|ExOther17=0|PApDate=abc|PmtDate0=2024/04/01|SeturituDate=2020/1/5 "
                       "10:00:00|PmtCheck1=2|UserStaffID=3|DataUpdateFlag=8|CheckEx=4|Manage=6"));
@@ -152,13 +150,7 @@ TEST_F(KihonWorkerTest, ABrokenDatabaseFailsThroughTheTrapForTheRecordAndTheTrad
 TEST_F(KihonWorkerTest, UploadSendsTheRowAsItStandsAndStampsItOnSuccess) {
     LogIn();
     InsertRow();
-    Exec(
-        "UPDATE tCustomer SET Code = 'A&1', AcDate = '3月31日', Other4 = 'o4', Other7 = 'x', "
-        "PmtNo = '123#45', ExOther13 = 'a=b', PmtCheck1 = 1.6, PApDate = '2024-04-01 10:00:00', "
-        "PmtDate0 = '2024-04-01 00:00:00', PmtDate1 = 'garbage', "
-        "SeturituDate = '2001-02-03 00:00:00', UserStaffID = 3, DataUpdateFlag = 8, "
-        "CorpNum = 'N1';"
-        "INSERT INTO tCustomerKeisin (CustomerID, disabled, CheckEx) VALUES (7, 0, 4)");
+    Sql(db_, data_["to send"]);
     server_->On("customer/setCompKihon.php", Envelope(1, "T2"));
     cCustKihon k;
     ASSERT_EQ(k.SyncUploadNormal(db_, 7), 1);
