@@ -147,8 +147,7 @@ constexpr const char* kNow = "2024/06/01 9:00:00";
 using KessanSyncTest = KessanRowsTest;
 
 TEST_F(KessanSyncTest, UploadSendsEachLiveRowAndClearsTheServerListWithTheFirst) {
-    ctrlMorvane obj;
-    LogIn();
+    ctrlMorvane& obj = LoggedIn();
     Sql(db_, data_["to send"]);
     server_->On(kSet, Envelope(1, "T2"));
     ASSERT_EQ(obj.SyncUploadCustomerKessanList(db_, 7), 1);
@@ -167,8 +166,7 @@ TEST_F(KessanSyncTest, UploadSendsEachLiveRowAndClearsTheServerListWithTheFirst)
 }
 
 TEST_F(KessanSyncTest, UploadStopsAtTheFirstFailedPostAndSendsNothingWithoutRows) {
-    ctrlMorvane obj;
-    LogIn();
+    ctrlMorvane& obj = LoggedIn();
     Sql(db_,
         "INSERT INTO tCustomerKessanHistory (id, CustomerID, disabled) VALUES (1, 7, 0), "
         "(2, 7, 0), (3, 7, 0);");
@@ -183,8 +181,7 @@ TEST_F(KessanSyncTest, UploadStopsAtTheFirstFailedPostAndSendsNothingWithoutRows
 }
 
 TEST_F(KessanSyncTest, UnderTheUsageOptionTheDownloadFetchesForItself) {
-    ctrlMorvane obj;
-    LogIn();
+    ctrlMorvane& obj = LoggedIn();
     server_->On(
         kGet,
         Envelope(1, "T2", ListPayload("KessanData", 7, "2024/05/01 10:00:00", {KessanItem(100)})));

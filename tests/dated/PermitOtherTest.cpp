@@ -32,8 +32,7 @@ protected:
 };
 
 TEST_F(KyokaTest, HiddenRowsKeepTheirPlaceCountAndAreNotSent) {
-    ctrlMorvane obj;
-    LogIn();
+    ctrlMorvane& obj = LoggedIn();
     Sql(db_, data_["permit rows"]);
     const std::string later = "2024/06/01 10:00:00";
     At(11);
@@ -122,8 +121,7 @@ TEST_F(OtherTest, DownloadWritesNoPositionAndTheDatesCompareToTheSecond) {
 }
 
 TEST_F(OtherTest, UploadSendsNoPositionAndAnEmptyTextForANonDate) {
-    ctrlMorvane obj;
-    LogIn();
+    ctrlMorvane& obj = LoggedIn();
     EXPECT_EQ(obj.SyncUploadCustomerOtherList(db_, 7), 0);
     EXPECT_TRUE(server_->Requests().empty());
     Sql(db_, data_["other to send"]);

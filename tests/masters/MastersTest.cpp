@@ -127,8 +127,7 @@ std::vector<std::pair<std::string, std::string>> StaffTags(int id, const std::st
 }
 
 TEST_F(MasterMembersTest, UploadSendsEveryRowWithPositionsAndNothingForAnEmptyTable) {
-    ctrlMorvane obj;
-    LogIn();
+    ctrlMorvane& obj = LoggedIn();
     EXPECT_EQ(obj.SyncUploadMasterKessanTaioh(db_), 0);
     EXPECT_TRUE(server_->RequestsTo(std::string(page::kSetKessanTaioh)).empty());
     Sql(db_, data_["taioh to send"]);
@@ -185,8 +184,7 @@ TEST_F(MasterMembersTest, StaffUsersTravelUnderTheirJapaneseNamesPasswordInclude
     // What the download wrote is what the upload below sends.
     ASSERT_EQ(s.SyncDownload(db_), 1);
 
-    ctrlMorvane obj;
-    LogIn();
+    ctrlMorvane& obj = LoggedIn();
     server_->On(std::string(page::kSetUserStaff), Envelope(1, "T2"));
     ASSERT_EQ(obj.SyncUploadMasterUserStaff(db_), 1);
     const auto posts = server_->RequestsTo(std::string(page::kSetUserStaff));

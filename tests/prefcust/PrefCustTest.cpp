@@ -49,8 +49,7 @@ protected:
 };
 
 TEST_F(IninTest, UploadSendsTheOldestMainRowThenEveryLiveSubRow) {
-    ctrlMorvane obj;
-    LogIn();
+    ctrlMorvane& obj = LoggedIn();
     Load("form");
     server_->On(kSetMain, Envelope(1, "T2"));
     server_->On(kSetSub, Envelope(1, "T3"));
@@ -80,8 +79,7 @@ std::vector<std::string> Answers(const std::string& cell) {
 TEST_F(IninTest, UploadStopsAtAFailedPostWithTheMainRowStampedOnceItWentThrough) {
     for (const auto& row : data_.Table("upload stops")) {
         SCOPED_TRACE(row[0]);
-        ctrlMorvane obj;
-        LogIn();
+        ctrlMorvane& obj = LoggedIn();
         Load("form");
         server_->ClearRequests();
         server_->OnSequence(kSetMain, Answers(row[1]));
@@ -99,15 +97,13 @@ TEST_F(IninTest, UploadSendsNothingWithoutALiveSubRowOrForANumberBeyond16Bits) {
     for (const auto& [rows, custId] : std::vector<std::pair<std::string, std::int32_t>>{
              {"only freed sub rows", 7}, {"form", 32768}, {"form", -32769}}) {
         SCOPED_TRACE(rows + " of customer " + std::to_string(custId));
-        ctrlMorvane obj;
-        LogIn();
+        ctrlMorvane& obj = LoggedIn();
         Load(rows);
         server_->ClearRequests();
         EXPECT_EQ(obj.SyncUploadP99Inin(db_, custId, 0, true), 0);
         EXPECT_TRUE(server_->Requests().empty());
     }
-    ctrlMorvane obj;
-    LogIn();
+    ctrlMorvane& obj = LoggedIn();
     EXPECT_EQ(obj.SyncUploadP99Inin(db_, 32767, 0, true), 1) << "the largest 16-bit number";
 }
 
@@ -115,8 +111,7 @@ TEST_F(IninTest, CompareLooksAtLiveRowsByPositionOnlyWhenTheStampsDiffer) {
     ServeForm();
     for (const auto& row : data_.Table("compare cases")) {
         SCOPED_TRACE(row[0]);
-        ctrlMorvane obj;
-        LogIn();
+        ctrlMorvane& obj = LoggedIn();
         Load("form");
         Sql(db_, row[1]);
         EXPECT_EQ(obj.CompareP99Inin(db_, 7, 0, true), std::stoi(row[2]));
@@ -127,8 +122,7 @@ TEST_F(IninTest, CompareLooksAtLiveRowsByPositionOnlyWhenTheStampsDiffer) {
 }
 
 TEST_F(IninTest, CompareAsksBothPagesAndAnIncompleteSubListLeavesNothingToDownload) {
-    ctrlMorvane obj;
-    LogIn();
+    ctrlMorvane& obj = LoggedIn();
     Load("form");
     server_->On(
         kGetMain,
@@ -148,8 +142,7 @@ TEST_F(IninTest, CompareAsksBothPagesAndAnIncompleteSubListLeavesNothingToDownlo
 }
 
 TEST_F(IninTest, DownloadRewritesTheNewestMainRowAndReplacesEverySubRowUnowned) {
-    ctrlMorvane obj;
-    LogIn();
+    ctrlMorvane& obj = LoggedIn();
     Load("form");
     Sql(db_, data_["newest main row"]);
     ServeForm(IninMainItem(4, "新しい", "3", "2024/02/03"));
@@ -174,9 +167,8 @@ TEST_F(IninTest, DownloadRewritesTheNewestMainRowAndReplacesEverySubRowUnowned) 
 }
 
 TEST_F(IninTest, AFetchingDownloadOfAnEmptyServerSubListEmptiesTheSubTableAndAddsTheMainRow) {
-    ctrlMorvane obj;
+    ctrlMorvane& obj = LoggedIn();
     obj.setObjectUsage(1);
-    LogIn();
     Sql(db_,
         "INSERT INTO t99_ININ_SUB (id, CustomerID, disabled, IninTitle) VALUES (1, 7, 0, 'a'), "
         "(2, 8, 1, 'b');");
@@ -210,8 +202,7 @@ protected:
 };
 
 TEST_F(KikaiIchiranTest, UploadSendsTheMainRowThenTheMachinesByPositionInTheirKeyOrder) {
-    ctrlMorvane obj;
-    LogIn();
+    ctrlMorvane& obj = LoggedIn();
     server_->On(kSetKikaiMain, Envelope(1, "T2"));
     server_->On(kSetKikaiSub, Envelope(1, "T3"));
     ASSERT_EQ(obj.SyncUploadP99KikaiIchiran(db_, 7, 5, true), 1);
@@ -234,8 +225,7 @@ TEST_F(KikaiIchiranTest, TheDataFileSelectsTheListAndItsColumn) {
     for (const auto& row : data_.Table("data file cases")) {
         SCOPED_TRACE(row[0]);
         const std::string mainId = row[5];
-        ctrlMorvane obj;
-        LogIn();
+        ctrlMorvane& obj = LoggedIn();
         EXPECT_EQ(
             obj.SyncUploadP99KikaiIchiran(db_, std::stoi(row[1]), std::stod(row[2]), row[3] == "1"),
             mainId == "-" ? 0 : 1);
@@ -265,8 +255,7 @@ TEST_F(KikaiIchiranTest, TheDataFileSelectsTheListAndItsColumn) {
 }
 
 TEST_F(KikaiIchiranTest, UploadStopsAtARefusedMachineWithTheMainRowStamped) {
-    ctrlMorvane obj;
-    LogIn();
+    ctrlMorvane& obj = LoggedIn();
     server_->On(kSetKikaiMain, Envelope(1, "T2"));
     server_->OnSequence(kSetKikaiSub, {Envelope(-1, "T3"), Envelope(1, "T4")});
     EXPECT_EQ(obj.SyncUploadP99KikaiIchiran(db_, 7, 5, true), 0);

@@ -204,8 +204,7 @@ TEST_F(ListUploadTest, EachListGoesUpOnePostARowWithItsKeysToTheLetter) {
     for (const auto& list : lists) {
         SCOPED_TRACE(list.list);
         const std::string name = list.list;
-        ctrlMorvane obj;
-        LogIn();
+        ctrlMorvane& obj = LoggedIn();
         Sql(db_, Seed(name + " to send"));
         server_->On(list.page, Envelope(1, "T2"));
         EXPECT_EQ((obj.*list.upload)(db_, 7), 1);
@@ -329,8 +328,7 @@ TEST_F(NyusatsuListsTest, BlankRowsAreInvisibleToTheComparison) {
 }
 
 TEST_F(NyusatsuListsTest, UploadNumbersTheFilledRowsAndEndsWithTheYear) {
-    ctrlMorvane obj;
-    LogIn();
+    ctrlMorvane& obj = LoggedIn();
     Sql(db_, Seed("agencies to send"));
     server_->On(kSetKikan, Envelope(1, "T2"));
     server_->On(kSetKihon, Envelope(1, "T3"));

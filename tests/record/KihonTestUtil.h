@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "component/ctrlMorvane.h"
 #include "platform/Clock.h"
 #include "state/ProcessState.h"
 #include "store/LocalDatabases.h"
@@ -145,10 +146,17 @@ protected:
     }
     // Moves the clock to the hour of 2024/06/01.
     void At(int hour) { clock_->Set(DateValue::FromCivil({2024, 6, 1, hour, 0, 0})); }
+    // A fresh public object, logged in: a new object resets the login, so it comes first.
+    ctrlMorvane& LoggedIn() {
+        obj_ = std::make_unique<ctrlMorvane>();
+        LogIn();
+        return *obj_;
+    }
 
     LocalDatabasePaths paths_;
     std::string db_;
     std::shared_ptr<FixedClock> clock_;
+    std::unique_ptr<ctrlMorvane> obj_;
 };
 
 }  // namespace morvane::test

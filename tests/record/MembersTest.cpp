@@ -111,8 +111,7 @@ TEST_F(MembersTest, TheDownloadWritesWhatTheComparisonFoundNewerAndNothingOfASho
 }
 
 TEST_F(MembersTest, MainComparesOnItsOwnPageNeedsTheStaffCountAndDownloadsTheWholeRecord) {
-    ctrlMorvane obj;  // a new object resets the login, so it comes first
-    LogIn();
+    ctrlMorvane& obj = LoggedIn();
     Sql(db_, "UPDATE tCustomer SET ZipCode0 = '999' WHERE id = 7;");
     const auto reply = [](const std::string& after) {
         return Envelope(1, "T2", KihonPayload(TAddr("new"), "2024/05/01 09:05:00", after));
