@@ -167,9 +167,7 @@ TEST_F(KessanSyncTest, UploadSendsEachLiveRowAndClearsTheServerListWithTheFirst)
 
 TEST_F(KessanSyncTest, UploadStopsAtTheFirstFailedPostAndSendsNothingWithoutRows) {
     ctrlMorvane& obj = LoggedIn();
-    Sql(db_,
-        "INSERT INTO tCustomerKessanHistory (id, CustomerID, disabled) VALUES (1, 7, 0), "
-        "(2, 7, 0), (3, 7, 0);");
+    Sql(db_, data_["three live rows"]);
     server_->OnSequence(kSet, {Envelope(1, "T2"), Envelope(-1, "T3"), Envelope(1, "T4")});
     EXPECT_EQ(obj.SyncUploadCustomerKessanList(db_, 7), 0);
     EXPECT_EQ(server_->RequestsTo(kSet).size(), 2u);

@@ -82,24 +82,7 @@ TEST_F(MasterEngineTest, DownloadReplacesTheTableNumberingIdsAndPositionsFromOne
     EXPECT_TRUE(TaiohRows(db_).empty());
 }
 
-TEST_F(MasterEngineTest, NumbersCompareByValueAndTextsToTheLetter) {
-    Sql(db_, data_["agreed taioh rows"]);
-    const std::string later = "2024/05/02 00:00:00";
-    EXPECT_EQ(Taioh({TaiohItem(1, "Ab", "", "1"), TaiohItem(2, "c", "0", "2")}, later)
-                  .CompareLocalDB(db_),
-              0);
-    EXPECT_EQ(One(db_, "SELECT MIN(InetCheckDate) FROM tKessanTaioh"), "2024/06/01 9:00:00");
-    Sql(db_, "UPDATE tKessanTaioh SET InetCheckDate = '2024-05-01 00:00:00';");
-    EXPECT_EQ(Taioh({TaiohItem(1, "AB", "0", "1"), TaiohItem(2, "c", "0", "2")}, later)
-                  .CompareLocalDB(db_),
-              1);
-    // A count apart is a difference before any field is looked at.
-    EXPECT_EQ(Taioh({TaiohItem(1, "Ab", "0", "1")}, later).CompareLocalDB(db_), 1);
-    // Stamps that agree leave the content unread.
-    EXPECT_EQ(Taioh({TaiohItem(1, "zz", "0", "1")}, "2024/04/01 00:00:00").CompareLocalDB(db_), 0);
-}
-
-TEST_F(MasterEngineTest, OnlyADatabaseNamedMasterDatIsStamped) {
+TEST_F(MasterEngineTest, NumbersCompareByValueTextsToTheLetterAndOnlyMasterDatIsStamped) {
     Sql(db_, data_["agreed taioh rows"]);
     const auto folder = std::filesystem::path(db_).parent_path();
     const std::string upper = (folder / "other" / "master.DAT").string();
@@ -114,6 +97,20 @@ TEST_F(MasterEngineTest, OnlyADatabaseNamedMasterDatIsStamped) {
             0);
     EXPECT_EQ(One(upper, "SELECT MIN(InetCheckDate) FROM tKessanTaioh"), "2024/06/01 9:00:00");
     EXPECT_EQ(One(wrong, "SELECT MAX(InetCheckDate) FROM tKessanTaioh"), "2024/05/01");
+
+    const std::string later = "2024/05/02 00:00:00";
+    EXPECT_EQ(Taioh({TaiohItem(1, "Ab", "", "1"), TaiohItem(2, "c", "0", "2")}, later)
+                  .CompareLocalDB(db_),
+              0);
+    EXPECT_EQ(One(db_, "SELECT MIN(InetCheckDate) FROM tKessanTaioh"), "2024/06/01 9:00:00");
+    Sql(db_, "UPDATE tKessanTaioh SET InetCheckDate = '2024-05-01 00:00:00';");
+    EXPECT_EQ(Taioh({TaiohItem(1, "AB", "0", "1"), TaiohItem(2, "c", "0", "2")}, later)
+                  .CompareLocalDB(db_),
+              1);
+    // A count apart is a difference before any field is looked at.
+    EXPECT_EQ(Taioh({TaiohItem(1, "Ab", "0", "1")}, later).CompareLocalDB(db_), 1);
+    // Stamps that agree leave the content unread.
+    EXPECT_EQ(Taioh({TaiohItem(1, "zz", "0", "1")}, "2024/04/01 00:00:00").CompareLocalDB(db_), 0);
 }
 
 using MasterMembersTest = MasterEngineTest;
@@ -164,9 +161,7 @@ TEST_F(MasterMembersTest, BiddingAgencyItemsNeedEveryTagUnderItsOwnSpelling) {
     EXPECT_FALSE(k.ReadXML(other));
 
     // An empty checklist flag on the server and 0 at home are equal.
-    Sql(db_,
-        "INSERT INTO tNyusatsuKikan (ID, NeedDoc42, vno, RecordUpdate, InetCheckDate) "
-        "VALUES (1, 0, 1, '2024-04-01 00:00:00', '2024-04-01 00:00:00');");
+    Sql(db_, data_["agency without a checklist flag"]);
     ASSERT_TRUE(k.ReadXML(reply({{"vno", "1"}}, {})));
     EXPECT_EQ(k.CompareLocalDB(db_), 0);
 }

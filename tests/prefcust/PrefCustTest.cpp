@@ -169,9 +169,7 @@ TEST_F(IninTest, DownloadRewritesTheNewestMainRowAndReplacesEverySubRowUnowned) 
 TEST_F(IninTest, AFetchingDownloadOfAnEmptyServerSubListEmptiesTheSubTableAndAddsTheMainRow) {
     ctrlMorvane& obj = LoggedIn();
     obj.setObjectUsage(1);
-    Sql(db_,
-        "INSERT INTO t99_ININ_SUB (id, CustomerID, disabled, IninTitle) VALUES (1, 7, 0, 'a'), "
-        "(2, 8, 1, 'b');");
+    Sql(db_, data_["two sub rows"]);
     ServeForm(IninMainItem(4, "s", "1"), {});
     ASSERT_EQ(obj.SyncDownloadP99Inin(db_, 7, 0, true), 1);
     EXPECT_EQ(server_->RequestsTo(kGetMain).size(), 1u);

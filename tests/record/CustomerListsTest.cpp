@@ -269,9 +269,7 @@ TEST_F(NyusatsuListsTest, AnAgencyItemNeedsAllFourteenTags) {
 }
 
 TEST_F(NyusatsuListsTest, FirstDownloadMakesTheWholeGridAndLaterOnesKeepItWholeAndBlank) {
-    Sql(db_,
-        "INSERT INTO tCustomerNyusatsuKanri (CustomerID, disabled, LocalIndex, KikanName) "
-        "VALUES (8, 1, 1, 'of 8');");
+    Sql(db_, Seed("freed agency of 8"));
     // Server positions with gaps: the rows take the items' own positions.
     DownloadAgencies({KikanItem(1, 5, "A"), KikanItem(2, 9, "B"), KikanItem(3, 12, "C")});
     EXPECT_EQ(Count("CustomerID = 7"), "100");
@@ -347,9 +345,7 @@ TEST_F(NyusatsuListsTest, UploadNumbersTheFilledRowsAndEndsWithTheYear) {
 
     // No filled row: nothing at all is sent.
     server_->ClearRequests();
-    Sql(db_,
-        "UPDATE tCustomerNyusatsuKanri SET KikanName = '', Kubun = '', Nendo1 = '', "
-        "Nendo10 = '';");
+    Sql(db_, Seed("agencies emptied"));
     EXPECT_EQ(obj.SyncUploadCustomerNyusatsuKikanList(db_, 7), 0);
     EXPECT_TRUE(server_->Requests().empty());
 }
