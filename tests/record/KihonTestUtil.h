@@ -77,16 +77,13 @@ inline std::string Document(const std::string& payload) {
 }
 
 // One item element: every tag with its value, in order, less the tags left out.
-inline std::string ItemXml(const std::string& itemTag, const Tags& tags,
+inline std::string ItemXml(const std::string& itemTag, Tags tags,
                            const std::map<std::string, std::string>& changed = {},
                            const std::set<std::string>& leftOut = {}) {
-    std::string out = "<" + itemTag + ">";
-    for (const auto& [tag, value] : tags) {
-        if (leftOut.count(tag)) continue;
-        const auto at = changed.find(tag);
-        out += "<" + tag + ">" + (at == changed.end() ? value : at->second) + "</" + tag + ">";
-    }
-    return out + "</" + itemTag + ">";
+    for (auto& [tag, value] : tags)
+        if (changed.count(tag)) value = changed.at(tag);
+    std::erase_if(tags, [&](const auto& t) { return leftOut.count(t.first) > 0; });
+    return "<" + itemTag + ">" + Elements(tags) + "</" + itemTag + ">";
 }
 
 // "<Memo>List" with "<Memo>Count" (the items' number unless given), the stamp and the items.
