@@ -7,12 +7,10 @@
 #include <optional>
 #include <tuple>
 
-#include "component/DispatchTable.h"
 #include "component/ctrlMorvane.h"
 #include "dated/cCustDataFile.h"
 #include "platform/AtomicFile.h"
 #include "platform/basFileTime.h"
-#include "session/mdlLogin.h"
 #include "state/ProcessState.h"
 #include "state/basGetCRC.h"
 #include "support/FileBytes.h"

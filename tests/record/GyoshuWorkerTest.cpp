@@ -4,7 +4,6 @@
 
 #include "GyoshuTestUtil.h"
 #include "record/cCustKihon.h"
-#include "state/ProcessState.h"
 #include "support/Golden.h"
 
 namespace morvane::test {
