@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "GyoshuTestUtil.h"
+#include "dated/DatedTestUtil.h"
+#include "dated/cCustKessan.h"
 #include "record/cCustKihon.h"
 #include "state/ProcessState.h"
 #include "support/Golden.h"
@@ -130,17 +132,20 @@ TEST_F(KihonWorkerTest, DownloadMainWritesTheFifteenAlone) {
     EXPECT_EQ(Column("id", "tCustomerKeisin", "CustomerID"), "<no row>");
 }
 
-TEST_F(KihonWorkerTest, ABrokenDatabaseFailsThroughTheTrapForTheRecordAndTheTrades) {
+TEST_F(KihonWorkerTest, ABrokenDatabaseFailsThroughTheTrapForRecordTradesAndSettlements) {
     cCustKihon k = Server({});
     const std::string missing = (temp_.Path() / "none" / "Customer.dat").string();
     cCustKihon trades;
     ASSERT_TRUE(trades.ReadXMLGyosyu(Document(GyoshuPayload(HeaderTags(), GridTags()))));
+    cCustKessan settlements;
+    ASSERT_TRUE(settlements.ReadXML(ListReply("KessanData", {KessanItem(100)})));
     EXPECT_EQ((std::vector<std::int32_t>{
                   k.SyncDownloadNormal(missing, 7), k.CompareLocalDBNormal(missing, 7),
                   k.SyncUploadNormal(missing, 7), trades.SyncDownloadGyosyu(missing, 7),
-                  trades.CompareLocalDBGyosyu(missing, 7), trades.SyncUploadGyoshu(missing, 7)}),
-              std::vector<std::int32_t>(6, 0));
-    EXPECT_EQ(kit_->Boxes().size(), 6u);  // one box a call
+                  trades.CompareLocalDBGyosyu(missing, 7), trades.SyncUploadGyoshu(missing, 7),
+                  settlements.SyncDownload(missing, 7), settlements.SyncUpload(missing, 7)}),
+              std::vector<std::int32_t>(8, 0));
+    EXPECT_EQ(kit_->Boxes().size(), 8u);  // one box a call
     EXPECT_TRUE(server_->Requests().empty());
 }
 
