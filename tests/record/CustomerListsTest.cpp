@@ -229,7 +229,8 @@ std::string KikanItem(int id, int localIndex, const std::string& name,
                       const std::set<std::string>& leftOut = {}) {
     const Tags tags = TagsOf("NyusatsuKikanItemID=" + std::to_string(id) +
                              "|LocalIndex=" + std::to_string(localIndex) + "|KikanName=" + name +
-                             "|Kubun=1|Nendo1=R6|" + Numbered("Nendo", 2, 10));
+                             "|Kubun=1|Nendo1=R6|Nendo2=|Nendo3=|Nendo4=|Nendo5=|Nendo6=|"
+                             "Nendo7=|Nendo8=|Nendo9=|Nendo10=");
     return ItemXml("NyusatsuKikanItem", tags, changed, leftOut);
 }
 

@@ -36,14 +36,6 @@ inline Tags TagsOf(std::string_view spec) {
     return tags;
 }
 
-// "name1=text|name2=text|..." from..to, for TagsOf.
-inline std::string Numbered(const std::string& name, int from, int to,
-                            const std::string& text = {}) {
-    std::string out;
-    for (int i = from; i <= to; ++i) out += name + std::to_string(i) + "=" + text + "|";
-    return out;
-}
-
 // The 15 tags a main read requires, with plain values.
 inline Tags RequiredTags() {
     return TagsOf(Golden("record/test-util.txt").Joined("required tags"));
