@@ -53,11 +53,9 @@ TEST_F(MasterEngineTest, TheReplyHasNoCustomerAndMustBeWhole) {
 TEST_F(MasterEngineTest, DownloadReplacesTheTableNumberingIdsAndPositionsFromOne) {
     Sql(db_, data_["taioh rows"]);
     // Server ids and numbers far from 1..n, and an empty Flag.
-    ASSERT_EQ(Taioh({TaiohItem(30, "甲", "1", "5"), TaiohItem(10, "乙", "", "7"),
-                     TaiohItem(20, "丙", "0", "9")},
-                    "2024/05/01 10:00:00")
-                  .SyncDownload(db_),
-              1);
+    const std::vector<std::string> items{
+        TaiohItem(30, "甲", "1", "5"), TaiohItem(10, "乙", "", "7"), TaiohItem(20, "丙", "0", "9")};
+    ASSERT_EQ(Taioh(items, "2024/05/01 10:00:00").SyncDownload(db_), 1);
     EXPECT_EQ(TaiohRows(db_), (std::vector<std::string>{"1|甲|1|1", "2|乙|<null>|2", "3|丙|0|3"}));
     EXPECT_EQ(Rows(db_, "SELECT DISTINCT RecordUpdate, InetCheckDate FROM tKessanTaioh"),
               (std::vector<std::string>{"2024/06/01 9:00:00|2024/06/01 9:00:00"}));
@@ -65,11 +63,7 @@ TEST_F(MasterEngineTest, DownloadReplacesTheTableNumberingIdsAndPositionsFromOne
     // The server's own numbers are a difference on the next comparison; consecutive ones are not.
     clock_->Set(DateValue::FromCivil({2024, 6, 2, 9, 0, 0}));
     const std::string later = "2024/06/01 12:00:00";
-    EXPECT_EQ(Taioh({TaiohItem(30, "甲", "1", "5"), TaiohItem(10, "乙", "", "7"),
-                     TaiohItem(20, "丙", "0", "9")},
-                    later)
-                  .CompareLocalDB(db_),
-              1);
+    EXPECT_EQ(Taioh(items, later).CompareLocalDB(db_), 1);
     EXPECT_EQ(Taioh({TaiohItem(30, "甲", "1", "1"), TaiohItem(10, "乙", "", "2"),
                      TaiohItem(20, "丙", "0", "3")},
                     later)
@@ -115,12 +109,15 @@ TEST_F(MasterEngineTest, NumbersCompareByValueTextsToTheLetterAndOnlyMasterDatIs
 
 using MasterMembersTest = MasterEngineTest;
 
-std::vector<std::pair<std::string, std::string>> StaffTags(int id, const std::string& pw) {
-    return TagsOf("UserStaffItemID=" + std::to_string(id) + "|事務所職員コード=S" +
-                  std::to_string(id) +
-                  "|事務所職員名=山田 太郎|郵便番号=530-0001|住所=大阪市北区|TEL=06-1111-2222|FAX=|"
-                  "パスワード=" +
-                  pw + "|Flag=1");
+// A staff user's item: its columns under their Japanese names, the password among them.
+std::string Staff(int id, const std::string& pw, const std::set<std::string>& leftOut = {}) {
+    const std::string n = std::to_string(id);
+    return ItemXml("UserStaffItem",
+                   TagsOf("UserStaffItemID=" + n + "|事務所職員コード=S" + n +
+                          "|事務所職員名=山田 太郎|郵便番号=530-0001|住所=大阪市北区|"
+                          "TEL=06-1111-2222|FAX=|パスワード=" +
+                          pw + "|Flag=1"),
+                   {}, leftOut);
 }
 
 TEST_F(MasterMembersTest, UploadSendsEveryRowWithPositionsAndNothingForAnEmptyTable) {
@@ -167,14 +164,13 @@ TEST_F(MasterMembersTest, BiddingAgencyItemsNeedEveryTagUnderItsOwnSpelling) {
 }
 
 TEST_F(MasterMembersTest, StaffUsersTravelUnderTheirJapaneseNamesPasswordIncluded) {
+    const auto reply = [](const std::string& stamp, const std::vector<std::string>& items) {
+        return Document(MasterPayload("UserStaff", stamp, items));
+    };
     cMastUserStaff s;
-    EXPECT_FALSE(s.ReadXML(Document(
-        MasterPayload("UserStaff", "2024/05/01 10:00:00",
-                      {ItemXml("UserStaffItem", StaffTags(1, "pw1")),
-                       ItemXml("UserStaffItem", StaffTags(2, "pw2"), {}, {"パスワード"})}))));
-    ASSERT_TRUE(s.ReadXML(Document(MasterPayload("UserStaff", "2024/05/01 10:00:00",
-                                                 {ItemXml("UserStaffItem", StaffTags(8, "pw&1")),
-                                                  ItemXml("UserStaffItem", StaffTags(3, "b"))}))));
+    EXPECT_FALSE(s.ReadXML(
+        reply("2024/05/01 10:00:00", {Staff(1, "pw1"), Staff(2, "pw2", {"パスワード"})})));
+    ASSERT_TRUE(s.ReadXML(reply("2024/05/01 10:00:00", {Staff(8, "pw&1"), Staff(3, "b")})));
     EXPECT_EQ(s.Items()[0].strPW, "pw&1");
     // What the download wrote is what the upload below sends.
     ASSERT_EQ(s.SyncDownload(db_), 1);
@@ -188,9 +184,7 @@ TEST_F(MasterMembersTest, StaffUsersTravelUnderTheirJapaneseNamesPasswordInclude
 
     // A password apart is a difference.
     clock_->Set(DateValue::FromCivil({2024, 6, 2, 9, 0, 0}));
-    ASSERT_TRUE(s.ReadXML(Document(MasterPayload("UserStaff", "2024/06/01 12:00:00",
-                                                 {ItemXml("UserStaffItem", StaffTags(8, "pw&1")),
-                                                  ItemXml("UserStaffItem", StaffTags(3, "B"))}))));
+    ASSERT_TRUE(s.ReadXML(reply("2024/06/01 12:00:00", {Staff(8, "pw&1"), Staff(3, "B")})));
     EXPECT_EQ(s.CompareLocalDB(db_), 1);
 }
 
