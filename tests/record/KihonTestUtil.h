@@ -25,13 +25,13 @@ namespace morvane::test {
 using Tags = std::vector<std::pair<std::string, std::string>>;
 
 // Tags written "tag=text|tag=text|...".
-inline Tags TagsOf(std::string_view spec) {
+inline Tags TagsOf(std::string_view text) {
     Tags tags;
-    while (!spec.empty()) {
-        const std::string_view one = spec.substr(0, spec.find('|'));
+    while (!text.empty()) {
+        const std::string_view one = text.substr(0, text.find('|'));
         const size_t eq = one.find('=');
         tags.emplace_back(std::string(one.substr(0, eq)), std::string(one.substr(eq + 1)));
-        spec.remove_prefix(std::min(spec.size(), one.size() + 1));
+        text.remove_prefix(std::min(text.size(), one.size() + 1));
     }
     return tags;
 }
