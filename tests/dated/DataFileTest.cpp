@@ -2,21 +2,19 @@
 // and the server's copy, and the five members of each kind with their slots.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <optional>
+#include <tuple>
 
-#include "component/DispatchTable.h"
 #include "component/ctrlMorvane.h"
 #include "dated/cCustDataFile.h"
 #include "platform/AtomicFile.h"
 #include "platform/basFileTime.h"
-#include "session/mdlLogin.h"
 #include "state/ProcessState.h"
 #include "state/basGetCRC.h"
 #include "support/FileBytes.h"
+#include "support/Golden.h"
 #include "support/LeftoverWrite.h"
 #include "support/MorvaneTest.h"
 #include "support/ScopedEnv.h"
@@ -25,16 +23,14 @@ namespace morvane::test {
 namespace {
 namespace fs = std::filesystem;
 
-std::string Item(const std::string& list, const std::string& name, const std::string& size,
-                 const std::string& modified, const std::string& hash) {
-    return "<" + list + "List><" + list + "Item><FileName>" + name + "</FileName><FileSize>" +
-           size + "</FileSize><LastModified>" + modified + "</LastModified><hash>" + hash +
-           "</hash></" + list + "Item></" + list + "List>";
-}
-
-std::string HashPayload(const std::string& items, int custId = 7) {
-    return "<Customer><CustomerID>" + std::to_string(custId) + "</CustomerID>" + items +
-           "</Customer>";
+// The hash reply's payload: a.pdf of these bytes, with their own hash unless one is given.
+std::string HashPayload(const std::string& list, const std::string& bytes,
+                        const std::string& modified, std::string hash = {}) {
+    if (hash.empty()) hash = GetCRC(bytes);
+    return "<Customer><CustomerID>7</CustomerID><" + list + "List><" + list +
+           "Item><FileName>a.pdf</FileName><FileSize>" + std::to_string(bytes.size()) +
+           "</FileSize><LastModified>" + modified + "</LastModified><hash>" + hash + "</hash></" +
+           list + "Item></" + list + "List></Customer>";
 }
 
 class DataFileTest : public MorvaneTest {
@@ -65,35 +61,31 @@ protected:
         }
         return path.string();
     }
-    // The server describes a file of these bytes.
     void ServerHas(const std::string& page, const std::string& list, const std::string& bytes,
-                   const std::string& modified, std::string hash = {}) {
-        if (hash.empty()) hash = GetCRC(bytes);
-        server_->On(page, Envelope(1, "T2",
-                                   HashPayload(Item(list, "a.pdf", std::to_string(bytes.size()),
-                                                    modified, hash))));
+                   const std::string& modified, const std::string& hash = {}) {
+        server_->On(page, Envelope(1, "T2", HashPayload(list, bytes, modified, hash)));
+    }
+    // The server describes these bytes of a kind ("Kessan", ...) and sends `sent` for them.
+    void Serve(const std::string& kind, const std::string& bytes, const std::string& modified,
+               std::optional<std::string> sent = {}, const std::string& hash = {}) {
+        ServerHas("customer/get" + kind + "FileHash.php", kind + "File", bytes, modified, hash);
+        server_->On("customer/get" + kind + "File.php", sent.value_or(bytes));
     }
     cCustDataFile Described(const std::string& bytes, const std::string& modified,
-                            std::string hash = {}) {
+                            const std::string& hash = {}) {
         cCustDataFile f;
-        if (hash.empty()) hash = GetCRC(bytes);
-        EXPECT_TRUE(
-            f.ReadXML(Envelope(1, "T",
-                               HashPayload(Item("KessanFile", "a.pdf", std::to_string(bytes.size()),
-                                                modified, hash)))));
+        EXPECT_TRUE(f.ReadXML(Envelope(1, "T", HashPayload("KessanFile", bytes, modified, hash))));
         return f;
     }
 
-    // What the trash holds under a file name, or nothing.
-    std::optional<std::string> Trashed(const std::string& name) const {
-        const fs::path file = temp_.Path() / "data-home" / "Trash" / "files" / name;
-        if (!fs::exists(file)) return std::nullopt;
-        return ReadBytes(file);
-    }
-    // Nothing of a download is left in the temporary folder or beside the file.
-    void ExpectNoDownloadLeft(const std::string& local) const {
-        EXPECT_TRUE(fs::is_empty(tmp_));
-        EXPECT_TRUE(platform::LeftoverVersions(local).empty());
+    // The local file after a download: its bytes and time, what the trash holds of a.pdf, and
+    // whether anything of the download is left in the temporary folder or beside the file.
+    std::string Outcome(const std::string& local) const {
+        const fs::path trashed = temp_.Path() / "data-home" / "Trash" / "files" / "a.pdf";
+        const bool left = !fs::is_empty(tmp_) || !platform::LeftoverVersions(local).empty();
+        return ReadBytes(local) + " | " + ModifiedStamp(local) +
+               " | trash: " + (fs::exists(trashed) ? ReadBytes(trashed) : "-") +
+               (left ? " | left over" : "");
     }
 
     std::unique_ptr<ctrlMorvane> m_;
@@ -102,61 +94,31 @@ protected:
 };
 
 TEST_F(DataFileTest, ReadXmlNeedsTheCustomerAndOneItemOfAnyKind) {
+    const Golden data("dated/data-file.txt");
     cCustDataFile f;
-    EXPECT_TRUE(f.ReadXML(
-        "<r>" + HashPayload(Item("KyokaFile", "a.pdf", "12", "2024/01/02 03:04:05", "0012d20a")) +
-        "</r>"));
-    EXPECT_EQ(f.CustomerID(), 7);
-    EXPECT_EQ(f.FileName(), "a.pdf");
-    EXPECT_EQ(f.FileSize(), 12);
-    EXPECT_EQ(f.LastModified(), "2024/01/02 03:04:05");
-    EXPECT_EQ(f.Hash(), "0012d20a");
+    EXPECT_TRUE(f.ReadXML(data.Joined("any kind")));
+    EXPECT_EQ(
+        std::make_tuple(f.CustomerID(), f.FileName(), f.FileSize(), f.LastModified(), f.Hash()),
+        std::make_tuple(7, std::string("a.pdf"), 12, std::string("2024/01/02 03:04:05"),
+                        std::string("0012d20a")));
+    EXPECT_TRUE(f.ReadXML(data.Joined("any case, fields of the last item one by one")));
+    EXPECT_EQ(std::make_tuple(f.CustomerID(), f.FileName(), f.FileSize(), f.Hash()),
+              std::make_tuple(9, std::string("y"), 0, std::string("AAAAAAAA")));
 
-    // Tags below Customer match without case; the last item's fields stand one by one.
-    EXPECT_TRUE(
-        f.ReadXML("<r><Customer><CUSTOMERID>9</CUSTOMERID><otherfilelist>"
-                  "<OTHERFILEITEM><FileName>x</FileName><hash>AAAAAAAA</hash>"
-                  "</OTHERFILEITEM><OtherFileItem><filename>y</filename><FileSize/>"
-                  "</OtherFileItem></otherfilelist></Customer></r>"));
-    EXPECT_EQ(f.CustomerID(), 9);
-    EXPECT_EQ(f.FileName(), "y");
-    EXPECT_EQ(f.FileSize(), 0);
-    EXPECT_EQ(f.Hash(), "AAAAAAAA");
-
-    // A failed read leaves nothing of the last one.
-    EXPECT_FALSE(f.ReadXML("<r>" + HashPayload("<KessanFileList/>") + "</r>"));
-    EXPECT_EQ(f.FileName(), "");
-    EXPECT_EQ(f.Hash(), "");
-    EXPECT_FALSE(f.ReadXML("<r><customer><CustomerID>1</CustomerID>" +
-                           Item("KessanFile", "a", "1", "", "") + "</customer></r>"));
-    EXPECT_FALSE(
-        f.ReadXML("<r><Customer>" + Item("KessanFile", "a", "1", "", "") + "</Customer></r>"));
-    EXPECT_FALSE(f.ReadXML("<r><Customer><CustomerID>1"));
-    EXPECT_FALSE(f.ReadXML(""));
+    auto refused = data.Lines("refused");
+    refused.push_back("");
+    for (const std::string& reply : refused) EXPECT_FALSE(f.ReadXML(reply)) << reply;
+    // A failed read leaves nothing of the last good one.
+    ASSERT_TRUE(f.ReadXML(data.Joined("any kind")));
+    EXPECT_FALSE(f.ReadXML(refused[0]));
+    EXPECT_EQ(f.FileName() + f.Hash(), "");
 }
 
 TEST_F(DataFileTest, ContentDecidesWhetherTimesOnlyWhichWay) {
     const std::string local = Write("a.pdf", "local bytes", "2024/05/01 10:00:00");
-    const struct {
-        const char* name;
-        std::string bytes;
-        const char* modified;
-        std::string hash;
-        std::int32_t expected;
-    } cases[] = {
-        {"same content, other time", "local bytes", "2020/01/01 00:00:00", "", 0},
-        {"same content, hash in lower case", "local bytes", "2030/01/01 00:00:00", "540b60de", 0},
-        {"same time, other content", "server bytes", "2024/05/01 10:00:00", "", 2},
-        {"server one second later", "server bytes", "2024/05/01 10:00:01", "", 1},
-        {"server earlier", "server bytes", "2024/05/01 09:59:59", "", 2},
-        {"server time empty", "server bytes", "", "", 2},
-        {"server time not a date", "server bytes", "yesterday", "", 2},
-        {"same CRC, other size", "local bytes!", "2024/05/01 10:00:01", GetCRC("local bytes"), 1},
-    };
-    ASSERT_EQ(GetCRC("local bytes"), "540B60DE");
-    for (const auto& c : cases) {
-        cCustDataFile f = Described(c.bytes, c.modified, c.hash);
-        EXPECT_EQ(f.CompareLocalFile(local), c.expected) << c.name;
+    for (const auto& row : Golden("dated/data-file.txt").Table("decisions")) {
+        cCustDataFile f = Described(row[1], row[2], row[3]);
+        EXPECT_EQ(f.CompareLocalFile(local), std::stoi(row[4])) << row[0];
     }
     EXPECT_EQ(Described("x", "2024/05/01 10:00:00").CompareLocalFile((data_ / "none").string()), 1);
     const std::string empty = Write("empty.pdf", "", "2024/05/01 10:00:00");
@@ -165,41 +127,34 @@ TEST_F(DataFileTest, ContentDecidesWhetherTimesOnlyWhichWay) {
 
 TEST_F(DataFileTest, CompareKeepsTheDescriptionOnlyForAServerCopyToTake) {
     const std::string local = Write("a.pdf", "local", "2024/05/01 10:00:00");
-    ctrlMorvane& m = *m_;
-    ServerHas("customer/getKessanFileHash.php", "KessanFile", "newer", "2024/05/02 00:00:00");
-    server_->On("customer/getKessanFile.php", "newer");
-    EXPECT_EQ(m.CompareCustomerKessanFile(7, local), 1);
+    Serve("Kessan", "newer", "2024/05/02 00:00:00");
+    EXPECT_EQ(m_->CompareCustomerKessanFile(7, local), 1);
     EXPECT_EQ(server_->RequestsTo("customer/getKessanFileHash.php").at(0).body,
               "ID=user1&token=T1&CustomerID=7&FileName=a.pdf&");
-    EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
+    EXPECT_EQ(m_->SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
     EXPECT_EQ(ReadBytes(local), "newer");
 
     // Local newer: nothing is kept, so a download without the option does nothing.
     Write("a.pdf", "local again", "2024/06/01 00:00:00");
-    EXPECT_EQ(m.CompareCustomerKessanFile(7, local), 2);
+    EXPECT_EQ(m_->CompareCustomerKessanFile(7, local), 2);
     server_->ClearRequests();
-    EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
+    EXPECT_EQ(m_->SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
     EXPECT_TRUE(server_->Requests().empty());
     EXPECT_EQ(ReadBytes(local), "local again");
 
     // A file the server does not know reads as no item: 0, as a match would be.
-    server_->On("customer/getKessanFileHash.php",
-                Envelope(1, "T3", HashPayload("<KessanFileList/>")));
-    EXPECT_EQ(m.CompareCustomerKessanFile(7, local), 0);
+    server_->On(
+        "customer/getKessanFileHash.php",
+        Envelope(1, "T3", "<Customer><CustomerID>7</CustomerID><KessanFileList/></Customer>"));
+    EXPECT_EQ(m_->CompareCustomerKessanFile(7, local), 0);
 }
 
 TEST_F(DataFileTest, DownloadOfTheRightSizeReplacesTrashesAndStampsWhateverItsCrc) {
     const std::string local = Write("k/a.pdf", "old content", "2024/01/01 00:00:00");
-    ServerHas("customer/getKessanFileHash.php", "KessanFile", "NEW content", "2024/03/04 05:06:07",
-              "DEADBEEF");
-    server_->On("customer/getKessanFile.php", "NEW content");
-    ctrlMorvane& m = *m_;
-    ASSERT_EQ(m.CompareCustomerKessanFile(7, local), 1);
-    EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
-    EXPECT_EQ(ReadBytes(local), "NEW content");
-    EXPECT_EQ(ModifiedStamp(local), "2024/03/04 05:06:07");
-    EXPECT_EQ(Trashed("a.pdf"), "old content");
-    ExpectNoDownloadLeft(local);
+    Serve("Kessan", "NEW content", "2024/03/04 05:06:07", {}, "DEADBEEF");
+    ASSERT_EQ(m_->CompareCustomerKessanFile(7, local), 1);
+    EXPECT_EQ(m_->SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
+    EXPECT_EQ(Outcome(local), "NEW content | 2024/03/04 05:06:07 | trash: old content");
     EXPECT_EQ(server_->RequestsTo("customer/getKessanFile.php").at(0).body,
               "ID=user1&token=T2&CustomerID=7&FileName=a.pdf&");
     EXPECT_TRUE(kit_->Boxes().empty());
@@ -207,53 +162,41 @@ TEST_F(DataFileTest, DownloadOfTheRightSizeReplacesTrashesAndStampsWhateverItsCr
 
 TEST_F(DataFileTest, DownloadOfTheWrongSizeLeavesTheLocalFileAndStillAnswersOne) {
     const std::string local = Write("a.pdf", "old", "2024/01/01 00:00:00");
-    ServerHas("customer/getKyokaFileHash.php", "KyokaFile", "twelve bytes", "2024/03/04 05:06:07");
-    server_->On("customer/getKyokaFile.php", "<html>error</html>");
-    ctrlMorvane& m = *m_;
-    ASSERT_EQ(m.CompareCustomerKyokaFile(7, local), 1);
-    EXPECT_EQ(m.SyncDownloadCustomerKyokaFile(7, local, nullptr), 1);
-    EXPECT_EQ(ReadBytes(local), "old");
-    EXPECT_EQ(Trashed("a.pdf"), std::nullopt);
-    ExpectNoDownloadLeft(local);
+    Serve("Kyoka", "twelve bytes", "2024/03/04 05:06:07", "<html>error</html>");
+    ASSERT_EQ(m_->CompareCustomerKyokaFile(7, local), 1);
+    EXPECT_EQ(m_->SyncDownloadCustomerKyokaFile(7, local, nullptr), 1);
+    EXPECT_EQ(Outcome(local), "old | 2024/01/01 00:00:00 | trash: -");
 }
 
 TEST_F(DataFileTest, AFileWhoseDownloadWasCutShortIsFetchedAgainAndNeverSent) {
     // Newer here by its time: were the cut-short download not seen, it would go up.
     const std::string local = Write("a.pdf", "old content", "2030/01/01 00:00:00");
     LeaveUnfinishedWrite(local);
-    ServerHas("customer/getKessanFileHash.php", "KessanFile", "the server's",
-              "2024/03/04 05:06:07");
-    server_->On("customer/getKessanFile.php", "the server's");
+    Serve("Kessan", "the server's", "2024/03/04 05:06:07");
     ServerHas("customer/setKessanFile.php", "KessanFile", "the server's", "2024/03/04 05:06:07");
-    ctrlMorvane& m = *m_;
-    EXPECT_EQ(m.SyncUploadCustomerKessanFile(7, local, nullptr), 0);
+    EXPECT_EQ(m_->SyncUploadCustomerKessanFile(7, local, nullptr), 0);
     EXPECT_TRUE(server_->RequestsTo("customer/setKessanFile.php").empty());
     ASSERT_EQ(kit_->Boxes().size(), 1u);
     EXPECT_NE(kit_->Boxes()[0].text.find(local), std::string::npos);
 
-    ASSERT_EQ(m.CompareCustomerKessanFile(7, local), 1);
-    EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
-    EXPECT_EQ(ReadBytes(local), "the server's");
-    EXPECT_EQ(Trashed("a.pdf"), "old content");
-    ExpectNoDownloadLeft(local);
-    EXPECT_EQ(m.CompareCustomerKessanFile(7, local), 0);
-    EXPECT_EQ(m.SyncUploadCustomerKessanFile(7, local, nullptr), 1);
+    ASSERT_EQ(m_->CompareCustomerKessanFile(7, local), 1);
+    EXPECT_EQ(m_->SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
+    EXPECT_EQ(Outcome(local), "the server's | 2024/03/04 05:06:07 | trash: old content");
+    EXPECT_EQ(m_->CompareCustomerKessanFile(7, local), 0);
+    EXPECT_EQ(m_->SyncUploadCustomerKessanFile(7, local, nullptr), 1);
 }
 
 TEST_F(DataFileTest, DownloadNeverWritesThroughALinkPlantedOnItsWay) {
     const fs::path victim = temp_.Path() / "victim";
     const std::string local = (data_ / "a.pdf").string();
-    ctrlMorvane& m = *m_;
     for (const bool asTheFile : {false, true}) {
         SCOPED_TRACE(asTheFile ? "a link as the file" : "a link in the temporary folder");
         std::ofstream(victim) << "precious";
         const fs::path link = asTheFile ? fs::path(local) : tmp_ / "a.pdf";
         fs::create_symlink(victim, link);
-        ServerHas("customer/getKessanFileHash.php", "KessanFile", "server bytes",
-                  "2099/03/04 05:06:07");
-        server_->On("customer/getKessanFile.php", "server bytes");
-        ASSERT_EQ(m.CompareCustomerKessanFile(7, local), 1);
-        EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
+        Serve("Kessan", "server bytes", "2099/03/04 05:06:07");
+        ASSERT_EQ(m_->CompareCustomerKessanFile(7, local), 1);
+        EXPECT_EQ(m_->SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
         EXPECT_EQ(ReadBytes(victim), "precious");
         EXPECT_FALSE(fs::is_symlink(local));
         EXPECT_EQ(ReadBytes(local), "server bytes");
@@ -265,11 +208,9 @@ TEST_F(DataFileTest, DownloadNeverWritesThroughALinkPlantedOnItsWay) {
 
 TEST_F(DataFileTest, DownloadCreatesTheFoldersAndFetchesForItselfUnderTheOption) {
     const std::string local = (data_ / "new" / "deep" / "a.pdf").string();
-    ServerHas("customer/getOtherFileHash.php", "OtherFile", "bytes", "not a date");
-    server_->On("customer/getOtherFile.php", "bytes");
-    ctrlMorvane& m = *m_;
-    m.setObjectUsage(1);
-    EXPECT_EQ(m.SyncDownloadCustomerOtherFile(7, local, nullptr), 1);
+    Serve("Other", "bytes", "not a date");
+    m_->setObjectUsage(1);
+    EXPECT_EQ(m_->SyncDownloadCustomerOtherFile(7, local, nullptr), 1);
     EXPECT_EQ(ReadBytes(local), "bytes");
     EXPECT_TRUE(kit_->ShownForms().empty());
 }
@@ -277,59 +218,54 @@ TEST_F(DataFileTest, DownloadCreatesTheFoldersAndFetchesForItselfUnderTheOption)
 TEST_F(DataFileTest, DownloadWithTheLoginLostSendsNothing) {
     const std::string local = Write("a.pdf", "old");
     ServerHas("customer/getKessanFileHash.php", "KessanFile", "new", "2030/01/01 00:00:00");
-    ctrlMorvane& m = *m_;
-    ASSERT_EQ(m.CompareCustomerKessanFile(7, local), 1);
+    ASSERT_EQ(m_->CompareCustomerKessanFile(7, local), 1);
     State().login.loginState = 2;
     server_->ClearRequests();
-    EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local, nullptr), 0);
+    EXPECT_EQ(m_->SyncDownloadCustomerKessanFile(7, local, nullptr), 0);
     EXPECT_TRUE(server_->Requests().empty());
     State().login.loginState = 1;
-    EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local, nullptr), 1);  // the slot went
+    EXPECT_EQ(m_->SyncDownloadCustomerKessanFile(7, local, nullptr), 1);  // the slot went
     EXPECT_TRUE(server_->Requests().empty());
 }
 
 TEST_F(DataFileTest, UploadCountsOnlyWhenTheServerReportsTheSameFile) {
     const std::string local = Write("a.pdf", "abc");
-    ctrlMorvane& m = *m_;
     ServerHas("customer/setKessanFile.php", "KessanFile", "abc", "2024/01/01 00:00:00");
-    EXPECT_EQ(m.SyncUploadCustomerKessanFile(7, local, nullptr), 1);
+    EXPECT_EQ(m_->SyncUploadCustomerKessanFile(7, local, nullptr), 1);
     const auto sent = server_->RequestsTo("customer/setKessanFile.php").at(0);
-    EXPECT_EQ(sent.body, "abc");
-    EXPECT_EQ(sent.Header("userid"), "user1");
-    EXPECT_EQ(sent.Header("token"), "T1");
-    EXPECT_EQ(sent.Header("customerid"), "7");
-    EXPECT_EQ(sent.Header("filename"), "a.pdf");
+    EXPECT_EQ((std::vector<std::string>{sent.body, sent.Header("userid"), sent.Header("token"),
+                                        sent.Header("customerid"), sent.Header("filename")}),
+              (std::vector<std::string>{"abc", "user1", "T1", "7", "a.pdf"}));
 
-    ServerHas("customer/setKessanFile.php", "KessanFile", "abc", "2024/01/01 00:00:00", "00000000");
-    EXPECT_EQ(m.SyncUploadCustomerKessanFile(7, local, nullptr), 0);
-    server_->On("customer/setKessanFile.php", Envelope(1, "T4", HashPayload("")));
-    EXPECT_EQ(m.SyncUploadCustomerKessanFile(7, local, nullptr), 0);
-    server_->On("customer/setKessanFile.php", Envelope(-1, "T5"));
-    EXPECT_EQ(m.SyncUploadCustomerKessanFile(7, local, nullptr), 0);
+    // Another file reported, no file at all, a refusal.
+    for (const std::string& reply :
+         {Envelope(1, "T2", HashPayload("KessanFile", "abc", "2024/01/01 00:00:00", "00000000")),
+          Envelope(1, "T4", "<Customer><CustomerID>7</CustomerID></Customer>"),
+          Envelope(-1, "T5")}) {
+        server_->On("customer/setKessanFile.php", reply);
+        EXPECT_EQ(m_->SyncUploadCustomerKessanFile(7, local, nullptr), 0);
+    }
 
     server_->ClearRequests();
-    EXPECT_EQ(m.SyncUploadCustomerKessanFile(7, (data_ / "none.pdf").string(), nullptr), 0);
+    EXPECT_EQ(m_->SyncUploadCustomerKessanFile(7, (data_ / "none.pdf").string(), nullptr), 0);
     EXPECT_TRUE(server_->Requests().empty());
 }
 
 TEST_F(DataFileTest, OnlyTheOtherKindKeepsItsDescriptionThroughAnUpload) {
     const std::string local = Write("a.pdf", "local", "2024/01/01 00:00:00");
-    ctrlMorvane& m = *m_;
     for (const std::string kind : {"Kessan", "Other"}) {
-        ServerHas("customer/get" + kind + "FileHash.php", kind + "File", "server",
-                  "2030/01/01 00:00:00");
+        Serve(kind, "server", "2030/01/01 00:00:00");
         ServerHas("customer/set" + kind + "File.php", kind + "File", "local",
                   "2030/01/01 00:00:00");
-        server_->On("customer/get" + kind + "File.php", "server");
     }
-    ASSERT_EQ(m.CompareCustomerKessanFile(7, local), 1);
-    ASSERT_EQ(m.CompareCustomerOtherFile(7, local), 1);
-    EXPECT_EQ(m.SyncUploadCustomerKessanFile(7, local, nullptr), 1);
-    EXPECT_EQ(m.SyncUploadCustomerOtherFile(7, local, nullptr), 1);
+    ASSERT_EQ(m_->CompareCustomerKessanFile(7, local), 1);
+    ASSERT_EQ(m_->CompareCustomerOtherFile(7, local), 1);
+    EXPECT_EQ(m_->SyncUploadCustomerKessanFile(7, local, nullptr), 1);
+    EXPECT_EQ(m_->SyncUploadCustomerOtherFile(7, local, nullptr), 1);
     server_->ClearRequests();
-    EXPECT_EQ(m.SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
+    EXPECT_EQ(m_->SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
     EXPECT_TRUE(server_->Requests().empty());
-    EXPECT_EQ(m.SyncDownloadCustomerOtherFile(7, local, nullptr), 1);
+    EXPECT_EQ(m_->SyncDownloadCustomerOtherFile(7, local, nullptr), 1);
     EXPECT_EQ(server_->RequestsTo("customer/getOtherFile.php").size(), 1u);
     EXPECT_EQ(ReadBytes(local), "server");
 }
@@ -339,21 +275,20 @@ TEST_F(DataFileTest, DeleteAndRenameGoOutOnlyWhenTheLocalChangeIsThere) {
     const std::string gone = (data_ / "gone.pdf").string();
     server_->On("customer/deleteKyokaFile.php", Envelope(1, "T2"));
     server_->On("customer/renameKyokaFile.php", Envelope(1, "T3"));
-    ctrlMorvane& m = *m_;
-    EXPECT_EQ(m.SyncDeleteCustomerKyokaFile(7, present, nullptr), 0);
-    EXPECT_EQ(m.SyncRenameFileCustomerKyokaFile(7, present, present, nullptr), 0);
-    EXPECT_EQ(m.SyncRenameFileCustomerKyokaFile(7, gone, gone, nullptr), 0);
+    EXPECT_EQ(m_->SyncDeleteCustomerKyokaFile(7, present, nullptr), 0);
+    EXPECT_EQ(m_->SyncRenameFileCustomerKyokaFile(7, present, present, nullptr), 0);
+    EXPECT_EQ(m_->SyncRenameFileCustomerKyokaFile(7, gone, gone, nullptr), 0);
     EXPECT_TRUE(server_->Requests().empty());
 
-    EXPECT_EQ(m.SyncDeleteCustomerKyokaFile(7, gone, nullptr), 1);
-    EXPECT_EQ(m.SyncRenameFileCustomerKyokaFile(7, gone, present, nullptr), 1);
+    EXPECT_EQ(m_->SyncDeleteCustomerKyokaFile(7, gone, nullptr), 1);
+    EXPECT_EQ(m_->SyncRenameFileCustomerKyokaFile(7, gone, present, nullptr), 1);
     EXPECT_EQ(server_->RequestsTo("customer/deleteKyokaFile.php").at(0).body,
               "ID=user1&token=T1&CustomerID=7&FileName=gone.pdf&");
     EXPECT_EQ(server_->RequestsTo("customer/renameKyokaFile.php").at(0).body,
               "ID=user1&token=T2&CustomerID=7&SrcFile=gone.pdf&DstFile=here.pdf&");
 
     server_->On("customer/deleteKyokaFile.php", Envelope(-1, "T4"));
-    EXPECT_EQ(m.SyncDeleteCustomerKyokaFile(7, gone, nullptr), 0);
+    EXPECT_EQ(m_->SyncDeleteCustomerKyokaFile(7, gone, nullptr), 0);
 }
 
 }  // namespace

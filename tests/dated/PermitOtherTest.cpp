@@ -6,6 +6,7 @@
 #include "component/ctrlMorvane.h"
 #include "dated/cCustKihonOther.h"
 #include "dated/cCustKyoka.h"
+#include "support/Golden.h"
 
 namespace morvane::test {
 namespace {
@@ -27,22 +28,19 @@ protected:
         EXPECT_TRUE(k.ReadXML(Document(ListPayload("KyokaData", 7, stamp, items))));
         return k;
     }
+    const Golden data_{"dated/permit-other.txt"};
 };
 
 TEST_F(KyokaTest, HiddenRowsKeepTheirPlaceCountAndAreNotSent) {
-    ctrlMorvane obj;
-    LogIn();
-    Sql(db_,
-        "INSERT INTO tCustomerKyokaHistory (id, CustomerID, disabled, Other, Ver511HideFlag) "
-        "VALUES (1, 7, 0, 'hidden', 1), (2, 7, 0, 'old', 0), (3, 8, 1, 'pooled hidden', 1);");
+    ctrlMorvane& obj = LoggedIn();
+    Sql(db_, data_["permit rows"]);
     const std::string later = "2024/06/01 10:00:00";
     At(11);
     ASSERT_EQ(Read({KyokaItem(10), KyokaItem(11), KyokaItem(12)}, later).SyncDownload(db_, 7), 1);
     EXPECT_EQ(Rows(db_,
                    "SELECT id, CustomerID, disabled, vno, Other, Ver511HideFlag FROM "
                    "tCustomerKyokaHistory ORDER BY id"),
-              (std::vector<std::string>{"1|7|0|<null>|hidden|1", "2|7|0|1|permit10|0",
-                                        "3|7|0|2|permit11|1", "4|7|0|3|permit12|0"}));
+              data_.Lines("permits downloaded"));
     // Four live rows against three items: the count differs for good.
     At(12);
     EXPECT_EQ(Read({KyokaItem(10), KyokaItem(11), KyokaItem(12)}, "2024/06/01 11:30:00")
@@ -51,14 +49,9 @@ TEST_F(KyokaTest, HiddenRowsKeepTheirPlaceCountAndAreNotSent) {
 
     server_->On("customer/setKyokaData.php", Envelope(1, "T2"));
     ASSERT_EQ(obj.SyncUploadCustomerKyokaList(db_, 7), 1);
-    const auto posts = server_->RequestsTo("customer/setKyokaData.php");
-    ASSERT_EQ(posts.size(), 2u);
-    EXPECT_EQ(posts[0].body,
-              "ID=user1&token=T1&CustomerID=7&KyokaDataItemID=2&DISABLEDALL=DISABLEDALL&"
-              "other=permit10&PApDate=2024/04/01&AcPeriod=3&AcDateS=2023/04/01&"
-              "AcDateE=2024/03/31&DataFile=kyoka10.dat&CheckSync=1&DefaultUse=0&"
-              "Ver511HideFlag=0&DataFileID=0&vno=1&");
-    EXPECT_EQ(posts[1].body.substr(0, 50), "ID=user1&token=T2&CustomerID=7&KyokaDataItemID=4&o");
+    EXPECT_EQ(
+        server_->BodiesTo("customer/setKyokaData.php"),
+        (std::vector<std::string>{data_.Joined("permit upload"), data_.Joined("permit upload 2")}));
 }
 
 TEST_F(KyokaTest, DatesCompareByTheDayAndAHiddenServerItemDiffers) {
@@ -93,6 +86,7 @@ protected:
         EXPECT_TRUE(k.ReadXML(Document(ListPayload("OtherData", 7, stamp, items))));
         return k;
     }
+    const Golden data_{"dated/permit-other.txt"};
 };
 
 TEST_F(OtherTest, DownloadWritesNoPositionAndTheDatesCompareToTheSecond) {
@@ -105,9 +99,7 @@ TEST_F(OtherTest, DownloadWritesNoPositionAndTheDatesCompareToTheSecond) {
     EXPECT_EQ(Rows(db_,
                    "SELECT id, CustomerID, vno, DataFile, RegDate, UpdateDate, Other FROM "
                    "tCustomerOtherFile ORDER BY id"),
-              (std::vector<std::string>{
-                  "1|7|<null>|other1.pdf|2024/04/01 10:00:00|2024/04/02 11:30:15|note",
-                  "2|7|<null>|other2.pdf|<null>|2024/04/02 11:30:15|note"}));
+              data_.Lines("others downloaded"));
     At(10);
     const std::string later = "2024/06/01 09:30:00";
     // The server's date without seconds and the local one are the same moment.
@@ -128,20 +120,14 @@ TEST_F(OtherTest, DownloadWritesNoPositionAndTheDatesCompareToTheSecond) {
 }
 
 TEST_F(OtherTest, UploadSendsNoPositionAndAnEmptyTextForANonDate) {
-    ctrlMorvane obj;
-    LogIn();
+    ctrlMorvane& obj = LoggedIn();
     EXPECT_EQ(obj.SyncUploadCustomerOtherList(db_, 7), 0);
     EXPECT_TRUE(server_->Requests().empty());
-    Sql(db_,
-        "INSERT INTO tCustomerOtherFile (id, CustomerID, disabled, vno, DataFile, RegDate, "
-        "UpdateDate, Other) VALUES (4, 7, 0, 9, 'a.pdf', 'someday', '2024-04-02 00:00:00', "
-        "'x');");
+    Sql(db_, data_["other to send"]);
     server_->On("customer/setOtherData.php", Envelope(1, "T2"));
     ASSERT_EQ(obj.SyncUploadCustomerOtherList(db_, 7), 1);
     EXPECT_EQ(server_->BodiesTo("customer/setOtherData.php"),
-              std::vector<std::string>{
-                  "ID=user1&token=T1&CustomerID=7&OtherDataItemID=4&DISABLEDALL=DISABLEDALL&"
-                  "DataFile=a.pdf&RegDate=&UpdateDate=2024/04/02 00:00:00&other=x&"});
+              std::vector<std::string>{data_.Joined("other upload")});
 }
 
 }  // namespace

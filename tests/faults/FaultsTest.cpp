@@ -5,20 +5,16 @@
 
 #include <chrono>
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <memory>
-#include <string>
-#include <vector>
 
 #include "component/ctrlMorvane.h"
 #include "platform/AtomicFile.h"
 #include "record/KihonTestUtil.h"
 #include "state/ProcessState.h"
-#include "state/basGetCRC.h"
 #include "support/FaultEnv.h"
 #include "support/FileBytes.h"
+#include "support/Golden.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {
@@ -43,17 +39,12 @@ protected:
         RecordDbTest::TearDown();
     }
     std::shared_ptr<FaultEnv> faults_;
+    const Golden data_{"faults/faults.txt"};
 };
 
 TEST_F(FaultsTest, ADataFileDownloadThatBreaksAnywhereLeavesTheLocalFileWhole) {
     const std::string incoming(200000, 'n');
-    const std::string described =
-        "<Customer><CustomerID>7</CustomerID><KessanFileList><KessanFileItem><FileName>a.pdf"
-        "</FileName><FileSize>" +
-        std::to_string(incoming.size()) +
-        "</FileSize><LastModified>2024/03/04 05:06:07</LastModified><hash>" + GetCRC(incoming) +
-        "</hash></KessanFileItem></KessanFileList></Customer>";
-    server_->On("customer/getKessanFileHash.php", Envelope(1, "T2", described));
+    server_->On("customer/getKessanFileHash.php", Envelope(1, "T2", data_.Joined("description")));
     server_->On("customer/getKessanFile.php", incoming);
     const std::vector<Fault> faults{
         {"the first write fails", [](FaultEnv& f) { f.FailWriteAt(1); }},
@@ -88,10 +79,7 @@ TEST_F(FaultsTest, ADataFileDownloadThatBreaksAnywhereLeavesTheLocalFileWhole) {
 
 TEST_F(FaultsTest, ARecordDownloadThatBreaksInTheDatabaseLeavesTheRowAsItWas) {
     const std::string& db = db_;
-    Sql(db,
-        "INSERT INTO tCustomer (id, disabled, Code, ZipCode0, TAddr0, RecordUpdate, "
-        "InetCheckDate) VALUES (7, 0, 'C7', '999', 'old', '2024-05-01 09:00:00', "
-        "'2024-05-01 09:00:00');");
+    Sql(db, data_["customer 7"]);
     Tags tags = RequiredTags();
     tags.push_back({"TAddr0", "new"});
     server_->On("customer/getCompKihon.php",
@@ -103,10 +91,7 @@ TEST_F(FaultsTest, ARecordDownloadThatBreaksInTheDatabaseLeavesTheRowAsItWas) {
         {"the answer is lost",
          [](FaultEnv& f) { f.DropExchangeAt(1, FaultEnv::Drop::AfterAnswer); }},
     };
-    const auto row = [&] {
-        return One(db, "SELECT ZipCode0 FROM tCustomer WHERE id = 7") + "|" +
-               One(db, "SELECT TAddr0 FROM tCustomer WHERE id = 7");
-    };
+    const auto row = [&] { return Rows(db, "SELECT ZipCode0, TAddr0 FROM tCustomer"); };
     ctrlMorvane m;
     LogIn();
     for (const Fault& fault : faults) {
@@ -117,12 +102,12 @@ TEST_F(FaultsTest, ARecordDownloadThatBreaksInTheDatabaseLeavesTheRowAsItWas) {
         m.SyncDownloadCustomerKihon(db, 7);
         faults_->Heal();
         EXPECT_GT(kit_->Boxes().size(), told) << "the user is told";
-        EXPECT_EQ(row(), "999|old");
+        EXPECT_EQ(row(), std::vector<std::string>{"999|old"});
         EXPECT_EQ(One(db, "PRAGMA integrity_check"), "ok");
     }
     ASSERT_EQ(m.CompareCustomerKihon(db, 7), 1);
     EXPECT_EQ(m.SyncDownloadCustomerKihon(db, 7), 1);
-    EXPECT_EQ(row(), "100|new");
+    EXPECT_EQ(row(), std::vector<std::string>{"100|new"});
     EXPECT_EQ(m.CompareCustomerKihon(db, 7), 0);
 }
 

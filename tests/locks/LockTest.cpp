@@ -3,14 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <string>
-#include <vector>
 
 #include "component/ctrlMorvane.h"
 #include "locks/frmLockTimer.h"
 #include "locks/mdlLock.h"
 #include "session/mdlLogin.h"
 #include "state/ProcessState.h"
+#include "support/Golden.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {
@@ -19,8 +18,6 @@ namespace {
 constexpr const char* kLock = "customer/lockComp.php";
 constexpr const char* kUnlock = "customer/unlockComp.php";
 constexpr const char* kLockMaster = "master/lockMaster.php";
-constexpr const char* kRefused =
-    "顧客情報をロックできませんでした。 \r\n他のユーザーが利用中の可能性があります。";
 
 std::string LockReply(const std::string& result, const std::string& target = "Customer") {
     return Envelope(
@@ -35,54 +32,38 @@ frmLockTimer* CustomerTimer() {
 class LockTest : public MorvaneTest {
 protected:
     ctrlMorvane obj_;
+    const Golden data_{"locks/lock.txt"};
 };
 
 TEST_F(LockTest, LockAndUnlockBodiesOfBothKinds) {
     LogIn("T1");
     server_->On(kLock, LockReply("1"));
     server_->On(kUnlock, Envelope(1, "T3"));
+    server_->On(kLockMaster, LockReply("1", "Master"));
+    server_->On("master/unlockMaster.php", Envelope(1, "T4"));
     EXPECT_EQ(obj_.LockCoustomer(5), 1);
     ASSERT_NE(CustomerTimer(), nullptr);
     EXPECT_EQ(CustomerTimer()->CustID, 5);
     EXPECT_EQ(CustomerTimer()->Get<forms::Timer>("tmr").Interval(), 60000);
     EXPECT_EQ(obj_.UnlockCoustomer(5), 1);
-    EXPECT_EQ(server_->BodiesTo(kLock),
-              std::vector<std::string>{"id=user1&token=T1&CustomerID=5&"});
-    EXPECT_EQ(server_->BodiesTo(kUnlock),
-              std::vector<std::string>{"id=user1&token=T2&CustomerID=5&"});
     EXPECT_EQ(State().customerLockTimer, nullptr);
-
-    server_->On(kLockMaster, LockReply("1", "Master"));
-    server_->On("master/unlockMaster.php", Envelope(1, "T4"));
     EXPECT_EQ(obj_.LockMasterData(3), 1);
     EXPECT_EQ(obj_.UnlockMasterData(3), 1);
-    EXPECT_EQ(server_->BodiesTo(kLockMaster),
-              std::vector<std::string>{"id=user1&token=T3&MasterID=3&"});
-    EXPECT_EQ(server_->BodiesTo("master/unlockMaster.php"),
-              std::vector<std::string>{"id=user1&token=T2&MasterID=3&"});
+    std::vector<std::string> sent;
+    for (const auto& request : server_->Requests())
+        sent.push_back(request.path + " " + request.body);
+    EXPECT_EQ(sent, data_.Lines("lock and unlock"));
     EXPECT_TRUE(kit_->Boxes().empty());
 }
 
 TEST_F(LockTest, OnlyAResultOfExactlyOneUnderEitherTargetIsAGrant) {
-    const std::vector<std::pair<std::string, bool>> cases = {
-        {"<LockInfo><Master><result>1</result></Master></LockInfo>", true},
-        {"<LockInfo><cUsToMeR><RESULT>1</RESULT></cUsToMeR></LockInfo>", true},
-        {"<LockInfo><Customer><result> 1</result></Customer></LockInfo>", false},
-        {"<lockinfo><Customer><result>1</result></Customer></lockinfo>", false},
-        // The last result under the first LockInfo stands.
-        {"<LockInfo><Customer><result>0</result><result>1</result></Customer></LockInfo>", true},
-        {"<LockInfo><Customer><result>1</result></Customer><Master><result>0</result></Master>"
-         "</LockInfo><LockInfo><Customer><result>1</result></Customer></LockInfo>",
-         false},
-        {"<LockInfo><result>1</result><Customer><x><result>1</result></x></Customer></LockInfo>",
-         false},
-    };
-    for (const auto& [payload, granted] : cases) {
+    for (const auto& row : data_.Table("grants")) {
+        SCOPED_TRACE(row[0]);
         State().customerLockState = 1;  // a stale grant must not survive
-        EXPECT_EQ(ParseLockInfo("<r>" + payload + "</r>", LockKind::Customer), granted) << payload;
-        EXPECT_EQ(State().customerLockState, granted ? 1 : 0) << payload;
+        const bool granted = row[1] == "1";
+        EXPECT_EQ(ParseLockInfo("<r>" + row[0] + "</r>", LockKind::Customer), granted);
+        EXPECT_EQ(State().customerLockState, granted ? 1 : 0);
     }
-    EXPECT_FALSE(ParseLockInfo("<r><LockInfo>", LockKind::Master));
 }
 
 TEST_F(LockTest, ARefusalIsToldByABoxAndTheResultWhileTheTimerGoesOn) {
@@ -92,13 +73,12 @@ TEST_F(LockTest, ARefusalIsToldByABoxAndTheResultWhileTheTimerGoesOn) {
     server_->On(kLockMaster, LockReply("0", "Master"));
     EXPECT_EQ(obj_.LockMasterData(2), 0);
     ASSERT_EQ(kit_->Boxes().size(), 2u);
-    EXPECT_EQ(kit_->Boxes()[0].text, kRefused);
     EXPECT_EQ(kit_->Boxes()[0].icon, forms::MsgIcon::Exclamation);
-    EXPECT_EQ(kit_->Boxes()[1].text,
-              "マスタ情報をロックできませんでした。 \r\n他のユーザーが利用中の可能性があります。");
     // The master's refusal goes under the customer's caption.
-    EXPECT_EQ(kit_->Boxes()[0].title, "顧客情報のロック");
-    EXPECT_EQ(kit_->Boxes()[1].title, "顧客情報のロック");
+    EXPECT_EQ((std::vector<std::string>{kit_->Boxes()[0].title, kit_->Boxes()[0].text,
+                                        kit_->Boxes()[1].title, kit_->Boxes()[1].text}),
+              (std::vector<std::string>{data_["caption"], data_["customer refused"],
+                                        data_["caption"], data_["master refused"]}));
     EXPECT_EQ(GetLoginState(), 1);
     EXPECT_TRUE(kit_->TimerLive("frmLockTimer", "tmr"));
 }
@@ -119,7 +99,7 @@ TEST_F(LockTest, RenewalsGoOnEveryTenthTickAndEachFailedOneIsTold) {
     EXPECT_EQ(server_->BodiesTo(kLock).back(), "id=user1&token=T2&CustomerID=6&");
     // One lock box per failed renewal (the empty reply brings the reply check's own too).
     int lockBoxes = 0;
-    for (const auto& box : kit_->Boxes()) lockBoxes += box.text == kRefused;
+    for (const auto& box : kit_->Boxes()) lockBoxes += box.text == data_["customer refused"];
     EXPECT_EQ(lockBoxes, 2);
     EXPECT_TRUE(kit_->TimerLive("frmLockTimer", "tmr"));
 }

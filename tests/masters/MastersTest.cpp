@@ -3,7 +3,6 @@
 // the upload bodies to the letter and the staff users' Japanese names.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 
 #include "MastersTestUtil.h"
@@ -11,6 +10,7 @@
 #include "masters/cMastKessanTaioh.h"
 #include "masters/cMastNyusatsukikan.h"
 #include "masters/cMastUserStaff.h"
+#include "support/Golden.h"
 #include "transport/mdlServerConst.h"
 
 namespace morvane::test {
@@ -31,6 +31,8 @@ protected:
     std::vector<std::string> TaiohRows(const std::string& db) {
         return Rows(db, "SELECT ID, Taioh, Flag, vno FROM tKessanTaioh ORDER BY ID");
     }
+
+    const Golden data_{"masters/masters.txt"};
 };
 
 TEST_F(MasterEngineTest, TheReplyHasNoCustomerAndMustBeWhole) {
@@ -38,38 +40,22 @@ TEST_F(MasterEngineTest, TheReplyHasNoCustomerAndMustBeWhole) {
     EXPECT_TRUE(k.ReadXML(Document(MasterPayload("KessanTaioh", "", {}))));
     EXPECT_EQ(k.Count(), 0);
     EXPECT_TRUE(k.Items().empty());
-    // The payload is Master, to the letter; below it the tags go by any case.
-    EXPECT_FALSE(k.ReadXML(Document("<Customer><CustomerID>1</CustomerID>" +
-                                    MasterPayload("KessanTaioh", "", {}).substr(8))));
-    EXPECT_TRUE(k.ReadXML(Document(
-        "<Master><kessantaiohlist><KESSANTAIOHCOUNT>1</KESSANTAIOHCOUNT><recordupdate>2024/05/01 "
-        "10:00:00</recordupdate><kessantaiohitem><kessantaiohitemid>4</kessantaiohitemid>"
-        "<taioh>x</taioh><flag>1</flag><VNO>2</VNO></kessantaiohitem></kessantaiohlist></"
-        "Master>")));
+    // Below the Master payload the tags go by any case.
+    EXPECT_TRUE(k.ReadXML(Document(data_.Joined("any case below Master"))));
     ASSERT_EQ(k.Items().size(), 1u);
     EXPECT_EQ(k.Items()[0].Key, "K4");
     EXPECT_EQ(k.RecordUpdate(), "2024/05/01 10:00:00");
-    // Without its stamp, or with an item short of a tag, the reply is no list.
-    EXPECT_FALSE(
-        k.ReadXML(Document("<Master><KessanTaiohList><KessanTaiohCount>0</KessanTaiohCount>"
-                           "</KessanTaiohList></Master>")));
-    EXPECT_FALSE(k.ReadXML(Document(
-        MasterPayload("KessanTaioh", "2024/05/01 10:00:00",
-                      {TaiohItem(1, "a", "1", "1"),
-                       ItemXml("KessanTaiohItem",
-                               {{"KessanTaiohItemID", "2"}, {"Taioh", "b"}, {"vno", "2"}})}))));
+    // Under another payload, without its stamp, or with an item short of a tag: no list.
+    for (const std::string& payload : data_.Lines("refused"))
+        EXPECT_FALSE(k.ReadXML(Document(payload))) << payload;
 }
 
 TEST_F(MasterEngineTest, DownloadReplacesTheTableNumberingIdsAndPositionsFromOne) {
-    Sql(db_,
-        "INSERT INTO tKessanTaioh (ID, Taioh, Flag, vno) VALUES (7, 'old', 1, 1), "
-        "(8, 'older', 1, 2);");
+    Sql(db_, data_["taioh rows"]);
     // Server ids and numbers far from 1..n, and an empty Flag.
-    ASSERT_EQ(Taioh({TaiohItem(30, "甲", "1", "5"), TaiohItem(10, "乙", "", "7"),
-                     TaiohItem(20, "丙", "0", "9")},
-                    "2024/05/01 10:00:00")
-                  .SyncDownload(db_),
-              1);
+    const std::vector<std::string> items{
+        TaiohItem(30, "甲", "1", "5"), TaiohItem(10, "乙", "", "7"), TaiohItem(20, "丙", "0", "9")};
+    ASSERT_EQ(Taioh(items, "2024/05/01 10:00:00").SyncDownload(db_), 1);
     EXPECT_EQ(TaiohRows(db_), (std::vector<std::string>{"1|甲|1|1", "2|乙|<null>|2", "3|丙|0|3"}));
     EXPECT_EQ(Rows(db_, "SELECT DISTINCT RecordUpdate, InetCheckDate FROM tKessanTaioh"),
               (std::vector<std::string>{"2024/06/01 9:00:00|2024/06/01 9:00:00"}));
@@ -77,11 +63,7 @@ TEST_F(MasterEngineTest, DownloadReplacesTheTableNumberingIdsAndPositionsFromOne
     // The server's own numbers are a difference on the next comparison; consecutive ones are not.
     clock_->Set(DateValue::FromCivil({2024, 6, 2, 9, 0, 0}));
     const std::string later = "2024/06/01 12:00:00";
-    EXPECT_EQ(Taioh({TaiohItem(30, "甲", "1", "5"), TaiohItem(10, "乙", "", "7"),
-                     TaiohItem(20, "丙", "0", "9")},
-                    later)
-                  .CompareLocalDB(db_),
-              1);
+    EXPECT_EQ(Taioh(items, later).CompareLocalDB(db_), 1);
     EXPECT_EQ(Taioh({TaiohItem(30, "甲", "1", "1"), TaiohItem(10, "乙", "", "2"),
                      TaiohItem(20, "丙", "0", "3")},
                     later)
@@ -94,11 +76,22 @@ TEST_F(MasterEngineTest, DownloadReplacesTheTableNumberingIdsAndPositionsFromOne
     EXPECT_TRUE(TaiohRows(db_).empty());
 }
 
-TEST_F(MasterEngineTest, NumbersCompareByValueAndTextsToTheLetter) {
-    Sql(db_,
-        "INSERT INTO tKessanTaioh (ID, Taioh, Flag, vno, RecordUpdate, InetCheckDate) "
-        "VALUES (1, 'Ab', 0, 1, '2024-05-01 00:00:00', '2024-05-01 00:00:00'), "
-        "(2, 'c', NULL, 2, '2024-05-01 00:00:00', '2024-05-01 00:00:00');");
+TEST_F(MasterEngineTest, NumbersCompareByValueTextsToTheLetterAndOnlyMasterDatIsStamped) {
+    Sql(db_, data_["agreed taioh rows"]);
+    const auto folder = std::filesystem::path(db_).parent_path();
+    const std::string upper = (folder / "other" / "master.DAT").string();
+    const std::string wrong = (folder / "Masters.dat").string();
+    std::filesystem::create_directories(folder / "other");
+    std::filesystem::copy_file(db_, upper);
+    std::filesystem::copy_file(db_, wrong);
+    for (const auto& db : {upper, wrong})
+        EXPECT_EQ(
+            Taioh({TaiohItem(1, "Ab", "0", "1"), TaiohItem(2, "c", "", "2")}, "2024/05/02 00:00:00")
+                .CompareLocalDB(db),
+            0);
+    EXPECT_EQ(One(upper, "SELECT MIN(InetCheckDate) FROM tKessanTaioh"), "2024/06/01 9:00:00");
+    EXPECT_EQ(One(wrong, "SELECT MAX(InetCheckDate) FROM tKessanTaioh"), "2024/05/01");
+
     const std::string later = "2024/05/02 00:00:00";
     EXPECT_EQ(Taioh({TaiohItem(1, "Ab", "", "1"), TaiohItem(2, "c", "0", "2")}, later)
                   .CompareLocalDB(db_),
@@ -114,85 +107,36 @@ TEST_F(MasterEngineTest, NumbersCompareByValueAndTextsToTheLetter) {
     EXPECT_EQ(Taioh({TaiohItem(1, "zz", "0", "1")}, "2024/04/01 00:00:00").CompareLocalDB(db_), 0);
 }
 
-TEST_F(MasterEngineTest, OnlyADatabaseNamedMasterDatIsStamped) {
-    Sql(db_,
-        "INSERT INTO tKessanTaioh (ID, Taioh, Flag, vno, RecordUpdate, InetCheckDate) "
-        "VALUES (1, 'a', 1, 1, '2024-05-01 00:00:00', '2024-05-01 00:00:00');");
-    const auto folder = std::filesystem::path(db_).parent_path();
-    const std::string upper = (folder / "other" / "master.DAT").string();
-    const std::string wrong = (folder / "Masters.dat").string();
-    std::filesystem::create_directories(folder / "other");
-    std::filesystem::copy_file(db_, upper);
-    std::filesystem::copy_file(db_, wrong);
-    for (const auto& db : {upper, wrong})
-        EXPECT_EQ(Taioh({TaiohItem(1, "a", "1", "1")}, "2024/05/02 00:00:00").CompareLocalDB(db),
-                  0);
-    EXPECT_EQ(One(upper, "SELECT InetCheckDate FROM tKessanTaioh"), "2024/06/01 9:00:00");
-    EXPECT_EQ(One(wrong, "SELECT InetCheckDate FROM tKessanTaioh"), "2024/05/01");
-}
+using MasterMembersTest = MasterEngineTest;
 
-class MasterMembersTest : public RecordDbTest {
-protected:
-    void SetUp() override {
-        RecordDbTest::SetUp();
-        db_ = paths_.master.string();
-    }
-};
-
-std::vector<std::pair<std::string, std::string>> StaffTags(int id, const std::string& pw) {
-    return TagsOf("UserStaffItemID=" + std::to_string(id) + "|事務所職員コード=S" +
-                  std::to_string(id) +
-                  "|事務所職員名=山田 太郎|郵便番号=530-0001|住所=大阪市北区|TEL=06-1111-2222|FAX=|"
-                  "パスワード=" +
-                  pw + "|Flag=1");
+// A staff user's item: its columns under their Japanese names, the password among them.
+std::string Staff(int id, const std::string& pw, const std::set<std::string>& leftOut = {}) {
+    const std::string n = std::to_string(id);
+    return ItemXml("UserStaffItem",
+                   TagsOf("UserStaffItemID=" + n + "|事務所職員コード=S" + n +
+                          "|事務所職員名=山田 太郎|郵便番号=530-0001|住所=大阪市北区|"
+                          "TEL=06-1111-2222|FAX=|パスワード=" +
+                          pw + "|Flag=1"),
+                   {}, leftOut);
 }
 
 TEST_F(MasterMembersTest, UploadSendsEveryRowWithPositionsAndNothingForAnEmptyTable) {
-    ctrlMorvane obj;
-    LogIn();
+    ctrlMorvane& obj = LoggedIn();
     EXPECT_EQ(obj.SyncUploadMasterKessanTaioh(db_), 0);
     EXPECT_TRUE(server_->RequestsTo(std::string(page::kSetKessanTaioh)).empty());
-    Sql(db_,
-        "INSERT INTO tKessanTaioh (ID, Taioh, Flag, vno) VALUES (4, 'a&b', NULL, 7), "
-        "(9, 'c=d', 2, 3);");
+    Sql(db_, data_["taioh to send"]);
     server_->On(std::string(page::kSetKessanTaioh), Envelope(1, "T2"));
     ASSERT_EQ(obj.SyncUploadMasterKessanTaioh(db_), 1);
-    EXPECT_EQ(server_->BodiesTo(std::string(page::kSetKessanTaioh)),
-              (std::vector<std::string>{
-                  "ID=user1&token=T1&KessanTaiohItemID=9&DISABLEDALL=DISABLEDALL&Taioh=c=d&Flag=2&"
-                  "vno=1&",
-                  "ID=user1&token=T2&KessanTaiohItemID=4&Taioh=a&b&Flag=&vno=2&"}));
+    EXPECT_EQ(server_->BodiesTo(std::string(page::kSetKessanTaioh)), data_.Lines("taioh upload"));
     EXPECT_EQ(One(db_, "SELECT MIN(InetCheckDate) FROM tKessanTaioh"), "2024/06/01 9:00:00");
 }
 
 TEST_F(MasterMembersTest, TheBiddingAgencyFirstBodyCarriesAllItsFields) {
-    Sql(db_,
-        "INSERT INTO tNyusatsuKikan (ID, KikanCode, KikanName, ReceptionYear, "
-        "DistributionPlace, DistributionPlice, DistributionNote, TEL2, NeedDoc00, NeedDoc57, "
-        "NeedDoc99, NeedDocOthers, vno) VALUES (3, 'K1', '大阪府', 2024, 'pl', 'pr', 'no', "
-        "'06', 1, 2, 3, 'etc', 8);");
+    Sql(db_, data_["agency"]);
     LogIn();
     cMastNyusatsukikan k;
     ASSERT_TRUE(k.ReadLocalDB(db_));
-    const std::string body = k.UploadBody(k.Items()[0], 0, 1);
-    std::string expected =
-        "ID=user1&token=T1&NyusatsuKikanItemID=3&DISABLEDALL=DISABLEDALL&KikanCode=K1&KikanName="
-        "大阪府&"
-        "ReceptionYear=2024&ValidityTerm=&ReceptionDateFrom=&ReceptionDateTo=&"
-        "ReceptionTime1From=&ReceptionTime1To=&ReceptionTime2From=&ReceptionTime2To=&";
-    for (int i = 0; i < 10; ++i) expected += "ReceptionFlags" + std::to_string(i) + "=&";
-    expected +=
-        "PresentationPlace=&PresentationNote=&DistributionDate=&DistributionPlace=pl&"
-        "DistributionPlice=pr&DistributionNote=no&ZipCode1=&ZipCode2=&Address=&Station=&"
-        "TEL1=&TEL2=06&TEL3=&FAX1=&FAX2=&FAX3=&Mail=&ApplicationPlace=&ApplicationName=&"
-        "ApplicationNote=&";
-    for (int i = 0; i < 100; ++i) {
-        const std::string n = (i < 10 ? "0" : "") + std::to_string(i);
-        expected += "NeedDoc" + n + "=" + (i == 0 ? "1" : i == 57 ? "2" : i == 99 ? "3" : "") + "&";
-    }
-    expected += "NeedDocOthers=etc&vno=1&";
-    EXPECT_EQ(body, expected);
-    EXPECT_EQ(std::count(body.begin(), body.end(), '&'), 146);
+    EXPECT_EQ(k.UploadBody(k.Items()[0], 0, 1), data_.Joined("agency upload"));
 }
 
 TEST_F(MasterMembersTest, BiddingAgencyItemsNeedEveryTagUnderItsOwnSpelling) {
@@ -214,42 +158,33 @@ TEST_F(MasterMembersTest, BiddingAgencyItemsNeedEveryTagUnderItsOwnSpelling) {
     EXPECT_FALSE(k.ReadXML(other));
 
     // An empty checklist flag on the server and 0 at home are equal.
-    Sql(db_,
-        "INSERT INTO tNyusatsuKikan (ID, NeedDoc42, vno, RecordUpdate, InetCheckDate) "
-        "VALUES (1, 0, 1, '2024-04-01 00:00:00', '2024-04-01 00:00:00');");
+    Sql(db_, data_["agency without a checklist flag"]);
     ASSERT_TRUE(k.ReadXML(reply({{"vno", "1"}}, {})));
     EXPECT_EQ(k.CompareLocalDB(db_), 0);
 }
 
 TEST_F(MasterMembersTest, StaffUsersTravelUnderTheirJapaneseNamesPasswordIncluded) {
+    const auto reply = [](const std::string& stamp, const std::vector<std::string>& items) {
+        return Document(MasterPayload("UserStaff", stamp, items));
+    };
     cMastUserStaff s;
-    EXPECT_FALSE(s.ReadXML(Document(
-        MasterPayload("UserStaff", "2024/05/01 10:00:00",
-                      {ItemXml("UserStaffItem", StaffTags(1, "pw1")),
-                       ItemXml("UserStaffItem", StaffTags(2, "pw2"), {}, {"パスワード"})}))));
-    ASSERT_TRUE(s.ReadXML(Document(MasterPayload("UserStaff", "2024/05/01 10:00:00",
-                                                 {ItemXml("UserStaffItem", StaffTags(8, "pw&1")),
-                                                  ItemXml("UserStaffItem", StaffTags(3, "b"))}))));
+    EXPECT_FALSE(s.ReadXML(
+        reply("2024/05/01 10:00:00", {Staff(1, "pw1"), Staff(2, "pw2", {"パスワード"})})));
+    ASSERT_TRUE(s.ReadXML(reply("2024/05/01 10:00:00", {Staff(8, "pw&1"), Staff(3, "b")})));
     EXPECT_EQ(s.Items()[0].strPW, "pw&1");
     // What the download wrote is what the upload below sends.
     ASSERT_EQ(s.SyncDownload(db_), 1);
 
-    ctrlMorvane obj;
-    LogIn();
+    ctrlMorvane& obj = LoggedIn();
     server_->On(std::string(page::kSetUserStaff), Envelope(1, "T2"));
     ASSERT_EQ(obj.SyncUploadMasterUserStaff(db_), 1);
     const auto posts = server_->RequestsTo(std::string(page::kSetUserStaff));
     ASSERT_EQ(posts.size(), 2u);
-    EXPECT_EQ(posts[0].body,
-              "ID=user1&token=T1&UserStaffItemID=1&DISABLEDALL=DISABLEDALL&事務所職員コード=S8&"
-              "事務所職員名=山田 太郎&郵便番号=530-0001&住所=大阪市北区&TEL=06-1111-2222&FAX=&"
-              "パスワード=pw&1&Flag=1&");
+    EXPECT_EQ(posts[0].body, data_.Joined("staff upload"));
 
     // A password apart is a difference.
     clock_->Set(DateValue::FromCivil({2024, 6, 2, 9, 0, 0}));
-    ASSERT_TRUE(s.ReadXML(Document(MasterPayload("UserStaff", "2024/06/01 12:00:00",
-                                                 {ItemXml("UserStaffItem", StaffTags(8, "pw&1")),
-                                                  ItemXml("UserStaffItem", StaffTags(3, "B"))}))));
+    ASSERT_TRUE(s.ReadXML(reply("2024/06/01 12:00:00", {Staff(8, "pw&1"), Staff(3, "B")})));
     EXPECT_EQ(s.CompareLocalDB(db_), 1);
 }
 

@@ -10,11 +10,7 @@
 namespace morvane::test {
 
 // The permit header as the customer row below holds it.
-inline Tags HeaderTags() {
-    return TagsOf(
-        "ApfPlace=東京都知事|MinName=建設|MinCode=13|PmtCheck0=1|PmtCheck1=2|PmtYear=5|PmtNo=123|"
-        "PApDate=2024/04/01 10:00:00|PmtDate0=2024/04/02|PmtDate1=|PmtDate2=");
-}
+inline Tags HeaderTags() { return TagsOf(Golden("record/test-util.txt").Joined("header tags")); }
 
 // Trade n (1-based) as the grid rows below hold it: check n % 3, a date on odd trades.
 inline std::string CheckOf(int n) { return std::to_string(n % 3); }
@@ -56,15 +52,9 @@ inline void InsertTrades(const std::filesystem::path& db, int rows, int custId =
     Sql(db, sql);
 }
 
-inline void InsertCustomer(const std::filesystem::path& db, int custId = 7) {
-    Sql(db,
-        "INSERT INTO tCustomer (id, disabled, Code, ApfPlace, MinName, MinCode, PmtCheck0, "
-        "PmtCheck1, PmtYear, PmtNo, PApDate, PmtDate0, RecordUpdate, InetCheckDate) "
-        "VALUES (" +
-            std::to_string(custId) +
-            ", 0, 'C7', '東京都知事', '建設', '13', 1, 2, '5', '123', "
-            "'2024-04-01 10:00:00', '2024-04-02 00:00:00', '2024-05-01 09:00:00', "
-            "'2024-05-01 09:00:00');");
+// Customer 7's row holding the header above, agreed and last changed at 2024/05/01 09:00:00.
+inline void InsertCustomer(const std::filesystem::path& db) {
+    Sql(db, Golden("record/test-util.txt")["customer with header"]);
 }
 
 }  // namespace morvane::test

@@ -4,7 +4,7 @@
 
 #include "GyoshuTestUtil.h"
 #include "record/cCustKihon.h"
-#include "state/ProcessState.h"
+#include "support/Golden.h"
 
 namespace morvane::test {
 namespace {
@@ -47,6 +47,8 @@ protected:
                     "SELECT DISTINCT InetCheckDate FROM tCustomerGyoshu WHERE CustomerID = 7 "
                     "UNION SELECT InetCheckDate FROM tCustomer WHERE id = 7");
     }
+
+    const Golden data_{"record/gyoshu-worker.txt"};
 };
 
 // ---- Reading ---------------------------------------------------------------------------
@@ -61,20 +63,16 @@ TEST_F(GyoshuWorkerTest, ReaderKeepsTheGridAndWantsAllOfIt) {
         if (t.first == "EPmtCheck31") t.first = "epmtcheck31";
     ASSERT_TRUE(k.ReadXMLGyosyu(
         Document(GyoshuPayload(With(HeaderTags(), {{"PmtNo", "123#45"}}), grid, "", 9))));
-    EXPECT_EQ(k.CustomerID(), 9);
-    EXPECT_EQ(k.RecordUpdate(), "");  // not required by this section
     const KihonRecord& r = k.Kihon();
-    EXPECT_EQ(r.EPmtCheck[0], 1);
-    EXPECT_EQ(r.EPmtCheck[1], 12);
-    EXPECT_EQ(r.EPmtCheck[3], 0);
-    EXPECT_EQ(r.EPmtCheck[30], 31 % 3);
-    EXPECT_EQ(r.EPmtDate[0], "2020/01/01");
-    EXPECT_EQ(r.EPmtDate[2], "2020/01/03");
-    EXPECT_EQ(r.EPmtDate[4], "");  // "abc" is no date, and still counts as seen
-    EXPECT_EQ(r.EPmtDate[30], "2020/01/31");
-    // The header rides in CompKihon under the main record's rules.
-    EXPECT_EQ(r.PmtNo, "123");
-    EXPECT_EQ(r.other[6], "45");
+    EXPECT_EQ((std::vector<int>{k.CustomerID(), r.EPmtCheck[0], r.EPmtCheck[1], r.EPmtCheck[3],
+                                r.EPmtCheck[30]}),
+              (std::vector<int>{9, 1, 12, 0, 31 % 3}));
+    // No stamp is required here; "abc" is no date and still counts as seen; the header rides
+    // in CompKihon under the main record's rules.
+    EXPECT_EQ(
+        (std::vector<std::string>{k.RecordUpdate(), r.EPmtDate[0], r.EPmtDate[2], r.EPmtDate[4],
+                                  r.EPmtDate[30], r.PmtNo, r.other[6]}),
+        (std::vector<std::string>{"", "2020/01/01", "2020/01/03", "", "2020/01/31", "123", "45"}));
 
     for (const char* missing : {"EPmtDate7", "EPmtCheck1", "EPmtDate31"}) {
         SCOPED_TRACE(missing);
@@ -90,29 +88,16 @@ TEST_F(GyoshuWorkerTest, ReaderKeepsTheGridAndWantsAllOfIt) {
 
 // ---- Comparing -------------------------------------------------------------------------
 
+// Grid cells against a Null or as dates; the header's numbers by value, PmtNo without its tail,
+// and its dates as dates, unlike the main record's.
 TEST_F(GyoshuWorkerTest, GridCellsAndHeaderFieldsDifferUnderTheirOwnRules) {
     InsertCustomer(db_);
     InsertTrades(db_, 31);
-    const struct {
-        Tags header;
-        Tags grid;
-        int expected;
-    } cases[] = {
-        {{}, {{"EPmtCheck31", "2"}}, 1},
-        {{}, {{"EPmtDate1", "2020/01/02"}}, 1},
-        {{}, {{"EPmtDate2", "2020/01/02"}}, 1},  // against a Null
-        {{}, {{"EPmtDate1", "2020/1/1"}}, 0},    // dates compare as dates
-        {{{"MinCode", "14"}}, {}, 1},
-        {{{"PmtCheck1", "2.0"}}, {}, 0},
-        {{{"PmtNo", "123#9"}}, {}, 0},        // the tail is not PmtNo's
-        {{{"PmtDate0", "2024/4/2"}}, {}, 0},  // unlike the main record: as dates
-        {{{"PmtDate0", "2024/04/02 00:00:01"}}, {}, 1},
-        {{{"PmtDate1", "x"}}, {}, 1},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(::testing::PrintToString(c.header) + ::testing::PrintToString(c.grid));
+    for (const auto& row : data_.Table("rules")) {
+        SCOPED_TRACE(row[0] + row[1]);
         Sql(db_, "UPDATE tCustomerGyoshu SET InetCheckDate = '2024-05-01 09:00:00';");
-        EXPECT_EQ(Compare(With(HeaderTags(), c.header), With(GridTags(), c.grid)), c.expected);
+        EXPECT_EQ(Compare(With(HeaderTags(), TagsOf(row[0])), With(GridTags(), TagsOf(row[1]))),
+                  std::stoi(row[2]));
     }
 }
 
@@ -172,14 +157,10 @@ TEST_F(GyoshuWorkerTest, DownloadEditsThirtyAddsOneAndNeverWritesTheCode) {
                      TagsOf("EPmtCheck1=7|EPmtDate3=abc|EPmtDate4=2021/2/3|EPmtDate31=2021/12/31"));
     ASSERT_EQ(Server(header, grid).SyncDownloadGyosyu(db_, 7), 1);
 
-    const auto rows = Grid("id, GyoshuCode, disabled, EPmtCheck, EPmtDate");
-    ASSERT_EQ(rows.size(), 31u);
-    for (size_t i = 0; i < idsBefore.size(); ++i)
-        EXPECT_EQ(rows[i].substr(0, rows[i].find('|')), idsBefore[i]);
-    EXPECT_EQ(rows[0].substr(rows[0].find('|')), "|1|0|7|2020/01/01");
-    EXPECT_EQ(rows[2].substr(rows[2].find('|')), "|3|0|0|<null>");
-    EXPECT_EQ(rows[3].substr(rows[3].find('|')), "|4|0|1|2021/02/03");
-    EXPECT_EQ(rows[30].substr(rows[30].find('|')), "|31|0|1|2021/12/31");
+    auto ids = Grid("id");
+    ids.pop_back();
+    EXPECT_EQ(ids, idsBefore);
+    EXPECT_EQ(Grid("GyoshuCode, disabled, EPmtCheck, EPmtDate"), data_.Lines("downloaded grid"));
     EXPECT_EQ(GridStamps(), std::vector<std::string>{kNow + "|" + kNow});
     EXPECT_EQ(Header("MinCode, PApDate, PmtDate1, PmtCheck1, RecordUpdate"),
               "14|<null>|<null>|3|" + kNow);
@@ -213,12 +194,7 @@ TEST_F(GyoshuWorkerTest, AnAddedTradeTakesTheNextCodeOfItsCustomer) {
     EXPECT_EQ(Grid("EPmtCheck, RecordUpdate", 8)[30], CheckOf(31) + "|" + kNow);
 
     // A grid the host deleted does not push the new codes past 31.
-    Sql(db_,
-        "INSERT INTO tCustomerGyoshu (CustomerID, GyoshuCode) VALUES (9, 12);"
-        "INSERT INTO tCustomerGyoshu (CustomerID) VALUES (9);"
-        "INSERT INTO tCustomerGyoshu (CustomerID) VALUES (10);"
-        "INSERT INTO tCustomerGyoshu (CustomerID, disabled, GyoshuCode) VALUES (11, 1, 31);"
-        "INSERT INTO tCustomerGyoshu (CustomerID) VALUES (11);");
+    Sql(db_, data_["grids the host deleted"]);
     EXPECT_EQ(Rows(db_, "SELECT GyoshuCode FROM tCustomerGyoshu WHERE CustomerID >= 9 ORDER BY id"),
               (std::vector<std::string>{"12", "13", "1", "31", "1"}));
 }
@@ -229,25 +205,12 @@ TEST_F(GyoshuWorkerTest, UploadSendsHeaderAndGridRawAndStampsBothTables) {
     LogIn();
     InsertCustomer(db_);
     InsertTrades(db_, 30);
-    Sql(db_,
-        "UPDATE tCustomer SET PmtNo = '123#45', PmtDate1 = 'garbage', PmtCheck1 = 1.6;"
-        "UPDATE tCustomerGyoshu SET EPmtDate = 'soon' WHERE GyoshuCode = 2;"
-        "UPDATE tCustomerGyoshu SET EPmtDate = '2020-01-03 10:00:00' WHERE GyoshuCode = 3;");
+    Sql(db_, data_["to send"]);
     server_->On("customer/setCompGyoshu.php", Envelope(1, "T2"));
     cCustKihon k;
     ASSERT_EQ(k.SyncUploadGyoshu(db_, 7), 1);
-    std::string checks, dates;
-    for (int n = 1; n <= 31; ++n) {
-        checks += "EPmtCheck" + std::to_string(n) + "=" + (n <= 30 ? CheckOf(n) : "0") + "&";
-        const std::string date = n == 2 ? "soon" : n == 3 ? "2020/01/03 10:00:00" : DateOf(n);
-        dates += "EPmtDate" + std::to_string(n) + "=" + (n <= 30 ? date : "") + "&";
-    }
     EXPECT_EQ(server_->BodiesTo("customer/setCompGyoshu.php"),
-              std::vector<std::string>{
-                  "ID=user1&token=T1&CustomerID=7&ApfPlace=東京都知事&MinName=建設&MinCode=13&"
-                  "PmtCheck0=1&PmtCheck1=2&PmtYear=5&PmtNo=123&PApDate=2024/04/01 10:00:00&"
-                  "PmtDate0=2024/04/02&PmtDate1=garbage&PmtDate2=&" +
-                  checks + dates});
+              std::vector<std::string>{data_.Joined("upload")});
     EXPECT_EQ(CheckStamps(), std::vector<std::string>{kNow});
     EXPECT_EQ(Rows(db_, "SELECT DISTINCT RecordUpdate FROM tCustomerGyoshu"),
               std::vector<std::string>{kAgreed});

@@ -12,10 +12,12 @@
 #include <utility>
 #include <vector>
 
+#include "component/ctrlMorvane.h"
 #include "platform/Clock.h"
 #include "state/ProcessState.h"
 #include "store/LocalDatabases.h"
 #include "store/StoreTestUtil.h"
+#include "support/Golden.h"
 #include "support/MorvaneTest.h"
 
 namespace morvane::test {
@@ -23,31 +25,20 @@ namespace morvane::test {
 using Tags = std::vector<std::pair<std::string, std::string>>;
 
 // Tags written "tag=text|tag=text|...".
-inline Tags TagsOf(std::string_view spec) {
+inline Tags TagsOf(std::string_view text) {
     Tags tags;
-    while (!spec.empty()) {
-        const std::string_view one = spec.substr(0, spec.find('|'));
+    while (!text.empty()) {
+        const std::string_view one = text.substr(0, text.find('|'));
         const size_t eq = one.find('=');
         tags.emplace_back(std::string(one.substr(0, eq)), std::string(one.substr(eq + 1)));
-        spec.remove_prefix(std::min(spec.size(), one.size() + 1));
+        text.remove_prefix(std::min(text.size(), one.size() + 1));
     }
     return tags;
 }
 
-// "name1=text|name2=text|..." from..to, for TagsOf.
-inline std::string Numbered(const std::string& name, int from, int to,
-                            const std::string& text = {}) {
-    std::string out;
-    for (int i = from; i <= to; ++i) out += name + std::to_string(i) + "=" + text + "|";
-    return out;
-}
-
 // The 15 tags a main read requires, with plain values.
 inline Tags RequiredTags() {
-    return TagsOf(
-        "AcDate=3月31日|ZipCode0=100|ZipCode1=0001|Addr0=東京都|addr1=千代田区|Addr2=一番町1|"
-        "CorpName0=株式会社一|ApfName0=一 太郎|Tel0=03|TEL1=1111|TEL2=2222|Fax0=03|FAX1=3333|"
-        "FAX2=4444|ExOther17=5");
+    return TagsOf(Golden("record/test-util.txt").Joined("required tags"));
 }
 
 // The tags with some replaced (an empty text for a tag of `drop` leaves it out).
@@ -78,16 +69,13 @@ inline std::string Document(const std::string& payload) {
 }
 
 // One item element: every tag with its value, in order, less the tags left out.
-inline std::string ItemXml(const std::string& itemTag, const Tags& tags,
+inline std::string ItemXml(const std::string& itemTag, Tags tags,
                            const std::map<std::string, std::string>& changed = {},
                            const std::set<std::string>& leftOut = {}) {
-    std::string out = "<" + itemTag + ">";
-    for (const auto& [tag, value] : tags) {
-        if (leftOut.count(tag)) continue;
-        const auto at = changed.find(tag);
-        out += "<" + tag + ">" + (at == changed.end() ? value : at->second) + "</" + tag + ">";
-    }
-    return out + "</" + itemTag + ">";
+    for (auto& [tag, value] : tags)
+        if (changed.count(tag)) value = changed.at(tag);
+    std::erase_if(tags, [&](const auto& t) { return leftOut.count(t.first) > 0; });
+    return "<" + itemTag + ">" + Elements(tags) + "</" + itemTag + ">";
 }
 
 // "<Memo>List" with "<Memo>Count" (the items' number unless given), the stamp and the items.
@@ -147,10 +135,17 @@ protected:
     }
     // Moves the clock to the hour of 2024/06/01.
     void At(int hour) { clock_->Set(DateValue::FromCivil({2024, 6, 1, hour, 0, 0})); }
+    // A fresh public object, logged in: a new object resets the login, so it comes first.
+    ctrlMorvane& LoggedIn() {
+        obj_ = std::make_unique<ctrlMorvane>();
+        LogIn();
+        return *obj_;
+    }
 
     LocalDatabasePaths paths_;
     std::string db_;
     std::shared_ptr<FixedClock> clock_;
+    std::unique_ptr<ctrlMorvane> obj_;
 };
 
 }  // namespace morvane::test

@@ -94,9 +94,9 @@ TEST_F(MembersTest, TheDownloadWritesWhatTheComparisonFoundNewerAndNothingOfASho
 
         server_->On(kind.page, Envelope(1, "T2", kind.reply));
         EXPECT_EQ(kind.compare(obj, db), 1);
-        ASSERT_EQ(server_->RequestsTo(kind.page).size(), 1u);
-        EXPECT_EQ(server_->RequestsTo(kind.page)[0].body,
-                  master ? "ID=user1&token=T1&" : "ID=user1&token=T1&CustomerID=7&");
+        EXPECT_EQ(server_->BodiesTo(kind.page),
+                  std::vector<std::string>{master ? "ID=user1&token=T1&"
+                                                  : "ID=user1&token=T1&CustomerID=7&"});
         EXPECT_EQ(kind.download(obj, db), 1);
         EXPECT_EQ(server_->RequestsTo(kind.page).size(), kind.fetches);
         EXPECT_EQ(One(db, kind.column), kind.written);
@@ -111,8 +111,7 @@ TEST_F(MembersTest, TheDownloadWritesWhatTheComparisonFoundNewerAndNothingOfASho
 }
 
 TEST_F(MembersTest, MainComparesOnItsOwnPageNeedsTheStaffCountAndDownloadsTheWholeRecord) {
-    ctrlMorvane obj;  // a new object resets the login, so it comes first
-    LogIn();
+    ctrlMorvane& obj = LoggedIn();
     Sql(db_, "UPDATE tCustomer SET ZipCode0 = '999' WHERE id = 7;");
     const auto reply = [](const std::string& after) {
         return Envelope(1, "T2", KihonPayload(TAddr("new"), "2024/05/01 09:05:00", after));
@@ -126,9 +125,8 @@ TEST_F(MembersTest, MainComparesOnItsOwnPageNeedsTheStaffCountAndDownloadsTheWho
     server_->On("customer/getCompKihon.php", reply(""));
     EXPECT_EQ(obj.CompareCustomerKihonMain(db_, 7), 1);
     EXPECT_EQ(obj.SyncDownloadCustomerKihonMain(db_, 7), 1);
-    ASSERT_EQ(server_->RequestsTo("customer/getCompKihon.php").size(), 1u);
-    EXPECT_EQ(server_->RequestsTo("customer/getCompKihon.php")[0].body,
-              "ID=user1&token=T2&CustomerID=7&");
+    EXPECT_EQ(server_->BodiesTo("customer/getCompKihon.php"),
+              std::vector<std::string>{"ID=user1&token=T2&CustomerID=7&"});
     EXPECT_EQ(Rows(db_, "SELECT ZipCode0, TAddr0 FROM tCustomer WHERE id = 7"),
               std::vector<std::string>{"100|new"});
     EXPECT_TRUE(kit_->Boxes().empty());
