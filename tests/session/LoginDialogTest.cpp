@@ -97,7 +97,8 @@ TEST_F(LoginDialogTest, RefusedLoginKeepsTheDialogAndCancelLeavesTheLastState) {
                         {LoginReply(2, "TOK", false), LoginReply(7, "TOK", false), "<broken"});
     const std::vector<std::pair<std::string, int>> attempts{
         {"cmdCancel", 2}, {"txtUID", 7}, {"txtUID", 0}};
-    for (const auto& [focus, state] : attempts) {
+    for (const auto& attempt : attempts) {
+        const std::string& focus = attempt.first;
         kit_->OnShow("frmLogin", [&](forms::Form& f) {
             TypeAndLogin(f, "user1", "wrong", false);
             EXPECT_TRUE(f.Visible());
@@ -108,7 +109,7 @@ TEST_F(LoginDialogTest, RefusedLoginKeepsTheDialogAndCancelLeavesTheLastState) {
             }
             Click(f, "cmdCancel");
         });
-        EXPECT_EQ(obj_.ShowLogin(nullptr), state);
+        EXPECT_EQ(obj_.ShowLogin(nullptr), attempt.second);
     }
     EXPECT_EQ(JoinedLines(Told(*kit_)), Golden("session/login-dialog.txt")["refused"]);
     EXPECT_EQ(kit_->Boxes()[0].icon, forms::MsgIcon::Exclamation);
