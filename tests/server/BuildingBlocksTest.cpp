@@ -1,4 +1,5 @@
-// The server's parts on their own: body splitting, passwords, tokens, locks, file names, XML.
+// The server's building blocks on their own: body splitting, passwords, tokens, locks, file names,
+// XML.
 #include <gtest/gtest.h>
 #include <pugixml.hpp>
 
