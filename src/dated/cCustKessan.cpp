@@ -78,8 +78,8 @@ record::ListDecl<I> Build() {
 }  // namespace
 
 const record::ListDecl<cCustKessanItem>& cCustKessan::Declaration() {
-    static const record::ListDecl<cCustKessanItem> spec = Build();
-    return spec;
+    static const record::ListDecl<cCustKessanItem> decl = Build();
+    return decl;
 }
 
 }  // namespace morvane

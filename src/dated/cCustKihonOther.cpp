@@ -42,8 +42,8 @@ record::ListDecl<I> Build() {
 }  // namespace
 
 const record::ListDecl<cCustKihonOtherItem>& cCustKihonOther::Declaration() {
-    static const record::ListDecl<cCustKihonOtherItem> spec = Build();
-    return spec;
+    static const record::ListDecl<cCustKihonOtherItem> decl = Build();
+    return decl;
 }
 
 }  // namespace morvane

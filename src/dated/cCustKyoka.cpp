@@ -49,8 +49,8 @@ record::ListDecl<I> Build() {
 }  // namespace
 
 const record::ListDecl<cCustKyokaItem>& cCustKyoka::Declaration() {
-    static const record::ListDecl<cCustKyokaItem> spec = Build();
-    return spec;
+    static const record::ListDecl<cCustKyokaItem> decl = Build();
+    return decl;
 }
 
 }  // namespace morvane

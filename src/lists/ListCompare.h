@@ -13,15 +13,15 @@ namespace morvane::record {
 
 // The tables an agreement stamps.
 template <class Item>
-std::vector<std::string_view> AgreeTables(const ListDecl<Item>& spec) {
-    if (spec.agreeTables.empty()) return {spec.table};
-    return spec.agreeTables;
+std::vector<std::string_view> AgreeTables(const ListDecl<Item>& decl) {
+    if (decl.agreeTables.empty()) return {decl.table};
+    return decl.agreeTables;
 }
 
 // True at the first compared field in which the two items differ.
 template <class Item>
-bool ItemsDiffer(const ListDecl<Item>& spec, const Item& server, const Item& local) {
-    for (const FieldRow<Item>& row : spec.fields)
+bool ItemsDiffer(const ListDecl<Item>& decl, const Item& server, const Item& local) {
+    for (const FieldRow<Item>& row : decl.fields)
         if (Differs(row.cmp, row.format, row.slot.Get(server), row.slot.Get(local))) return true;
     return false;
 }
@@ -29,33 +29,33 @@ bool ItemsDiffer(const ListDecl<Item>& spec, const Item& server, const Item& loc
 // 0 when the two agree (stamping the rows when the stamps alone differed), else the
 // decision code of the stamps. Raises on a database failure.
 template <class Item>
-std::int32_t CompareListRows(const ListDecl<Item>& spec, const ListData<Item>& server,
+std::int32_t CompareListRows(const ListDecl<Item>& decl, const ListData<Item>& server,
                              const std::string& localDb, std::int32_t custId) {
-    const std::string cond = ListCondition(spec, custId);
+    const std::string cond = ListCondition(decl, custId);
     const std::int32_t code = CompareInetDates(Value(server.recordUpdate),
-                                               GetRecordUpdateLocal(localDb, spec.table, cond),
-                                               GetInetCheckDateLocal(localDb, spec.table, cond));
+                                               GetRecordUpdateLocal(localDb, decl.table, cond),
+                                               GetInetCheckDateLocal(localDb, decl.table, cond));
     if (code == 0) return 0;  // content is not looked at
     {
         auto ws = CreateMorvaneWorkspace();
         dao::Database& db = ws->OpenDatabase(localDb);
         {
             auto rs =
-                db.OpenRecordset(ListCountSql(spec, custId), dao::dbOpenDynaset, dao::dbReadOnly);
+                db.OpenRecordset(ListCountSql(decl, custId), dao::dbOpenDynaset, dao::dbReadOnly);
             const std::int32_t count = rs->Eof() ? 0 : NzLong((*rs)["reccnt"]);
             if (count != static_cast<std::int32_t>(server.items.size())) return code;
         }
-        auto rs = db.OpenRecordset(ListWalkSql(spec, custId), dao::dbOpenDynaset, dao::dbReadOnly);
+        auto rs = db.OpenRecordset(ListWalkSql(decl, custId), dao::dbOpenDynaset, dao::dbReadOnly);
         size_t n = 0;
         for (; !rs->Eof(); rs->MoveNext(), ++n) {
             // The position pairs them, never the id.
             if (n >= server.items.size()) return code;
-            if (ItemsDiffer(spec, server.items[n], LoadListItem(spec, *rs, custId))) return code;
+            if (ItemsDiffer(decl, server.items[n], LoadListItem(decl, *rs, custId))) return code;
         }
         // A walk shorter than the count (rows left out of it) leaves server items unmatched.
         if (n != server.items.size()) return code;
     }  // closed before the stamp, which opens the file anew
-    for (std::string_view table : AgreeTables(spec)) SetInetCheckDate(localDb, table, cond);
+    for (std::string_view table : AgreeTables(decl)) SetInetCheckDate(localDb, table, cond);
     return 0;
 }
 

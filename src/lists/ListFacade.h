@@ -14,8 +14,8 @@ namespace morvane::record {
 
 template <class Worker>
 facade::Request ListGetRequest(std::int32_t custId) {
-    const auto& spec = Worker::Declaration();
-    return {spec.getPage, ListBodyStart(spec, custId), spec.getRoutine};
+    const auto& decl = Worker::Declaration();
+    return {decl.getPage, ListBodyStart(decl, custId), decl.getRoutine};
 }
 
 // Compare pattern: an unreadable reply looks like agreement (0).

@@ -18,11 +18,11 @@ namespace morvane::record {
 namespace detail {
 // Fills the item from its element; false when any declared tag was missing.
 template <class Item>
-bool ReadListItem(const ListDecl<Item>& spec,
+bool ReadListItem(const ListDecl<Item>& decl,
                   const std::unordered_map<std::string, size_t>& rowOfTag, platform::XmlNode node,
                   Item& item) {
-    std::vector<bool> seen(spec.fields.size() + 1, false);  // the last flag is the id's
-    const std::string idTag = ToUpperAscii(spec.itemIdTag);
+    std::vector<bool> seen(decl.fields.size() + 1, false);  // the last flag is the id's
+    const std::string idTag = ToUpperAscii(decl.itemIdTag);
     for (auto f = node.FirstChildElement(); f; f = f.NextSiblingElement()) {
         const std::string name = ToUpperAscii(f.NameView());
         if (name == idTag) {
@@ -35,15 +35,15 @@ bool ReadListItem(const ListDecl<Item>& spec,
         if (at == rowOfTag.end()) continue;  // an unknown tag is passed over
         seen[at->second] = true;
         // A text that will not convert leaves the field, the flag stays set.
-        StoreXml(spec.fields[at->second], item, f.Text());
+        StoreXml(decl.fields[at->second], item, f.Text());
     }
-    for (size_t i = 0; i < spec.fields.size(); ++i)
-        if (spec.fields[i].tag.empty()) seen[i] = true;
-    for (size_t i = 0; i < spec.fields.size(); ++i)
-        if (!spec.fields[i].flagged) seen[i] = true;
-    for (size_t i = 0; i < spec.fields.size(); ++i) {
-        if (spec.fields[i].sharesFlagWith.empty()) continue;
-        const auto other = rowOfTag.find(ToUpperAscii(spec.fields[i].sharesFlagWith));
+    for (size_t i = 0; i < decl.fields.size(); ++i)
+        if (decl.fields[i].tag.empty()) seen[i] = true;
+    for (size_t i = 0; i < decl.fields.size(); ++i)
+        if (!decl.fields[i].flagged) seen[i] = true;
+    for (size_t i = 0; i < decl.fields.size(); ++i) {
+        if (decl.fields[i].sharesFlagWith.empty()) continue;
+        const auto other = rowOfTag.find(ToUpperAscii(decl.fields[i].sharesFlagWith));
         if (other != rowOfTag.end() && seen[other->second]) seen[i] = true;
     }
     for (bool s : seen)
@@ -55,19 +55,19 @@ bool ReadListItem(const ListDecl<Item>& spec,
 // Clears nothing: the caller gives a cleared list. True when CustomerID and the stamp were
 // seen and the items kept number exactly the count, so one dropped item fails the reply.
 template <class Item>
-bool ReadListXml(const ListDecl<Item>& spec, const platform::XmlDocument& doc,
+bool ReadListXml(const ListDecl<Item>& decl, const platform::XmlDocument& doc,
                  ListData<Item>& data) {
     const platform::XmlNode root = doc.DocumentElement();
     if (!root) return false;
-    const auto payload = root.SelectNodes(spec.root);
+    const auto payload = root.SelectNodes(decl.root);
     if (payload.empty()) return false;
 
     std::unordered_map<std::string, size_t> rowOfTag;
-    for (size_t i = 0; i < spec.fields.size(); ++i)
-        if (!spec.fields[i].tag.empty()) rowOfTag.emplace(ToUpperAscii(spec.fields[i].tag), i);
-    const std::string listTag = ToUpperAscii(spec.listTag);
-    const std::string countTag = ToUpperAscii(spec.countTag);
-    const std::string itemTag = ToUpperAscii(spec.itemTag);
+    for (size_t i = 0; i < decl.fields.size(); ++i)
+        if (!decl.fields[i].tag.empty()) rowOfTag.emplace(ToUpperAscii(decl.fields[i].tag), i);
+    const std::string listTag = ToUpperAscii(decl.listTag);
+    const std::string countTag = ToUpperAscii(decl.countTag);
+    const std::string itemTag = ToUpperAscii(decl.itemTag);
 
     bool customerIdSeen = false;
     bool recordUpdateSeen = false;
@@ -79,7 +79,7 @@ bool ReadListXml(const ListDecl<Item>& spec, const platform::XmlDocument& doc,
         if (name == "CUSTOMERID") {
             customerIdSeen = true;
             data.customerId = NzLong(child.Text());
-        } else if (spec.stampAtPayload && name == "RECORDUPDATE") {
+        } else if (decl.stampAtPayload && name == "RECORDUPDATE") {
             recordUpdateSeen = true;
             const std::string stamp = child.Text();
             data.recordUpdate = IsDateText(stamp) ? stamp : std::string();
@@ -95,7 +95,7 @@ bool ReadListXml(const ListDecl<Item>& spec, const platform::XmlDocument& doc,
                 } else if (inner == itemTag) {
                     Item item;
                     item.CustID = data.customerId;
-                    if (!detail::ReadListItem(spec, rowOfTag, c, item)) continue;
+                    if (!detail::ReadListItem(decl, rowOfTag, c, item)) continue;
                     // The items are keyed by id: a second item of one id is refused.
                     if (!keys.insert(item.Key).second) {
                         keysUnique = false;
@@ -108,7 +108,7 @@ bool ReadListXml(const ListDecl<Item>& spec, const platform::XmlDocument& doc,
         }
     }
     // An office list has no CustomerID to see.
-    if (spec.scope == ListScope::Office) customerIdSeen = true;
+    if (decl.scope == ListScope::Office) customerIdSeen = true;
     return customerIdSeen && recordUpdateSeen && countMatched && keysUnique;
 }
 

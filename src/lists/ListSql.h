@@ -33,29 +33,29 @@ std::string WipeSql(std::string_view table);
 
 // The stamps' condition of the list's rows; an office list has none.
 template <class Item>
-std::string ListCondition(const ListDecl<Item>& spec, std::int32_t custId) {
-    return spec.scope == ListScope::Office ? std::string()
-                                           : LiveCondition(custId) + std::string(spec.liveFilter);
+std::string ListCondition(const ListDecl<Item>& decl, std::int32_t custId) {
+    return decl.scope == ListScope::Office ? std::string()
+                                           : LiveCondition(custId) + std::string(decl.liveFilter);
 }
 template <class Item>
-std::string ListCountSql(const ListDecl<Item>& spec, std::int32_t custId) {
-    return spec.scope == ListScope::Office
-               ? OfficeCountSql(spec.table)
-               : CountSql(spec.table, custId) + std::string(spec.liveFilter);
+std::string ListCountSql(const ListDecl<Item>& decl, std::int32_t custId) {
+    return decl.scope == ListScope::Office
+               ? OfficeCountSql(decl.table)
+               : CountSql(decl.table, custId) + std::string(decl.liveFilter);
 }
 template <class Item>
-std::string ListWalkSql(const ListDecl<Item>& spec, std::int32_t custId) {
-    return spec.scope == ListScope::Office
-               ? OfficeWalkSql(spec.table, spec.walkFilter, spec.walkOrder)
-               : WalkSql(spec.table, std::string(spec.liveFilter) + std::string(spec.walkFilter),
-                         spec.walkOrder, custId);
+std::string ListWalkSql(const ListDecl<Item>& decl, std::int32_t custId) {
+    return decl.scope == ListScope::Office
+               ? OfficeWalkSql(decl.table, decl.walkFilter, decl.walkOrder)
+               : WalkSql(decl.table, std::string(decl.liveFilter) + std::string(decl.walkFilter),
+                         decl.walkOrder, custId);
 }
 
 // Brings the customer's freed grid rows back live, with every written column blank.
 template <class Item>
-std::string ReenableGridSql(const ListDecl<Item>& spec, std::int32_t custId) {
-    std::string sql = "UPDATE " + std::string(spec.table) + " SET disabled = 0";
-    for (const FieldRow<Item>& row : spec.fields)
+std::string ReenableGridSql(const ListDecl<Item>& decl, std::int32_t custId) {
+    std::string sql = "UPDATE " + std::string(decl.table) + " SET disabled = 0";
+    for (const FieldRow<Item>& row : decl.fields)
         if (!row.column.empty() && row.guard != Guard::Never)
             sql += ", " + std::string(row.column) + "=\"\"";
     return sql + " WHERE (disabled=1) And (CustomerID =" + std::to_string(custId) + ")";

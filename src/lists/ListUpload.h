@@ -18,24 +18,24 @@ inline constexpr const char* kDisabledAll = "DISABLEDALL=DISABLEDALL&";
 // The start of every body of the list: the login, and the customer's number unless the list
 // is the office's.
 template <class Item>
-std::string ListBodyStart(const ListDecl<Item>& spec, std::int32_t custId) {
-    return spec.scope == ListScope::Office ? UpperBody() : UpperCustomerBody(custId);
+std::string ListBodyStart(const ListDecl<Item>& decl, std::int32_t custId) {
+    return decl.scope == ListScope::Office ? UpperBody() : UpperCustomerBody(custId);
 }
 
 // The body of the item at a position counted from 1.
 template <class Item>
-std::string ListItemBody(const ListDecl<Item>& spec, const Item& item, std::int32_t custId,
+std::string ListItemBody(const ListDecl<Item>& decl, const Item& item, std::int32_t custId,
                          std::int32_t position) {
-    std::string body = ListBodyStart(spec, custId);
-    AppendField(body, spec.itemIdTag, std::to_string(item.id));
+    std::string body = ListBodyStart(decl, custId);
+    AppendField(body, decl.itemIdTag, std::to_string(item.id));
     if (position == 1) body += kDisabledAll;
-    for (const FieldRow<Item>& row : spec.fields) {
-        if (spec.vno == VnoPolicy::Position && !row.key.empty() && row.key == spec.vnoBeforeKey)
-            AppendField(body, spec.positionName, std::to_string(position));
+    for (const FieldRow<Item>& row : decl.fields) {
+        if (decl.vno == VnoPolicy::Position && !row.key.empty() && row.key == decl.vnoBeforeKey)
+            AppendField(body, decl.positionName, std::to_string(position));
         if (!row.key.empty()) AppendField(body, row.key, ToBody(row.conv, row.slot.Get(item)));
     }
-    if (spec.vno == VnoPolicy::Position && spec.vnoBeforeKey.empty())
-        AppendField(body, spec.positionName, std::to_string(position));
+    if (decl.vno == VnoPolicy::Position && decl.vnoBeforeKey.empty())
+        AppendField(body, decl.positionName, std::to_string(position));
     return body;
 }
 
@@ -43,25 +43,25 @@ std::string ListItemBody(const ListDecl<Item>& spec, const Item& item, std::int3
 // answered while the login held, and the customer's rows are then stamped as agreed. The
 // server keeps what it got before a failure.
 template <class Item>
-std::int32_t UploadListItems(const ListDecl<Item>& spec, const ListData<Item>& local,
+std::int32_t UploadListItems(const ListDecl<Item>& decl, const ListData<Item>& local,
                              const std::string& localDb, std::int32_t custId,
                              const std::function<bool()>& closing = {}) {
     std::string reply;
     if (local.items.empty()) {
-        reply = SendRequestProgress(spec.emptyListPage, ListBodyStart(spec, custId) + kDisabledAll,
+        reply = SendRequestProgress(decl.emptyListPage, ListBodyStart(decl, custId) + kDisabledAll,
                                     "", nullptr);
         if (GetLoginState() != 1 || reply.empty()) return 0;
     }
     std::int32_t position = 0;
     for (const Item& item : local.items) {
-        if (spec.skipOnUpload && spec.skipOnUpload(item)) continue;
-        reply = SendRequestProgress(spec.setPage, ListItemBody(spec, item, custId, ++position), "",
+        if (decl.skipOnUpload && decl.skipOnUpload(item)) continue;
+        reply = SendRequestProgress(decl.setPage, ListItemBody(decl, item, custId, ++position), "",
                                     nullptr);
         if (GetLoginState() != 1 || reply.empty()) return 0;
     }
     if (closing && !closing()) return 0;
-    const std::string cond = ListCondition(spec, custId);
-    for (std::string_view table : AgreeTables(spec)) SetInetCheckDate(localDb, table, cond);
+    const std::string cond = ListCondition(decl, custId);
+    for (std::string_view table : AgreeTables(decl)) SetInetCheckDate(localDb, table, cond);
     return 1;
 }
 

@@ -21,7 +21,7 @@ namespace morvane::record {
 template <class Item>
 class ListWorker {
 public:
-    explicit ListWorker(const ListDecl<Item>& spec) : spec_(spec) {}
+    explicit ListWorker(const ListDecl<Item>& decl) : spec_(decl) {}
     ListWorker(const ListWorker&) = default;
     // Takes the other's data and keeps its own declaration, so a record holding lists can be
     // assigned.

@@ -22,8 +22,8 @@ record::ListDecl<I> Build() {
 }  // namespace
 
 const record::ListDecl<cMastMinisterItem>& cMastMinister::Declaration() {
-    static const record::ListDecl<I> spec = Build();
-    return spec;
+    static const record::ListDecl<I> decl = Build();
+    return decl;
 }
 
 }  // namespace morvane

@@ -28,8 +28,8 @@ record::ListDecl<I> Build() {
 }  // namespace
 
 const record::ListDecl<cMastSakuseishaItem>& cMastSakuseisha::Declaration() {
-    static const record::ListDecl<I> spec = Build();
-    return spec;
+    static const record::ListDecl<I> decl = Build();
+    return decl;
 }
 
 }  // namespace morvane

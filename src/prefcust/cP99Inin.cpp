@@ -85,19 +85,19 @@ constexpr std::string_view kSubCompared[] = {"IninTitle", "IninDetail0", "IninDe
                                              "IninDetail2", "IninDetail3"};
 
 template <class Item>
-std::string HeldText(const record::ListDecl<Item>& spec, const Item& item,
+std::string HeldText(const record::ListDecl<Item>& decl, const Item& item,
                      std::string_view column) {
-    for (const auto& row : spec.fields)
+    for (const auto& row : decl.fields)
         if (row.column == column) return row.slot.Get(item).AsText();
     return {};
 }
 
 // True when a compared column of the row differs from the held item.
 template <class Item, size_t N>
-bool RowDiffers(const record::ListDecl<Item>& spec, const Item& held, dao::Recordset& rs,
+bool RowDiffers(const record::ListDecl<Item>& decl, const Item& held, dao::Recordset& rs,
                 const std::string_view (&columns)[N]) {
     for (std::string_view column : columns)
-        if (record::Differs(record::Cmp::Text, {}, Value(HeldText(spec, held, column)), rs[column]))
+        if (record::Differs(record::Cmp::Text, {}, Value(HeldText(decl, held, column)), rs[column]))
             return true;
     return false;
 }
@@ -115,13 +115,13 @@ void WriteUnowned(dao::Recordset& rs) {
 }  // namespace
 
 const record::ListDecl<cP99IninMain>& cP99Inin::MainDeclaration() {
-    static const record::ListDecl<cP99IninMain> spec = BuildMain();
-    return spec;
+    static const record::ListDecl<cP99IninMain> decl = BuildMain();
+    return decl;
 }
 
 const record::ListDecl<cP99IninSub>& cP99Inin::SubDeclaration() {
-    static const record::ListDecl<cP99IninSub> spec = BuildSub();
-    return spec;
+    static const record::ListDecl<cP99IninSub> decl = BuildSub();
+    return decl;
 }
 
 void cP99Inin::Clear() { *this = cP99Inin(); }

@@ -76,8 +76,8 @@ std::array<std::int16_t, 31> cCustKihonEigyoshoItem::Gyosyu() const {
 }
 
 const record::ListDecl<cCustKihonEigyoshoItem>& EigyoshoList::Declaration() {
-    static const record::ListDecl<cCustKihonEigyoshoItem> spec = Build();
-    return spec;
+    static const record::ListDecl<cCustKihonEigyoshoItem> decl = Build();
+    return decl;
 }
 
 }  // namespace morvane

@@ -49,8 +49,8 @@ record::ListDecl<I> Build() {
 }  // namespace
 
 const record::ListDecl<cCustKihonMemoItem>& MemoList::Declaration() {
-    static const record::ListDecl<cCustKihonMemoItem> spec = Build();
-    return spec;
+    static const record::ListDecl<cCustKihonMemoItem> decl = Build();
+    return decl;
 }
 
 }  // namespace morvane

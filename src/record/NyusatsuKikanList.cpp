@@ -61,8 +61,8 @@ bool cCustKihonNyusatsuKikanItem::Blank() const {
 }
 
 const record::ListDecl<cCustKihonNyusatsuKikanItem>& NyusatsuKikanList::Declaration() {
-    static const record::ListDecl<cCustKihonNyusatsuKikanItem> spec = Build();
-    return spec;
+    static const record::ListDecl<cCustKihonNyusatsuKikanItem> decl = Build();
+    return decl;
 }
 
 }  // namespace morvane

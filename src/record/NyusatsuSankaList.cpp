@@ -57,8 +57,8 @@ record::ListDecl<I> Build() {
 }  // namespace
 
 const record::ListDecl<cCustKihonNyusatsuSankaItem>& NyusatsuSankaList::Declaration() {
-    static const record::ListDecl<cCustKihonNyusatsuSankaItem> spec = Build();
-    return spec;
+    static const record::ListDecl<cCustKihonNyusatsuSankaItem> decl = Build();
+    return decl;
 }
 
 }  // namespace morvane

@@ -158,8 +158,8 @@ std::array<std::int16_t, 8> cCustKihonShokuinItem::SenninSikakuCode() const {
 }
 
 const record::ListDecl<cCustKihonShokuinItem>& ShokuinList::Declaration() {
-    static const record::ListDecl<cCustKihonShokuinItem> spec = Build();
-    return spec;
+    static const record::ListDecl<cCustKihonShokuinItem> decl = Build();
+    return decl;
 }
 
 }  // namespace morvane
