@@ -1,4 +1,4 @@
-// CLong: a set of customer numbers with keys, positions from 1.
+// CLong and CString: sets of customer numbers and texts with keys, positions from 1.
 #include <gtest/gtest.h>
 
 #include "util/KeyedCollection.h"
@@ -29,6 +29,16 @@ TEST(KeyedCollectionTest, CLongIsASetUnderCaseBlindDefaultKeysPlacedByKeyOrPosit
     EXPECT_EQ(ids.CommaText(), "1,3,4,9,2");
     ids.Clear();
     EXPECT_EQ(ids.CommaText(), "");
+}
+
+// A host's own use: nothing in the component passes a CString around.
+TEST(KeyedCollectionTest, CStringRefusesEmptyKeysAndTakesItsKeyAsTheItemByDefault) {
+    CString texts;
+    EXPECT_FALSE(texts.Add(Value()) || texts.Add(Value("")));
+    EXPECT_TRUE(texts.Add(Value("a"), std::string("アルファ")));
+    EXPECT_TRUE(texts.Add(Value("b")));
+    EXPECT_FALSE(texts.Add(Value("A")));  // keys are case-blind
+    EXPECT_EQ(texts.Item(Value("a")) + texts.Item(Value(std::int32_t{2})), "アルファb");
 }
 
 }  // namespace
