@@ -209,6 +209,21 @@ TEST_F(DaoTest, ReadOnlyStaysReadOnlyAndOnlyIdleSharedConnectionsAreKept) {
     EXPECT_EQ(pool_.Tally().reused, 2u);
     EXPECT_EQ(write(false, true), 0);
     EXPECT_NO_THROW(Sql(paths_.customer, "DELETE FROM tCustomer WHERE Code = 'w';"));
+
+    // A statement still running when its database closes keeps the connection from the pool:
+    // handed out again, it would serve two users at once.
+    pool_.Clear();
+    std::unique_ptr<dao::Recordset> rs;
+    {
+        dao::Workspace ws("Morvane", "admin", &pool_);
+        rs = ws.OpenDatabase(Customer())
+                 .OpenRecordset("SELECT COUNT(*) FROM tCustomer", dao::dbOpenDynaset,
+                                dao::dbReadOnly);
+    }
+    EXPECT_EQ(NzString(rs->FieldAt(0).GetValue()), "0");
+    rs.reset();
+    EXPECT_EQ(Kept(paths_.customer, "SELECT COUNT(*) FROM tCustomer"), "0");
+    EXPECT_EQ(pool_.Tally().opened, 2u);
 }
 
 }  // namespace
