@@ -18,6 +18,7 @@
 #include "support/Golden.h"
 #include "support/TempDir.h"
 #include "util/Nz.h"
+#include "util/Text.h"
 
 namespace morvane::cli {
 namespace {
@@ -84,7 +85,7 @@ TEST(CallProgram, PrintsEachResultAndStopsAtTheFirstBadCall) {
     for (const auto& c : Cases("call", dir.Path())) {
         const ProgramRun run = RunCli(call + c[0] + " 2>/dev/null");
         std::string out;
-        for (const std::string& line : test::Golden::Split(c[2], "; "))
+        for (const std::string& line : Split(c[2], "; "))
             if (!line.empty()) out += line + "\n";
         EXPECT_EQ(run.exitCode, std::stoi(c[1])) << c[0];
         EXPECT_EQ(run.output, out) << c[0];

@@ -10,6 +10,7 @@
 
 #include "support/Golden.h"
 #include "support/TempDir.h"
+#include "util/Text.h"
 
 namespace morvane::cli {
 
@@ -69,7 +70,7 @@ void Check(const std::string& name, const Script& script, const SyncOptions& opt
 std::vector<Row> Cases(std::string_view table) { return Golden("cli/sync-run.txt").Table(table); }
 
 Calls List(const std::string& cell) {
-    return cell == "-" ? Calls{} : Golden::Split(Golden::Unescaped(cell), "; ");
+    return cell == "-" ? Calls{} : Split(ReplaceAll(cell, "\\n", "\n"), "; ");
 }
 
 std::vector<int> Ints(const std::string& cell) {

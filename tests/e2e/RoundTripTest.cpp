@@ -27,6 +27,7 @@
 #include "store/LocalDatabases.h"
 #include "store/StoreTestUtil.h"
 #include "support/Golden.h"
+#include "util/Text.h"
 
 namespace morvane::test {
 namespace {
@@ -142,7 +143,7 @@ TEST_P(RoundTripTest, OneOfficeSendsAndTheOtherTakesAndAgrees) {
     all += "\n";
     size_t at = 0;
     for (const std::string& line : Data().Lines(name + " holds")) {
-        const std::string text = Golden::Unescaped(line);
+        const std::string text = ReplaceAll(line, "\\n", "\n");
         at = all.find(text, at);
         ASSERT_NE(at, std::string::npos) << text << " after the last one, in\n" << all;
     }

@@ -10,10 +10,10 @@
 #include "state/ProcessState.h"
 #include "state/mdlRegConstMorvane.h"
 #include "support/Golden.h"
-#include "support/JoinedLines.h"
 #include "support/MorvaneTest.h"
 #include "support/Told.h"
 #include "transport/mdlServerReply.h"
+#include "util/Text.h"
 
 namespace morvane::test {
 namespace {
@@ -111,7 +111,7 @@ TEST_F(LoginDialogTest, RefusedLoginKeepsTheDialogAndCancelLeavesTheLastState) {
         });
         EXPECT_EQ(obj_.ShowLogin(nullptr), attempt.second);
     }
-    EXPECT_EQ(JoinedLines(Told(*kit_)), Golden("session/login-dialog.txt")["refused"]);
+    EXPECT_EQ(Join(Told(*kit_), "\n"), Golden("session/login-dialog.txt")["refused"]);
     EXPECT_EQ(kit_->Boxes()[0].icon, forms::MsgIcon::Exclamation);
     EXPECT_EQ(Setting(reg::kLoginPWD) + Setting(reg::kSaveLoginPWD), "False");
 }
@@ -127,7 +127,7 @@ TEST_F(LoginDialogTest, EmptyFieldsAreToldCancelAndCloseBoxKeepTheStateNoConnect
         Click(f, "cmdCancel");
     });
     EXPECT_EQ(obj_.ShowLogin(nullptr), 5);
-    EXPECT_EQ(JoinedLines(Told(*kit_)), Golden("session/login-dialog.txt")["empty fields"]);
+    EXPECT_EQ(Join(Told(*kit_), "\n"), Golden("session/login-dialog.txt")["empty fields"]);
     EXPECT_EQ(Setting(reg::kLoginUID), "");
     EXPECT_EQ(obj_.ShowLogin(nullptr), 5);
     EXPECT_EQ(kit_->Unanswered().size(), 1u);

@@ -12,7 +12,6 @@
 #include "state/ProcessState.h"
 #include "state/mdlRegConstMorvane.h"
 #include "support/Golden.h"
-#include "support/JoinedLines.h"
 #include "support/MorvaneTest.h"
 #include "support/Told.h"
 #include "util/Text.h"
@@ -114,7 +113,7 @@ TEST_F(SettingDialogTest, OkStoresWhatItMayAndTellsWhatIsMissingOrChanged) {
         }));
         EXPECT_EQ(Stored(), cell(row.at(6)));
         const std::string told = row.at(7);
-        EXPECT_EQ(JoinedLines(Told(*kit_)), told == "-" ? "" : data_[told]);
+        EXPECT_EQ(Join(Told(*kit_), "\n"), told == "-" ? "" : data_[told]);
         for (const auto& box : kit_->Boxes()) {
             EXPECT_EQ(box.title, kCaption);
             EXPECT_EQ(box.icon, told == "restart" ? MsgIcon::Information : MsgIcon::Exclamation);
@@ -133,7 +132,7 @@ TEST_F(SettingDialogTest, ConnectionTestNeedsAllFourAndLeavesTheLoginAlone) {
         Click(f, "cmdConnectionTest");
         Click(f, "cmdCancel");
     }));
-    EXPECT_EQ(JoinedLines(Told(*kit_)), data_["connection test"]);
+    EXPECT_EQ(Join(Told(*kit_), "\n"), data_["connection test"]);
     EXPECT_EQ(kit_->Boxes()[1].icon, MsgIcon::Information);
     EXPECT_EQ(kit_->Boxes()[2].icon, MsgIcon::Exclamation);
     const auto requests = server_->RequestsTo("login.php");

@@ -4,21 +4,9 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "util/Text.h"
+
 namespace morvane::test {
-
-std::vector<std::string> Golden::Split(const std::string& text, std::string_view sep) {
-    std::vector<std::string> parts;
-    std::size_t from = 0;
-    for (std::size_t at; (at = text.find(sep, from)) != std::string::npos; from = at + sep.size())
-        parts.push_back(text.substr(from, at - from));
-    parts.push_back(text.substr(from));
-    return parts;
-}
-
-std::string Golden::Unescaped(std::string text) {
-    for (std::size_t at; (at = text.find("\\n")) != std::string::npos;) text.replace(at, 2, "\n");
-    return text;
-}
 
 Golden::Golden(std::string_view file) : file_(file) {
     const std::string path = std::string(MORVANE_TEST_DATA_DIR) + "/" + file_;
@@ -59,11 +47,7 @@ std::vector<std::string> Golden::Lines(std::string_view key) const {
     return Split(text, "\n");
 }
 
-std::string Golden::Joined(std::string_view key) const {
-    std::string text;
-    for (const std::string& line : Lines(key)) text += line;
-    return text;
-}
+std::string Golden::Joined(std::string_view key) const { return Join(Lines(key), ""); }
 
 std::vector<std::vector<std::string>> Golden::Table(std::string_view key) const {
     std::vector<std::vector<std::string>> rows;

@@ -25,10 +25,6 @@ public:
     // as in the rows the database helpers print).
     std::vector<std::vector<std::string>> Table(std::string_view key) const;
 
-    static std::vector<std::string> Split(const std::string& text, std::string_view sep);
-    // The text with each two-character "\\n" made a line break, for texts that must hold one.
-    static std::string Unescaped(std::string text);
-
 private:
     std::string file_;
     std::map<std::string, std::string, std::less<>> blocks_;

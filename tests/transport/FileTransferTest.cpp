@@ -11,10 +11,10 @@
 #include "state/basGetCRC.h"
 #include "support/FileBytes.h"
 #include "support/Golden.h"
-#include "support/JoinedLines.h"
 #include "support/MorvaneTest.h"
 #include "support/Told.h"
 #include "transport/mdlServerFile.h"
+#include "util/Text.h"
 
 namespace morvane::test {
 namespace {
@@ -99,7 +99,7 @@ TEST_F(FileTransferTest, FormRouteRefusesMissingAndOversizedFilesTheDirectRouteD
     const std::string over = Write("over.bin", std::string(kMaxUploadFileSize + 1, 'o'));
     EXPECT_EQ(Upload(folder_ + "/none.bin"), "");
     EXPECT_EQ(Upload(over), "");
-    EXPECT_EQ(JoinedLines(Told(*kit_)), Golden("transport/file-transfer.txt")["refused files"]);
+    EXPECT_EQ(Join(Told(*kit_), "\n"), Golden("transport/file-transfer.txt")["refused files"]);
     EXPECT_EQ(kit_->Boxes()[0].title + "|" + kit_->Boxes()[1].title, "|ファイルのアップロード");
     EXPECT_EQ(kit_->Boxes()[1].icon, forms::MsgIcon::Exclamation);
     EXPECT_TRUE(server_->Requests().empty());

@@ -5,11 +5,11 @@
 #include "session/mdlLogin.h"
 #include "state/ProcessState.h"
 #include "support/Golden.h"
-#include "support/JoinedLines.h"
 #include "support/MorvaneTest.h"
 #include "support/Told.h"
 #include "transport/frmSendRequestProgress.h"
 #include "transport/mdlServerReply.h"
+#include "util/Text.h"
 
 namespace morvane::test {
 namespace {
@@ -41,7 +41,7 @@ TEST_F(ReplyCheckTest, EachFlagsValueLeavesItsStateTokenAndBox) {
         EXPECT_EQ(Send(reply), flags == 1 ? reply : "");
         EXPECT_EQ(GetLoginState(), std::stoi(row.at(2)));
         EXPECT_EQ(GetLoginToken(), token);  // the empty token is stored too
-        EXPECT_EQ(JoinedLines(Told(*kit_)), row.at(3) == "-" ? "" : data_[row.at(3)]);
+        EXPECT_EQ(Join(Told(*kit_), "\n"), row.at(3) == "-" ? "" : data_[row.at(3)]);
         for (const auto& box : kit_->Boxes()) {
             EXPECT_EQ(box.title, flags == -1 ? "サーバー通信エラー" : "サーバーデータの更新");
             EXPECT_EQ(box.icon, forms::MsgIcon::Exclamation);
@@ -78,7 +78,7 @@ TEST_F(ReplyCheckTest, UnreadableRepliesTellOnceAndReset) {
         EXPECT_EQ(Send(reply), "");
         EXPECT_EQ(GetLoginState(), 0);
         EXPECT_EQ(GetLoginToken(), "T1");
-        EXPECT_EQ(JoinedLines(Told(*kit_)), data_["unreadable told"]);
+        EXPECT_EQ(Join(Told(*kit_), "\n"), data_["unreadable told"]);
         EXPECT_TRUE(kit_->ShownForms().empty());
     }
 }

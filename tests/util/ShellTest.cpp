@@ -3,9 +3,9 @@
 
 #include "state/basShell.h"
 #include "support/Golden.h"
-#include "support/JoinedLines.h"
 #include "support/MorvaneTest.h"
 #include "support/Told.h"
+#include "util/Text.h"
 
 namespace morvane::test {
 namespace {
@@ -36,7 +36,7 @@ TEST_F(ShellTest, FailuresAreToldOnlyWhenAskedAndOnlyKnownCodesHaveAMessage) {
     EXPECT_EQ(ShellOpenURL("https://x/", nullptr, true), 0);
     ShowShellError(33);
     ShowShellError(11);
-    EXPECT_EQ(JoinedLines(Told(*kit_)), Golden("util/shell.txt")["unassociated and denied"]);
+    EXPECT_EQ(Join(Told(*kit_), "\n"), Golden("util/shell.txt")["unassociated and denied"]);
     EXPECT_EQ(kit_->Boxes()[0].icon, forms::MsgIcon::Exclamation);
     std::string known;
     for (int code : {2, 3, 5, 8, 11, 26, 27, 28, 29, 30, 31, 32, 0, 1, 4, 33, 42, -1})
