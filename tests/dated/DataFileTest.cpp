@@ -125,6 +125,8 @@ TEST_F(DataFileTest, ContentDecidesWhetherTimesOnlyWhichWay) {
     EXPECT_EQ(Described("", "2000/01/01 00:00:00", "00000000").CompareLocalFile(empty), 0);
 }
 
+// Only a server copy to take is kept for the download, which otherwise fetches for itself
+// under the usage option alone; through an upload only the Other kind keeps it.
 TEST_F(DataFileTest, CompareKeepsTheDescriptionOnlyForAServerCopyToTake) {
     const std::string local = Write("a.pdf", "local", "2024/05/01 10:00:00");
     Serve("Kessan", "newer", "2024/05/02 00:00:00");
@@ -134,38 +136,55 @@ TEST_F(DataFileTest, CompareKeepsTheDescriptionOnlyForAServerCopyToTake) {
     EXPECT_EQ(m_->SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
     EXPECT_EQ(ReadBytes(local), "newer");
 
-    // Local newer: nothing is kept, so a download without the option does nothing.
     Write("a.pdf", "local again", "2024/06/01 00:00:00");
     EXPECT_EQ(m_->CompareCustomerKessanFile(7, local), 2);
     server_->ClearRequests();
     EXPECT_EQ(m_->SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
     EXPECT_TRUE(server_->Requests().empty());
     EXPECT_EQ(ReadBytes(local), "local again");
+    const std::string fresh = (data_ / "new" / "a.pdf").string();
+    m_->setObjectUsage(1);
+    EXPECT_EQ(m_->SyncDownloadCustomerKessanFile(7, fresh, nullptr), 1);
+    EXPECT_EQ(ReadBytes(fresh), "newer");
+    m_->setObjectUsage(0);
 
     // A file the server does not know reads as no item: 0, as a match would be.
     server_->On(
         "customer/getKessanFileHash.php",
         Envelope(1, "T3", "<Customer><CustomerID>7</CustomerID><KessanFileList/></Customer>"));
     EXPECT_EQ(m_->CompareCustomerKessanFile(7, local), 0);
+
+    Write("a.pdf", "local", "2024/01/01 00:00:00");
+    for (const std::string kind : {"Kessan", "Other"}) {
+        Serve(kind, "server", "2030/01/01 00:00:00");
+        ServerHas("customer/set" + kind + "File.php", kind + "File", "local",
+                  "2030/01/01 00:00:00");
+    }
+    ASSERT_EQ(m_->CompareCustomerKessanFile(7, local), 1);
+    ASSERT_EQ(m_->CompareCustomerOtherFile(7, local), 1);
+    EXPECT_EQ(m_->SyncUploadCustomerKessanFile(7, local, nullptr), 1);
+    EXPECT_EQ(m_->SyncUploadCustomerOtherFile(7, local, nullptr), 1);
+    server_->ClearRequests();
+    EXPECT_EQ(m_->SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
+    EXPECT_TRUE(server_->Requests().empty());
+    EXPECT_EQ(m_->SyncDownloadCustomerOtherFile(7, local, nullptr), 1);
+    EXPECT_EQ(server_->RequestsTo("customer/getOtherFile.php").size(), 1u);
+    EXPECT_EQ(ReadBytes(local), "server");
 }
 
-TEST_F(DataFileTest, DownloadOfTheRightSizeReplacesTrashesAndStampsWhateverItsCrc) {
+TEST_F(DataFileTest, DownloadOfTheRightSizeReplacesTrashesAndStampsWhateverItsCrcElseLeavesIt) {
     const std::string local = Write("k/a.pdf", "old content", "2024/01/01 00:00:00");
+    Serve("Kyoka", "twelve bytes", "2024/03/04 05:06:07", "<html>error</html>");
+    ASSERT_EQ(m_->CompareCustomerKyokaFile(7, local), 1);
+    EXPECT_EQ(m_->SyncDownloadCustomerKyokaFile(7, local, nullptr), 1);
+    EXPECT_EQ(Outcome(local), "old content | 2024/01/01 00:00:00 | trash: -");
+
     Serve("Kessan", "NEW content", "2024/03/04 05:06:07", {}, "DEADBEEF");
     ASSERT_EQ(m_->CompareCustomerKessanFile(7, local), 1);
     EXPECT_EQ(m_->SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
     EXPECT_EQ(Outcome(local), "NEW content | 2024/03/04 05:06:07 | trash: old content");
     EXPECT_EQ(server_->RequestsTo("customer/getKessanFile.php").at(0).body,
               "ID=user1&token=T2&CustomerID=7&FileName=a.pdf&");
-    EXPECT_TRUE(kit_->Boxes().empty());
-}
-
-TEST_F(DataFileTest, DownloadOfTheWrongSizeLeavesTheLocalFileAndStillAnswersOne) {
-    const std::string local = Write("a.pdf", "old", "2024/01/01 00:00:00");
-    Serve("Kyoka", "twelve bytes", "2024/03/04 05:06:07", "<html>error</html>");
-    ASSERT_EQ(m_->CompareCustomerKyokaFile(7, local), 1);
-    EXPECT_EQ(m_->SyncDownloadCustomerKyokaFile(7, local, nullptr), 1);
-    EXPECT_EQ(Outcome(local), "old | 2024/01/01 00:00:00 | trash: -");
 }
 
 TEST_F(DataFileTest, AFileWhoseDownloadWasCutShortIsFetchedAgainAndNeverSent) {
@@ -206,36 +225,10 @@ TEST_F(DataFileTest, DownloadNeverWritesThroughALinkPlantedOnItsWay) {
     }
 }
 
-TEST_F(DataFileTest, DownloadCreatesTheFoldersAndFetchesForItselfUnderTheOption) {
-    const std::string local = (data_ / "new" / "deep" / "a.pdf").string();
-    Serve("Other", "bytes", "not a date");
-    m_->setObjectUsage(1);
-    EXPECT_EQ(m_->SyncDownloadCustomerOtherFile(7, local, nullptr), 1);
-    EXPECT_EQ(ReadBytes(local), "bytes");
-    EXPECT_TRUE(kit_->ShownForms().empty());
-}
-
-TEST_F(DataFileTest, DownloadWithTheLoginLostSendsNothing) {
-    const std::string local = Write("a.pdf", "old");
-    ServerHas("customer/getKessanFileHash.php", "KessanFile", "new", "2030/01/01 00:00:00");
-    ASSERT_EQ(m_->CompareCustomerKessanFile(7, local), 1);
-    State().login.loginState = 2;
-    server_->ClearRequests();
-    EXPECT_EQ(m_->SyncDownloadCustomerKessanFile(7, local, nullptr), 0);
-    EXPECT_TRUE(server_->Requests().empty());
-    State().login.loginState = 1;
-    EXPECT_EQ(m_->SyncDownloadCustomerKessanFile(7, local, nullptr), 1);  // the slot went
-    EXPECT_TRUE(server_->Requests().empty());
-}
-
 TEST_F(DataFileTest, UploadCountsOnlyWhenTheServerReportsTheSameFile) {
     const std::string local = Write("a.pdf", "abc");
     ServerHas("customer/setKessanFile.php", "KessanFile", "abc", "2024/01/01 00:00:00");
     EXPECT_EQ(m_->SyncUploadCustomerKessanFile(7, local, nullptr), 1);
-    const auto sent = server_->RequestsTo("customer/setKessanFile.php").at(0);
-    EXPECT_EQ((std::vector<std::string>{sent.body, sent.Header("userid"), sent.Header("token"),
-                                        sent.Header("customerid"), sent.Header("filename")}),
-              (std::vector<std::string>{"abc", "user1", "T1", "7", "a.pdf"}));
 
     // Another file reported, no file at all, a refusal.
     for (const std::string& reply :
@@ -251,25 +244,6 @@ TEST_F(DataFileTest, UploadCountsOnlyWhenTheServerReportsTheSameFile) {
     EXPECT_TRUE(server_->Requests().empty());
 }
 
-TEST_F(DataFileTest, OnlyTheOtherKindKeepsItsDescriptionThroughAnUpload) {
-    const std::string local = Write("a.pdf", "local", "2024/01/01 00:00:00");
-    for (const std::string kind : {"Kessan", "Other"}) {
-        Serve(kind, "server", "2030/01/01 00:00:00");
-        ServerHas("customer/set" + kind + "File.php", kind + "File", "local",
-                  "2030/01/01 00:00:00");
-    }
-    ASSERT_EQ(m_->CompareCustomerKessanFile(7, local), 1);
-    ASSERT_EQ(m_->CompareCustomerOtherFile(7, local), 1);
-    EXPECT_EQ(m_->SyncUploadCustomerKessanFile(7, local, nullptr), 1);
-    EXPECT_EQ(m_->SyncUploadCustomerOtherFile(7, local, nullptr), 1);
-    server_->ClearRequests();
-    EXPECT_EQ(m_->SyncDownloadCustomerKessanFile(7, local, nullptr), 1);
-    EXPECT_TRUE(server_->Requests().empty());
-    EXPECT_EQ(m_->SyncDownloadCustomerOtherFile(7, local, nullptr), 1);
-    EXPECT_EQ(server_->RequestsTo("customer/getOtherFile.php").size(), 1u);
-    EXPECT_EQ(ReadBytes(local), "server");
-}
-
 TEST_F(DataFileTest, DeleteAndRenameGoOutOnlyWhenTheLocalChangeIsThere) {
     const std::string present = Write("here.pdf", "x");
     const std::string gone = (data_ / "gone.pdf").string();
@@ -282,10 +256,7 @@ TEST_F(DataFileTest, DeleteAndRenameGoOutOnlyWhenTheLocalChangeIsThere) {
 
     EXPECT_EQ(m_->SyncDeleteCustomerKyokaFile(7, gone, nullptr), 1);
     EXPECT_EQ(m_->SyncRenameFileCustomerKyokaFile(7, gone, present, nullptr), 1);
-    EXPECT_EQ(server_->RequestsTo("customer/deleteKyokaFile.php").at(0).body,
-              "ID=user1&token=T1&CustomerID=7&FileName=gone.pdf&");
-    EXPECT_EQ(server_->RequestsTo("customer/renameKyokaFile.php").at(0).body,
-              "ID=user1&token=T2&CustomerID=7&SrcFile=gone.pdf&DstFile=here.pdf&");
+    EXPECT_EQ(server_->Requests().size(), 2u);
 
     server_->On("customer/deleteKyokaFile.php", Envelope(-1, "T4"));
     EXPECT_EQ(m_->SyncDeleteCustomerKyokaFile(7, gone, nullptr), 0);

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include "DatedTestUtil.h"
-#include "component/DispatchTable.h"
 #include "component/ctrlMorvane.h"
 #include "dated/cCustKessan.h"
 #include "support/Golden.h"
@@ -14,47 +13,38 @@ namespace {
 
 using KessanReaderTest = MorvaneTest;
 
-TEST_F(KessanReaderTest, AWholeListIsReadIntoItemsInOrder) {
+// Tags match without regard to case, an unknown tag is passed over and an empty element is 0;
+// an item short of a tag, a count the items do not reach, one id twice, no stamp or no
+// customer, or the payload under another name fail the reply.
+TEST_F(KessanReaderTest, OnlyAWholeListIsReadIntoItemsInOrder) {
     cCustKessan k;
-    // Tags match without regard to case; an unknown tag is passed over.
     auto sixth = KessanTags(6);
     sixth.push_back({"Unknown", "x"});
     sixth[6].first = "OTHER";
-    const std::string reply = Document(
+    ASSERT_TRUE(k.ReadXML(Document(
         ListPayload("KessanData", 7, "2024/05/01 10:00:00",
-                    {KessanItem(5, {{"CheckOther", ""}}), ItemXml("kessanDataITEM", sixth)}));
-    ASSERT_TRUE(k.ReadXML(reply));
-    EXPECT_EQ(k.CustomerID(), 7);
-    EXPECT_EQ(k.RecordUpdate(), "2024/05/01 10:00:00");
-    EXPECT_EQ(k.Count(), 2);
+                    {KessanItem(5, {{"CheckOther", ""}}), ItemXml("kessanDataITEM", sixth)}))));
     ASSERT_EQ(k.Items().size(), 2u);
-    EXPECT_EQ(k.Items()[0].Key + k.Items()[1].Key, "K5K6");
-    EXPECT_EQ(k.Items()[0].CheckOther, 0);  // an empty element
-    EXPECT_EQ(k.Items()[1].other, "memo");
-}
+    EXPECT_EQ(
+        (std::vector<std::string>{std::to_string(k.CustomerID()), k.RecordUpdate(),
+                                  std::to_string(k.Count()), k.Items()[0].Key, k.Items()[1].Key,
+                                  std::to_string(k.Items()[0].CheckOther), k.Items()[1].other}),
+        (std::vector<std::string>{"7", "2024/05/01 10:00:00", "2", "K5", "K6", "0", "memo"}));
 
-TEST_F(KessanReaderTest, OneItemShortOfATagFailsTheWholeReply) {
-    cCustKessan k;
     for (const char* missing : {"KessanDataItemID", "Other", "ProfDate3", "DataFileID"}) {
-        const std::string reply = Document(ListPayload(
-            "KessanData", 7, "2024/05/01 10:00:00", {KessanItem(5), KessanItem(6, {}, {missing})}));
-        EXPECT_FALSE(k.ReadXML(reply)) << missing;
+        EXPECT_FALSE(
+            k.ReadXML(Document(ListPayload("KessanData", 7, "2024/05/01 10:00:00",
+                                           {KessanItem(5), KessanItem(6, {}, {missing})}))))
+            << missing;
         EXPECT_EQ(k.Items().size(), 1u) << missing;
     }
-}
-
-TEST_F(KessanReaderTest, TheCountTheStampAndTheCustomerDecideTheReply) {
-    cCustKessan k;
-    // A count that the items do not reach.
     EXPECT_FALSE(k.ReadXML(
         Document(ListPayload("KessanData", 7, "2024/05/01 10:00:00", {KessanItem(5)}, 2))));
-    // A stamp that is no date reads as empty and the reply stands.
+    // A stamp that is no date reads as empty and the reply stands; an empty list is good.
     ASSERT_TRUE(k.ReadXML(Document(ListPayload("KessanData", 7, "later", {KessanItem(5)}))));
     EXPECT_EQ(k.RecordUpdate(), "");
-    // An empty list is a good list.
     ASSERT_TRUE(k.ReadXML(Document(ListPayload("KessanData", 7, "2024/05/01 10:00:00", {}))));
     EXPECT_EQ(k.Count(), 0);
-    // One id twice, no stamp or no customer, the payload under another name: a failed reply.
     EXPECT_FALSE(k.ReadXML(Document(
         ListPayload("KessanData", 7, "2024/05/01 10:00:00", {KessanItem(5), KessanItem(5)}, 2))));
     for (const std::string& payload : Golden("dated/kessan.txt").Lines("refused payloads"))
@@ -170,9 +160,7 @@ TEST_F(KessanSyncTest, UnderTheUsageOptionTheDownloadFetchesForItself) {
     EXPECT_EQ(obj.SyncDownloadCustomerKessanList(db_, 7), 1);  // option 0: nothing fetched
     EXPECT_TRUE(server_->Requests().empty());
     obj.setObjectUsage(1);
-    const DispatchTable& table = DispatchTable::Instance();
-    EXPECT_EQ(table.Invoke(obj, "SyncDownloadCustomerKessanList", {{Value(db_)}, {Value("7")}}),
-              Value(std::int32_t{1}));
+    EXPECT_EQ(obj.SyncDownloadCustomerKessanList(db_, 7), 1);
     EXPECT_EQ(server_->RequestsTo(kGet).size(), 1u);
     EXPECT_EQ(Table("DataFile"), std::vector<std::string>{"kessan100.dat"});
 }

@@ -35,8 +35,13 @@ protected:
     const Golden data_{"locks/lock.txt"};
 };
 
-TEST_F(LockTest, LockAndUnlockBodiesOfBothKinds) {
+// Numbers below 1 send nothing; an unlock sends its own argument, lock held or not.
+TEST_F(LockTest, LockAndUnlockBodiesOfBothKindsAndNothingForNumbersBelowOne) {
     LogIn("T1");
+    EXPECT_EQ(obj_.LockCoustomer(0), 0);
+    EXPECT_EQ(obj_.LockMasterData(-1), 0);
+    EXPECT_TRUE(server_->Requests().empty());
+    EXPECT_FALSE(kit_->TimerLive("frmLockTimer", "tmr"));
     server_->On(kLock, LockReply("1"));
     server_->On(kUnlock, Envelope(1, "T3"));
     server_->On(kLockMaster, LockReply("1", "Master"));
@@ -49,11 +54,14 @@ TEST_F(LockTest, LockAndUnlockBodiesOfBothKinds) {
     EXPECT_EQ(State().customerLockTimer, nullptr);
     EXPECT_EQ(obj_.LockMasterData(3), 1);
     EXPECT_EQ(obj_.UnlockMasterData(3), 1);
+    EXPECT_EQ(obj_.UnlockCoustomer(4), 1);
     std::vector<std::string> sent;
     for (const auto& request : server_->Requests())
         sent.push_back(request.path + " " + request.body);
     EXPECT_EQ(sent, data_.Lines("lock and unlock"));
     EXPECT_TRUE(kit_->Boxes().empty());
+    server_->On(kUnlock, "");
+    EXPECT_EQ(obj_.UnlockCoustomer(4), 0);
 }
 
 TEST_F(LockTest, OnlyAResultOfExactlyOneUnderEitherTargetIsAGrant) {
@@ -83,10 +91,13 @@ TEST_F(LockTest, ARefusalIsToldByABoxAndTheResultWhileTheTimerGoesOn) {
     EXPECT_TRUE(kit_->TimerLive("frmLockTimer", "tmr"));
 }
 
-TEST_F(LockTest, RenewalsGoOnEveryTenthTickAndEachFailedOneIsTold) {
+// A second lock drops the first without unlocking it: only the second is renewed.
+TEST_F(LockTest, RenewalsOfTheLastLockGoOnEveryTenthTickAndEachFailedOneIsTold) {
     LogIn();
     server_->On(kLock, LockReply("1"));
+    ASSERT_EQ(obj_.LockCoustomer(1), 1);
     ASSERT_EQ(obj_.LockCoustomer(6), 1);
+    server_->ClearRequests();
     std::vector<int> askedAt;
     for (int tick = 1; tick <= 21; ++tick) {
         const size_t before = server_->RequestsTo(kLock).size();
@@ -96,41 +107,14 @@ TEST_F(LockTest, RenewalsGoOnEveryTenthTickAndEachFailedOneIsTold) {
         if (tick == 15) server_->On(kLock, "");
     }
     EXPECT_EQ(askedAt, (std::vector<int>{10, 20}));
-    EXPECT_EQ(server_->BodiesTo(kLock).back(), "id=user1&token=T2&CustomerID=6&");
+    EXPECT_EQ(server_->BodiesTo(kLock),
+              std::vector<std::string>(2, "id=user1&token=T2&CustomerID=6&"));
+    EXPECT_TRUE(server_->RequestsTo(kUnlock).empty());
     // One lock box per failed renewal (the empty reply brings the reply check's own too).
     int lockBoxes = 0;
     for (const auto& box : kit_->Boxes()) lockBoxes += box.text == data_["customer refused"];
     EXPECT_EQ(lockBoxes, 2);
     EXPECT_TRUE(kit_->TimerLive("frmLockTimer", "tmr"));
-}
-
-TEST_F(LockTest, ASecondLockDropsTheFirstWithoutUnlockingIt) {
-    LogIn();
-    server_->On(kLock, LockReply("1"));
-    ASSERT_EQ(obj_.LockCoustomer(1), 1);
-    ASSERT_EQ(obj_.LockCoustomer(2), 1);
-    server_->ClearRequests();
-    for (int tick = 0; tick < 10; ++tick) ASSERT_TRUE(kit_->FireTimer("frmLockTimer", "tmr"));
-    EXPECT_EQ(server_->BodiesTo(kLock),
-              std::vector<std::string>{"id=user1&token=T2&CustomerID=2&"});
-    EXPECT_TRUE(server_->RequestsTo(kUnlock).empty());
-}
-
-TEST_F(LockTest, NumbersBelowOneSendNothingAndUnlockSendsItsArgument) {
-    LogIn();
-    server_->On(kUnlock, Envelope(1, "T3"));
-    EXPECT_EQ(obj_.LockCoustomer(0), 0);
-    EXPECT_EQ(obj_.LockMasterData(-1), 0);
-    EXPECT_TRUE(server_->Requests().empty());
-    EXPECT_TRUE(kit_->Boxes().empty());
-    EXPECT_FALSE(kit_->TimerLive("frmLockTimer", "tmr"));
-    // Without a lock, and another customer than the one held: the argument goes.
-    EXPECT_EQ(obj_.UnlockCoustomer(4), 1);
-    EXPECT_EQ(server_->BodiesTo(kUnlock),
-              std::vector<std::string>{"id=user1&token=T1&CustomerID=4&"});
-    EXPECT_EQ(State().customerLockTimer, nullptr);
-    server_->On(kUnlock, "");
-    EXPECT_EQ(obj_.UnlockCoustomer(4), 0);
 }
 
 class ObjectEndTest : public MorvaneTest {};
