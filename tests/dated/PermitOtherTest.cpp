@@ -11,39 +11,53 @@
 namespace morvane::test {
 namespace {
 
-std::string KyokaItem(int id, const std::map<std::string, std::string>& changed = {}) {
-    return ItemXml(
-        "KyokaDataItem",
-        TagsOf("KyokaDataItemID=" + std::to_string(id) + "|other=permit" + std::to_string(id) +
-               "|PApDate=2024/04/01|AcPeriod=3|AcDateS=2023/04/01|AcDateE=2024/03/31|"
-               "DataFile=kyoka" +
-               std::to_string(id) + ".dat|CheckSync=1|DefaultUse=0|Ver511HideFlag=0|DataFileID=0"),
-        changed);
+std::string KyokaItem(int id, std::map<std::string, std::string> changed = {}) {
+    const std::string n = std::to_string(id);
+    changed.insert(
+        {{"KyokaDataItemID", n}, {"other", "permit" + n}, {"DataFile", "kyoka" + n + ".dat"}});
+    return ItemXml("KyokaDataItem", TagsOf(Golden("dated/permit-other.txt").Joined("permit item")),
+                   changed);
 }
 
-class KyokaTest : public RecordDbTest {
+std::string OtherItem(int id, std::map<std::string, std::string> changed = {},
+                      const std::set<std::string>& leftOut = {}) {
+    const std::string n = std::to_string(id);
+    changed.insert({{"OtherDataItemID", n}, {"DataFile", "other" + n + ".pdf"}});
+    return ItemXml("OtherDataItem", TagsOf(Golden("dated/permit-other.txt").Joined("other item")),
+                   changed, leftOut);
+}
+
+class PermitOtherTest : public RecordDbTest {
 protected:
-    cCustKyoka Read(const std::vector<std::string>& items, const std::string& stamp) {
+    cCustKyoka Permits(const std::vector<std::string>& items, const std::string& stamp) {
         cCustKyoka k;
         EXPECT_TRUE(k.ReadXML(Document(ListPayload("KyokaData", 7, stamp, items))));
         return k;
     }
+    cCustKihonOther Others(const std::vector<std::string>& items, const std::string& stamp) {
+        cCustKihonOther k;
+        EXPECT_TRUE(k.ReadXML(Document(ListPayload("OtherData", 7, stamp, items))));
+        return k;
+    }
     const Golden data_{"dated/permit-other.txt"};
 };
+using KyokaTest = PermitOtherTest;
+using OtherTest = PermitOtherTest;
 
 TEST_F(KyokaTest, HiddenRowsKeepTheirPlaceCountAndAreNotSent) {
     ctrlMorvane& obj = LoggedIn();
     Sql(db_, data_["permit rows"]);
     const std::string later = "2024/06/01 10:00:00";
     At(11);
-    ASSERT_EQ(Read({KyokaItem(10), KyokaItem(11), KyokaItem(12)}, later).SyncDownload(db_, 7), 1);
+    ASSERT_EQ(Permits({KyokaItem(10), KyokaItem(11), KyokaItem(12)}, later).SyncDownload(db_, 7),
+              1);
     EXPECT_EQ(Rows(db_,
                    "SELECT id, CustomerID, disabled, vno, Other, Ver511HideFlag FROM "
                    "tCustomerKyokaHistory ORDER BY id"),
               data_.Lines("permits downloaded"));
     // Four live rows against three items: the count differs for good.
     At(12);
-    EXPECT_EQ(Read({KyokaItem(10), KyokaItem(11), KyokaItem(12)}, "2024/06/01 11:30:00")
+    EXPECT_EQ(Permits({KyokaItem(10), KyokaItem(11), KyokaItem(12)}, "2024/06/01 11:30:00")
                   .CompareLocalDB(db_, 7),
               1);
 
@@ -55,45 +69,28 @@ TEST_F(KyokaTest, HiddenRowsKeepTheirPlaceCountAndAreNotSent) {
 }
 
 TEST_F(KyokaTest, DatesCompareByTheDayAndAHiddenServerItemDiffers) {
-    ASSERT_EQ(Read({KyokaItem(10)}, "2024/05/01 10:00:00").SyncDownload(db_, 7), 1);
+    ASSERT_EQ(Permits({KyokaItem(10)}, "2024/05/01 10:00:00").SyncDownload(db_, 7), 1);
     At(10);
     const std::string later = "2024/06/01 09:30:00";
-    EXPECT_EQ(Read({KyokaItem(10, {{"PApDate", "2024/04/01 18:00:00"},
-                                   {"AcDateE", "2024/03/31 00:00:01"}})},
-                   later)
+    EXPECT_EQ(Permits({KyokaItem(10, {{"PApDate", "2024/04/01 18:00:00"},
+                                      {"AcDateE", "2024/03/31 00:00:01"}})},
+                      later)
                   .CompareLocalDB(db_, 7),
               0);
     EXPECT_EQ(One(db_, "SELECT InetCheckDate FROM tCustomerKyokaHistory"), "2024/06/01 10:00:00");
     At(11);
     const std::string latest = "2024/06/01 10:30:00";
-    EXPECT_EQ(Read({KyokaItem(10, {{"PApDate", "2024/04/02"}})}, latest).CompareLocalDB(db_, 7), 1);
-    EXPECT_EQ(Read({KyokaItem(10, {{"Ver511HideFlag", "1"}})}, latest).CompareLocalDB(db_, 7), 1);
+    EXPECT_EQ(Permits({KyokaItem(10, {{"PApDate", "2024/04/02"}})}, latest).CompareLocalDB(db_, 7),
+              1);
+    EXPECT_EQ(Permits({KyokaItem(10, {{"Ver511HideFlag", "1"}})}, latest).CompareLocalDB(db_, 7),
+              1);
 }
-
-std::string OtherItem(int id, const std::map<std::string, std::string>& changed = {},
-                      const std::set<std::string>& leftOut = {}) {
-    return ItemXml(
-        "OtherDataItem",
-        TagsOf("OtherDataItemID=" + std::to_string(id) + "|DataFile=other" + std::to_string(id) +
-               ".pdf|RegDate=2024/04/01 10:00|UpdateDate=2024/04/02 11:30:15|other=note"),
-        changed, leftOut);
-}
-
-class OtherTest : public RecordDbTest {
-protected:
-    cCustKihonOther Read(const std::vector<std::string>& items, const std::string& stamp) {
-        cCustKihonOther k;
-        EXPECT_TRUE(k.ReadXML(Document(ListPayload("OtherData", 7, stamp, items))));
-        return k;
-    }
-    const Golden data_{"dated/permit-other.txt"};
-};
 
 TEST_F(OtherTest, DownloadWritesNoPositionAndTheDatesCompareToTheSecond) {
     cCustKihonOther none;
     EXPECT_FALSE(none.ReadXML(Document(
         ListPayload("OtherData", 7, "2024/05/01 10:00:00", {OtherItem(1, {}, {"other"})}))));
-    ASSERT_EQ(Read({OtherItem(1), OtherItem(2, {{"RegDate", "unknown"}})}, "2024/05/01 10:00:00")
+    ASSERT_EQ(Others({OtherItem(1), OtherItem(2, {{"RegDate", "unknown"}})}, "2024/05/01 10:00:00")
                   .SyncDownload(db_, 7),
               1);
     EXPECT_EQ(Rows(db_,
@@ -103,18 +100,18 @@ TEST_F(OtherTest, DownloadWritesNoPositionAndTheDatesCompareToTheSecond) {
     At(10);
     const std::string later = "2024/06/01 09:30:00";
     // The server's date without seconds and the local one are the same moment.
-    EXPECT_EQ(Read({OtherItem(1, {{"RegDate", "2024/04/01 10:00:00"}}),
-                    OtherItem(2, {{"RegDate", "unknown"}})},
-                   later)
+    EXPECT_EQ(Others({OtherItem(1, {{"RegDate", "2024/04/01 10:00:00"}}),
+                      OtherItem(2, {{"RegDate", "unknown"}})},
+                     later)
                   .CompareLocalDB(db_, 7),
               1);  // a date that is no date stays a text, and the row holds ""
-    EXPECT_EQ(Read({OtherItem(1), OtherItem(2, {{"RegDate", ""}})}, later).CompareLocalDB(db_, 7),
+    EXPECT_EQ(Others({OtherItem(1), OtherItem(2, {{"RegDate", ""}})}, later).CompareLocalDB(db_, 7),
               0);
     // Agreed and stamped; a second more on the server later is a difference.
     At(11);
-    EXPECT_EQ(Read({OtherItem(1, {{"UpdateDate", "2024/04/02 11:30:16"}}),
-                    OtherItem(2, {{"RegDate", ""}})},
-                   "2024/06/01 10:30:00")
+    EXPECT_EQ(Others({OtherItem(1, {{"UpdateDate", "2024/04/02 11:30:16"}}),
+                      OtherItem(2, {{"RegDate", ""}})},
+                     "2024/06/01 10:30:00")
                   .CompareLocalDB(db_, 7),
               1);
 }

@@ -56,8 +56,7 @@ TEST_F(FaultsTest, ADataFileDownloadThatBreaksAnywhereLeavesTheLocalFileWhole) {
         {"the answer is lost",
          [](FaultEnv& f) { f.DropExchangeAt(1, FaultEnv::Drop::AfterAnswer); }},
     };
-    const fs::path local = temp_.Path() / "data" / "a.pdf";
-    fs::create_directories(local.parent_path());
+    const fs::path local = temp_.Path() / "a.pdf";
     ctrlMorvane m;
     LogIn();
     for (const Fault& fault : faults) {
@@ -78,8 +77,7 @@ TEST_F(FaultsTest, ADataFileDownloadThatBreaksAnywhereLeavesTheLocalFileWhole) {
 }
 
 TEST_F(FaultsTest, ARecordDownloadThatBreaksInTheDatabaseLeavesTheRowAsItWas) {
-    const std::string& db = db_;
-    Sql(db, data_["customer 7"]);
+    Sql(db_, data_["customer 7"]);
     Tags tags = RequiredTags();
     tags.push_back({"TAddr0", "new"});
     server_->On("customer/getCompKihon.php",
@@ -91,24 +89,24 @@ TEST_F(FaultsTest, ARecordDownloadThatBreaksInTheDatabaseLeavesTheRowAsItWas) {
         {"the answer is lost",
          [](FaultEnv& f) { f.DropExchangeAt(1, FaultEnv::Drop::AfterAnswer); }},
     };
-    const auto row = [&] { return Rows(db, "SELECT ZipCode0, TAddr0 FROM tCustomer"); };
+    const auto row = [&] { return Rows(db_, "SELECT ZipCode0, TAddr0 FROM tCustomer"); };
     ctrlMorvane m;
     LogIn();
     for (const Fault& fault : faults) {
         SCOPED_TRACE(fault.name);
-        ASSERT_EQ(m.CompareCustomerKihon(db, 7), 1);
+        ASSERT_EQ(m.CompareCustomerKihon(db_, 7), 1);
         fault.set(*faults_);
         const std::size_t told = kit_->Boxes().size();
-        m.SyncDownloadCustomerKihon(db, 7);
+        m.SyncDownloadCustomerKihon(db_, 7);
         faults_->Heal();
         EXPECT_GT(kit_->Boxes().size(), told) << "the user is told";
         EXPECT_EQ(row(), std::vector<std::string>{"999|old"});
-        EXPECT_EQ(One(db, "PRAGMA integrity_check"), "ok");
+        EXPECT_EQ(One(db_, "PRAGMA integrity_check"), "ok");
     }
-    ASSERT_EQ(m.CompareCustomerKihon(db, 7), 1);
-    EXPECT_EQ(m.SyncDownloadCustomerKihon(db, 7), 1);
+    ASSERT_EQ(m.CompareCustomerKihon(db_, 7), 1);
+    EXPECT_EQ(m.SyncDownloadCustomerKihon(db_, 7), 1);
     EXPECT_EQ(row(), std::vector<std::string>{"100|new"});
-    EXPECT_EQ(m.CompareCustomerKihon(db, 7), 0);
+    EXPECT_EQ(m.CompareCustomerKihon(db_, 7), 0);
 }
 
 }  // namespace

@@ -44,7 +44,7 @@ protected:
 
 // ---- Comparing -------------------------------------------------------------------------
 
-TEST_F(KihonWorkerTest, StampsWithinTheMarginDecideWithoutLookingAtFields) {
+TEST_F(KihonWorkerTest, StampsWithinTheMarginDecideAndEqualContentIsStampedByNormalOnly) {
     InsertRow();
     Exec("UPDATE tCustomer SET ZipCode0 = '999'");
     cCustKihon k = Server({}, kServerWithinMargin);
@@ -61,11 +61,10 @@ TEST_F(KihonWorkerTest, StampsWithinTheMarginDecideWithoutLookingAtFields) {
     Exec("UPDATE tCustomer SET RecordUpdate = '2024-05-02 09:00:00'");
     EXPECT_EQ(Server({}, kServerWithinMargin).CompareLocalDBNormal(db_, 7), 2);
     EXPECT_EQ(Column("InetCheckDate"), kChecked);
-}
 
-TEST_F(KihonWorkerTest, EqualContentIsStampedAsAgreedByNormalOnly) {
-    InsertRow();
-    cCustKihon k = Server({});
+    // Equal content is stamped as agreed by Normal only.
+    Exec("UPDATE tCustomer SET ZipCode0 = '100', RecordUpdate = '2024-05-01 09:00:00'");
+    k = Server({});
     EXPECT_EQ(k.CompareLocalDBMain(db_, 7), 0);
     EXPECT_EQ(Column("InetCheckDate"), kChecked);
     EXPECT_EQ(k.CompareLocalDBNormal(db_, 7), 0);
@@ -151,21 +150,10 @@ TEST_F(KihonWorkerTest, ABrokenDatabaseFailsThroughTheTrapForRecordTradesAndSett
 
 // ---- Loading and sending ---------------------------------------------------------------
 
-TEST_F(KihonWorkerTest, UploadSendsTheRowAsItStandsAndStampsItOnSuccess) {
+// Nothing goes without a row or a code; a success stamps the row, a refusal does not.
+TEST_F(KihonWorkerTest, UploadSendsTheRowAsItStandsAndStampsItOnlyOnSuccess) {
     LogIn();
-    InsertRow();
-    Sql(db_, data_["to send"]);
     server_->On("customer/setCompKihon.php", Envelope(1, "T2"));
-    cCustKihon k;
-    ASSERT_EQ(k.SyncUploadNormal(db_, 7), 1);
-    EXPECT_EQ(server_->BodiesTo("customer/setCompKihon.php"),
-              std::vector<std::string>{data_.Joined("upload")});
-    EXPECT_EQ(Column("InetCheckDate, RecordUpdate"), kNow + "|" + kChecked);
-}
-
-TEST_F(KihonWorkerTest, UploadSendsNothingWithoutARowOrACodeAndARefusalLeavesTheStamp) {
-    LogIn();
-    server_->On("customer/setCompKihon.php", Envelope(-1, "T2"));
     cCustKihon k;
     EXPECT_EQ(k.SyncUploadNormal(db_, 7), 0);
     InsertRow();
@@ -173,9 +161,15 @@ TEST_F(KihonWorkerTest, UploadSendsNothingWithoutARowOrACodeAndARefusalLeavesThe
     EXPECT_EQ(k.SyncUploadNormal(db_, 7), 0);
     EXPECT_TRUE(server_->Requests().empty());
     EXPECT_TRUE(kit_->Boxes().empty());
-    Exec("UPDATE tCustomer SET Code = 'C7'");
+
+    Sql(db_, data_["to send"]);
+    ASSERT_EQ(k.SyncUploadNormal(db_, 7), 1);
+    EXPECT_EQ(server_->BodiesTo("customer/setCompKihon.php"),
+              std::vector<std::string>{data_.Joined("upload")});
+    EXPECT_EQ(Column("InetCheckDate, RecordUpdate"), kNow + "|" + kChecked);
+    Exec("UPDATE tCustomer SET InetCheckDate = '2024-05-01 09:00:00'");
+    server_->On("customer/setCompKihon.php", Envelope(-1, "T3"));
     EXPECT_EQ(k.SyncUploadNormal(db_, 7), 0);
-    EXPECT_EQ(server_->RequestsTo("customer/setCompKihon.php").size(), 1u);
     EXPECT_EQ(Column("InetCheckDate"), kChecked);
 }
 
