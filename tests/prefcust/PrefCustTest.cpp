@@ -212,15 +212,11 @@ TEST_F(KikaiIchiranTest, UploadSendsTheMainRowThenTheMachinesByPositionInTheirKe
 // Which list each data file selects, the machines' order and DISABLEDALL are e2e
 // PrefectureFormsTest's; nothing goes for machines without a main row, a freed main row or a
 // number beyond 16 bits.
-TEST_F(KikaiIchiranTest, NothingIsSentWithoutALiveMainRowOfTheDataFile) {
+TEST_F(KikaiIchiranTest, UploadStopsAtARefusedMachineOrMainRowAndNeedsALiveMainRow) {
     ctrlMorvane& obj = LoggedIn();
     for (const auto& [custId, dataId] : {std::pair{7, 6.0}, {7, 8.0}, {32768, 5.0}})
         EXPECT_EQ(obj.SyncUploadP99KikaiIchiran(db_, custId, dataId, true), 0) << dataId;
     EXPECT_TRUE(server_->Requests().empty());
-}
-
-TEST_F(KikaiIchiranTest, UploadStopsAtARefusedMachineWithTheMainRowStamped) {
-    ctrlMorvane& obj = LoggedIn();
     server_->On(kSetKikaiMain, Envelope(1, "T2"));
     server_->OnSequence(kSetKikaiSub, {Envelope(-1, "T3"), Envelope(1, "T4")});
     EXPECT_EQ(obj.SyncUploadP99KikaiIchiran(db_, 7, 5, true), 0);

@@ -26,7 +26,8 @@ std::string Person(int id, const std::map<std::string, std::string>& changed = {
 
 using ShokuinListTest = RecordDbTest;
 
-TEST_F(ShokuinListTest, EitherTagOfASharedFlagKeepsThePersonAndTheSenninTextsArePadded) {
+// A download then agrees; readings compare wide, and the same people in another order differ.
+TEST_F(ShokuinListTest, EitherTagOfASharedFlagKeepsThePersonSenninTextsArePaddedReadingsWide) {
     cCustKihon k;
     // Both tags of a pair missing, or an unshared tag missing: the person is dropped.
     EXPECT_FALSE(
@@ -46,11 +47,8 @@ TEST_F(ShokuinListTest, EitherTagOfASharedFlagKeepsThePersonAndTheSenninTextsAre
     // The second trade of SenninGyosyuN, Jokin of both, the first trade code.
     EXPECT_EQ((std::vector<int>{p.SenninGyosyuN()[1], p.Jokin, q.Jokin, p.GyoshuCode[0]}),
               (std::vector<int>{2, 1, 0, 12}));
-}
 
-TEST_F(ShokuinListTest, DownloadThenCompareAgreesAndReadingsCompareWide) {
     Sql(db_, Seed("shokuin rows"));
-    cCustKihon k;
     ASSERT_TRUE(
         k.ReadXMLShokuin(ListReply("Shokuin", {Person(10), Person(11, {{"Jokin", "非常勤"}})})));
     ASSERT_EQ(k.SyncDownloadShokuin(db_, 7), 1);
@@ -83,7 +81,8 @@ std::string Office(int id, const std::map<std::string, std::string>& changed = {
 
 using EigyoshoListTest = RecordDbTest;
 
-TEST_F(EigyoshoListTest, ReaderTakesAnyNumberButZeroAsAMarkAndSplitsTheTrades) {
+// The download rewrites its own rows, numbers ahead of position, and frees the surplus.
+TEST_F(EigyoshoListTest, AnyNumberButZeroReadsAsAMarkYetCountsInTheComparisonOnlyAsOne) {
     std::string forty;
     for (int i = 1; i <= 40; ++i) forty += (i > 1 ? "\t" : "") + std::to_string(i);
     cCustKihon k;
@@ -105,11 +104,8 @@ TEST_F(EigyoshoListTest, ReaderTakesAnyNumberButZeroAsAMarkAndSplitsTheTrades) {
         Document("<Customer><CustomerID>7</CustomerID><EigyoshoList><EigyoshoCount>1"
                  "</EigyoshoCount>" +
                  Office(1) + "</EigyoshoList></Customer>")));
-}
 
-TEST_F(EigyoshoListTest, DownloadRewritesOwnRowsNumberAheadOfPositionAndAMarkCountsOnlyAsOne) {
     Sql(db_, Seed("eigyosho rows"));
-    cCustKihon k;
     ASSERT_TRUE(k.ReadXMLEigyosho(ListReply("Eigyosho", {Office(10), Office(11), Office(12)})));
     ASSERT_EQ(k.SyncDownloadEigyosho(db_, 7), 1);
     EXPECT_EQ(Rows(db_,
@@ -139,7 +135,7 @@ TEST_F(EigyoshoListTest, DownloadRewritesOwnRowsNumberAheadOfPositionAndAMarkCou
 
 using MemoListTest = RecordDbTest;
 
-TEST_F(MemoListTest, OtherTextsAreOptionalButEveryFlaggedTagIsNot) {
+TEST_F(MemoListTest, OtherTextsAreOptionalButEveryFlaggedTagIsNotAndAnyFreeRowIsTaken) {
     cCustKihon k;
     ASSERT_TRUE(
         k.ReadXMLMemo(ListReply("Memo", {MemoItem(1, {}, {"other1", "other3"}), MemoItem(2)})));
@@ -156,11 +152,9 @@ TEST_F(MemoListTest, OtherTextsAreOptionalButEveryFlaggedTagIsNot) {
         "<MemoList><MemoCount>1</MemoCount>" +
         MemoItem(1) + "</MemoList></Customer>")));
     EXPECT_EQ(k.RecordUpdate(), "2024/05/02 10:00:00");
-}
 
-TEST_F(MemoListTest, DownloadTakesAnyFreeRowAndWritesNonDatesAsNull) {
+    // A download takes any free row and writes a non-date as Null.
     Sql(db_, Seed("memo rows"));
-    cCustKihon k;
     ASSERT_TRUE(k.ReadXMLMemo(
         ListReply("Memo", {MemoItem(10), MemoItem(11, {{"RegDate", "someday"}}), MemoItem(12)})));
     ASSERT_EQ(k.SyncDownloadMemo(db_, 7), 1);

@@ -102,14 +102,11 @@ inline std::string ListReply(const std::string& stem, const std::vector<std::str
 }
 
 // A memo item, its text "note <id>", with some tags changed or left out.
-inline std::string MemoItem(int id, const std::map<std::string, std::string>& changed = {},
+inline std::string MemoItem(int id, std::map<std::string, std::string> changed = {},
                             const std::set<std::string>& leftOut = {}) {
-    return ItemXml(
-        "MemoItem",
-        TagsOf("MemoItemID=" + std::to_string(id) + "|History=note " + std::to_string(id) +
-               "|RegDate=2024/04/01 10:00:00|UpdateDate=2024/04/02 11:30:15|"
-               "other1=a|other2=b|other3=c"),
-        changed, leftOut);
+    changed.insert({{"MemoItemID", std::to_string(id)}, {"History", "note " + std::to_string(id)}});
+    return ItemXml("MemoItem", TagsOf(Golden("record/test-util.txt").Joined("memo")), changed,
+                   leftOut);
 }
 
 class FixedClock final : public platform::Clock {
