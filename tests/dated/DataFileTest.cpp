@@ -37,13 +37,17 @@ class DataFileTest : public MorvaneTest {
 protected:
     void SetUp() override {
         MorvaneTest::SetUp();
+        tmp_ = temp_.Path() / "tmp";
+        data_ = temp_.Path() / "data";
         fs::create_directories(tmp_);
         fs::create_directories(data_);
+        tmpDir_.emplace("TMPDIR", tmp_.string());
         m_ = std::make_unique<ctrlMorvane>();  // before the login, which it resets
         LogIn("T1");
     }
     void TearDown() override {
         m_.reset();
+        tmpDir_.reset();
         MorvaneTest::TearDown();
     }
 
@@ -84,9 +88,9 @@ protected:
                (left ? " | left over" : "");
     }
 
-    const fs::path tmp_ = temp_.Path() / "tmp", data_ = temp_.Path() / "data";
-    ScopedEnv tmpDir_{"TMPDIR", tmp_.string()};
     std::unique_ptr<ctrlMorvane> m_;
+    fs::path tmp_, data_;
+    std::optional<ScopedEnv> tmpDir_;
 };
 
 TEST_F(DataFileTest, ReadXmlNeedsTheCustomerAndOneItemOfAnyKind) {
