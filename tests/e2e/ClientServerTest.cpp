@@ -2,27 +2,14 @@
 // added and deleted, seen in the rosters that follow.
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <memory>
-
 #include "OfficeServerTest.h"
-#include "component/ctrlMorvane.h"
 #include "roster/cCustList.h"
-#include "session/mdlLogin.h"
 #include "state/ProcessState.h"
-#include "store/LocalDatabases.h"
-#include "store/StoreTestUtil.h"
-#include "transport/RequestBody.h"
-#include "transport/mdlServerConst.h"
-#include "transport/mdlServerReply.h"
 
 namespace morvane::test {
 namespace {
 
-class ClientServerTest : public OfficeServerTest {
-protected:
-    void SetUp() override { StartServer(); }
-};
+using ClientServerTest = OfficeServerTest;
 
 TEST_F(ClientServerTest,
        LoginTakesTheAccountRefusesWrongPasswordsAndItsTokenRotatesUntilItExpires) {

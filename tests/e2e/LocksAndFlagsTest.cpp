@@ -3,18 +3,8 @@
 // server's roster.
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <memory>
-#include <string>
-
 #include "OfficeServerTest.h"
-#include "component/ctrlMorvane.h"
-#include "session/mdlLogin.h"
 #include "state/ProcessState.h"
-#include "store/LocalDatabases.h"
-#include "transport/RequestBody.h"
-#include "transport/mdlServerConst.h"
-#include "transport/mdlServerReply.h"
 
 namespace morvane::test {
 namespace {
