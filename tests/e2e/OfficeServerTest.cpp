@@ -80,7 +80,9 @@ void OfficeServerTest::MoveAll(ctrlMorvane& office, const std::string& db,
     for (const CustomerKind& kind : kinds) {
         SCOPED_TRACE(kind.name);
         const std::int32_t before = up ? kind.beforeUpload : 1;
-        if (before >= 0) EXPECT_EQ((office.*kind.compare)(db, 2), before);
+        if (before >= 0) {
+            EXPECT_EQ((office.*kind.compare)(db, 2), before);
+        }
         EXPECT_EQ((office.*(up ? kind.upload : kind.download))(db, 2), 1);
         EXPECT_EQ((office.*kind.compare)(db, 2), 0);
     }
