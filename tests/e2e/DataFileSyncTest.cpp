@@ -50,10 +50,6 @@ TEST_F(DataFileSyncTest, OneOfficeSendsAFileAndTheOtherTakesItAndAgrees) {
         SendRequest(page::kGetKessanFileHash, cCustDataFile::FileBody(2, fileB.string()))));
     EXPECT_EQ(server.FileSize(), static_cast<std::int32_t>(bytes.size()));
     EXPECT_EQ(ModifiedStamp(fileB), DateValue::Parse(server.LastModified())->StampText());
-    // The file's own kind only: the same name is unknown among the permit files.
-    EXPECT_EQ(b.CompareCustomerKyokaFile(2, fileB.string()), 0);
-    EXPECT_EQ(b.SyncDownloadCustomerKyokaFile(2, fileB.string(), nullptr), 1);
-    EXPECT_EQ(ReadBytes(fileB), bytes);
     NoBoxes();
 }
 
