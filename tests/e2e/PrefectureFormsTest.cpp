@@ -67,7 +67,7 @@ TEST_F(PrefectureFormsTest, TheDelegationFormTravelsFromOneOfficeToTheOther) {
     EXPECT_EQ(Rows(dbA, std::string(kItemColumns)).size(), 2u);
 }
 
-TEST_F(PrefectureFormsTest, MachineryListsAreKeptPerDataFile) {
+TEST_F(PrefectureFormsTest, MachineryListsAreKeptPerDataFileAndAnEmptiedListEmptiesTheServers) {
     const std::string db = UseOffice("a");
     Sql(db, Golden("e2e/prefecture-forms.txt")["machinery lists"]);
     ctrlMorvane a;
@@ -79,6 +79,15 @@ TEST_F(PrefectureFormsTest, MachineryListsAreKeptPerDataFile) {
     EXPECT_EQ(ServerMachines(5, true), (std::vector<std::string>{"M1", "M&amp;2"}));
     EXPECT_EQ(ServerMachines(5, false), std::vector<std::string>{"Y1"});
     EXPECT_EQ(ServerMachines(2.5, true), std::vector<std::string>{"half"});
+
+    // A machine taken off the list, then the last one: the server follows each time.
+    Sql(db, "UPDATE t99_KIKAIICHIRAN_SUB SET disabled = 1 WHERE id = 2;");
+    ASSERT_EQ(a.SyncUploadP99KikaiIchiran(db, kCustomer, 5, true), 1);
+    EXPECT_EQ(ServerMachines(5, true), std::vector<std::string>{"M&amp;2"});
+    Sql(db, "UPDATE t99_KIKAIICHIRAN_SUB SET disabled = 1 WHERE id = 4;");
+    ASSERT_EQ(a.SyncUploadP99KikaiIchiran(db, kCustomer, 2.5, true), 1);
+    EXPECT_TRUE(ServerMachines(2.5, true).empty());
+    EXPECT_EQ(ServerMachines(5, false), std::vector<std::string>{"Y1"}) << "other lists stay";
     NoBoxes();
 }
 
