@@ -138,12 +138,13 @@ TEST(ProgressLine, KeepsTheBarOffTheStatusLines) {
 TEST(RunLog, AppendsOneLinePerWriteAndRotatesBetweenRuns) {
     test::TempDir dir;
     const fs::path file = dir.Path() / "state" / "sync-log.jsonl";
-    const RunEvent e{.customer = 7,
-                     .kind = "memos",
-                     .outcome = "uploaded",
-                     .tables = {"tCustomerHistory"},
-                     .rows = 2,
-                     .time = "2026-11-24T09:00:00"};
+    RunEvent e;
+    e.customer = 7;
+    e.kind = "memos";
+    e.outcome = "uploaded";
+    e.tables = {"tCustomerHistory"};
+    e.rows = 2;
+    e.time = "2026-11-24T09:00:00";
     for (int run = 0; run < 5; ++run) {
         RunLog log(file, 300, 2);
         for (int i = 0; i < 3; ++i) ASSERT_TRUE(log.Append(e, "/office/Customer.dat"));
