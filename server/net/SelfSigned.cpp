@@ -58,8 +58,8 @@ void WritePemFile(const std::filesystem::path& file, mode_t mode, const char* wh
 
 }  // namespace
 
-void MakeSelfSignedPair(const std::filesystem::path& certFile,
-                        const std::filesystem::path& keyFile) {
+void MakeSelfSignedPair(const std::filesystem::path& certFile, const std::filesystem::path& keyFile,
+                        const SelfSignedSubject& subject) {
     Owned<EVP_PKEY_CTX> kctx(EVP_PKEY_CTX_new_id(EVP_PKEY_EC, nullptr));
     if (!kctx || EVP_PKEY_keygen_init(kctx.get()) != 1 ||
         EVP_PKEY_CTX_set_ec_paramgen_curve_nid(kctx.get(), NID_X9_62_prime256v1) != 1)
@@ -75,20 +75,21 @@ void MakeSelfSignedPair(const std::filesystem::path& certFile,
     if (!serial || BN_rand(serial.get(), 64, BN_RAND_TOP_ANY, BN_RAND_BOTTOM_ANY) != 1 ||
         !BN_to_ASN1_INTEGER(serial.get(), X509_get_serialNumber(cert.get())))
         Fail("serial");
-    X509_gmtime_adj(X509_getm_notBefore(cert.get()), -3600);
-    X509_gmtime_adj(X509_getm_notAfter(cert.get()), 10L * 365 * 24 * 3600);
+    X509_gmtime_adj(X509_getm_notBefore(cert.get()), subject.validFromSeconds);
+    X509_gmtime_adj(X509_getm_notAfter(cert.get()), subject.validToSeconds);
     X509_set_pubkey(cert.get(), key.get());
     X509_NAME* name = X509_get_subject_name(cert.get());
     X509_NAME_add_entry_by_txt(name, "O", MBSTRING_ASC,
                                reinterpret_cast<const unsigned char*>("morvane-server"), -1, -1, 0);
     X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC,
-                               reinterpret_cast<const unsigned char*>("127.0.0.1"), -1, -1, 0);
+                               reinterpret_cast<const unsigned char*>(subject.commonName.c_str()),
+                               -1, -1, 0);
     X509_set_issuer_name(cert.get(), name);
     AddExtension(cert.get(), NID_basic_constraints, "critical,CA:TRUE");
     AddExtension(cert.get(), NID_key_usage, "critical,digitalSignature,keyCertSign");
     AddExtension(cert.get(), NID_ext_key_usage, "serverAuth");
     AddExtension(cert.get(), NID_subject_key_identifier, "hash");
-    AddExtension(cert.get(), NID_subject_alt_name, "IP:127.0.0.1,DNS:localhost");
+    AddExtension(cert.get(), NID_subject_alt_name, subject.altNames.c_str());
     if (X509_sign(cert.get(), key.get(), EVP_sha256()) == 0) Fail("sign");
 
     // The certificate goes first and comes back last: a pair cut short lacks its certificate

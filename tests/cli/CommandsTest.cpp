@@ -10,14 +10,12 @@
 #include <fstream>
 #include <sstream>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "InitDbCommand.h"
-#include "platform/Dao.h"
+#include "store/StoreTestUtil.h"
 #include "support/Golden.h"
 #include "support/TempDir.h"
-#include "util/Nz.h"
 #include "util/Text.h"
 
 namespace morvane::cli {
@@ -31,16 +29,10 @@ TEST(InitDb, CreatesTheThreeFilesAndNeverOverwritesThem) {
     ASSERT_EQ(RunInitDb(dir.Path() / "db", 2, out, err), 0) << err.str();
     for (const char* name : {"Customer.dat", "Master.dat", "prefcustom.dat"})
         EXPECT_GT(fs::file_size(dir.Path() / "db" / name), 0u) << name;
-    {
-        // A new office has never agreed anything with a server.
-        dao::Workspace ws("", "");
-        auto rs = ws.OpenDatabase((dir.Path() / "db" / "Customer.dat").string())
-                      .OpenRecordset(
-                          "SELECT SUM(disabled = 0) AS live, COUNT(InetCheckDate) "
-                          "AS agreed FROM tCustomer");
-        EXPECT_EQ(NzLong((*rs)["live"]), 2);
-        EXPECT_EQ(NzLong((*rs)["agreed"]), 0);
-    }
+    // Two live customers; a new office has never agreed anything with a server.
+    EXPECT_EQ(test::Rows(dir.Path() / "db" / "Customer.dat",
+                         "SELECT SUM(disabled = 0), COUNT(InetCheckDate) FROM tCustomer"),
+              std::vector<std::string>{"2|0"});
     const auto size = fs::file_size(dir.Path() / "db" / "Customer.dat");
     EXPECT_EQ(RunInitDb(dir.Path() / "db", 0, out, err), 1);
     EXPECT_EQ(fs::file_size(dir.Path() / "db" / "Customer.dat"), size);

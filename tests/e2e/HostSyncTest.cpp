@@ -1,28 +1,152 @@
-// Whole runs of the host's synchronisation against the reference server: a dry run that
-// leaves every byte where it was, offices whose clocks disagree with the server's, and an
+// Whole runs of the host's synchronisation against the reference server, offices each with
+// their own databases, settings and journal, logged in with a saved password and synchronised
+// as `morvane sync` does, under one clock that the test moves with the server's: a dry run
+// that leaves every byte where it was, offices whose clocks disagree with the server's, and an
 // edit made within a minute of the other office's download.
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <map>
+#include <sstream>
 
-#include "HostOfficesTest.h"
-#include "store/StoreTestUtil.h"
+#include "LoginCommands.h"
+#include "OfficeServerTest.h"
+#include "SyncCommand.h"
+#include "platform/Checksum.h"
+#include "platform/Clock.h"
+#include "platform/Dao.h"
+#include "state/ProcessState.h"
 #include "support/FileBytes.h"
 
 namespace morvane::test {
 namespace {
 
+namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 using cli::Prefer;
 using cli::SyncSummary;
 
 int Moves(const SyncSummary& s) { return s.downloads + s.uploads; }
 
-class HostSyncTest : public HostOfficesTest {
+class ShiftedClock final : public platform::Clock {
+public:
+    DateValue Now() const override {
+        return DateValue(platform::SystemClock().Now().Days() + shift_.count() / 86400.0);
+    }
+    void Advance(std::chrono::seconds by) { shift_ += by; }
+
+private:
+    std::chrono::seconds shift_{0};
+};
+
+// Generated customers never synchronised, with trade grids and data files.
+SampleDataOptions Generated(std::int32_t customers) {
+    return {.customers = customers, .neverSynced = true, .tradeGrid = true, .dataFiles = true};
+}
+
+// A fresh host's databases: its sample customer alone.
+SampleDataOptions FreshHost() {
+    SampleDataOptions data = Generated(0);
+    data.hostSampleCustomer = true;
+    return data;
+}
+
+class HostSyncTest : public OfficeServerTest {
 protected:
-    void SetUp() override {
-        HostOfficesTest::SetUp();
-        StartServer();
+    // The customer database of an office ("a" logs in as u1, "b" as u2), under its folder.
+    fs::path Db(const std::string& name) const {
+        return temp_.Path() / name / "data" / kCustomerDatabaseName;
+    }
+    fs::path Folder(const std::string& name) const { return temp_.Path() / name; }
+    void MakeOffice(const std::string& name, const SampleDataOptions& data) {
+        CreateLocalDatabases(Db(name).parent_path(), data);
+    }
+    // The office's login, its password saved; true when logged in.
+    bool Login(const std::string& name) {
+        UseOffice(name);
+        State().SetClock(localClock_);
+        const bool first = name == "a";
+        std::ostringstream out;
+        return cli::RunLogin({server_->ServerName(), kContract, first ? "u1" : "u2",
+                              first ? "secret-1" : "secret-2", /*savePassword=*/true},
+                             out) == 1;
+    }
+    // A run of the office as a new process of the host runs it; its output in `out_`.
+    SyncSummary Sync(const std::string& name, Prefer prefer = Prefer::Skip, bool dryRun = false,
+                     const fs::path& journal = {}) {
+        UseOffice(name);
+        State().SetClock(localClock_);
+        std::ostringstream out;
+        SyncSummary summary = cli::SyncLocal(
+            {.localDb = Db(name).string(), .prefer = prefer, .dryRun = dryRun, .journal = journal},
+            out, out);
+        cli::PrintSummary(summary, out);
+        out_ = out.str();
+        return summary;
+    }
+    // The last run's output holds the text.
+    void ExpectTold(const std::string& text) const {
+        EXPECT_NE(out_.find(text), std::string::npos) << out_;
+    }
+    // Logged in, and nothing failed or was left unresolved.
+    void ExpectClean(const SyncSummary& summary) const {
+        EXPECT_TRUE(summary.loggedIn) << out_;
+        EXPECT_EQ(summary.failures, 0) << out_;
+        EXPECT_EQ(summary.conflicts, 0) << out_;
+    }
+    // The office made, logged in, and its first run clean.
+    void FirstSync(const std::string& name, const SampleDataOptions& data) {
+        MakeOffice(name, data);
+        ASSERT_TRUE(Login(name));
+        ExpectClean(Sync(name));
+    }
+    // Office a's customers sent up, and office b, fresh, taking them two minutes later.
+    void BothOfficesHold(std::int32_t customers) {
+        FirstSync("a", Generated(customers));
+        Advance(2min);
+        FirstSync("b", FreshHost());
+    }
+    // The server's clock and the offices' move on together.
+    void Advance(std::chrono::seconds by) {
+        clock_->Advance(by);
+        localClock_->Advance(by);
+    }
+    // Sets the text of a customer's live memos, stamped now by the office's clock.
+    void EditMemos(const std::string& name, std::int32_t custId, const std::string& text) {
+        dao::Workspace ws("", "");
+        ws.OpenDatabase(Db(name).string())
+            .Execute("UPDATE tCustomerHistory SET History = '" + text + "', RecordUpdate = #" +
+                     localClock_->Now().Text() +
+                     "# WHERE disabled = 0 AND CustomerID = " + std::to_string(custId));
+    }
+    std::vector<std::string> Memos(const std::string& name, std::int32_t custId) {
+        auto memos = Rows(Db(name),
+                          "SELECT History FROM tCustomerHistory WHERE disabled = 0 AND "
+                          "CustomerID = " +
+                              std::to_string(custId) + " ORDER BY id");
+        for (std::string& memo : memos)
+            if (memo == "<null>") memo.clear();  // a download writes an empty memo as ""
+        return memos;
+    }
+    // Every file under the folders by its path, with a digest of its bytes; the login token
+    // the server rotates with every reply is left out of the settings.
+    static std::map<std::string, std::string> Fingerprint(const std::vector<fs::path>& folders) {
+        std::map<std::string, std::string> prints;
+        for (const fs::path& folder : folders)
+            for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+                // The run file holds the token alone, which every reply changes.
+                if (!entry.is_regular_file() || entry.path().extension() == ".run") continue;
+                std::string bytes = ReadBytes(entry.path());
+                if (entry.path().extension() == ".conf") {
+                    std::istringstream lines(bytes);
+                    bytes.clear();
+                    for (std::string line; std::getline(lines, line);)
+                        if (line.rfind("Param2=", 0) != 0) bytes += line + '\n';
+                }
+                const auto digest = platform::Sha256(bytes);
+                prints[entry.path().string()] = std::string(digest.begin(), digest.end());
+            }
+        return prints;
     }
     // Office a's two customers taken up to the server.
     void ServerHoldsOfficeA() {
@@ -36,14 +160,16 @@ protected:
     // office and of the server as it was while finding something to do.
     void DryRunChangesNothing(const std::string& office) {
         ASSERT_TRUE(Login(office));
-        UseOffice(office);
-        const std::vector<std::filesystem::path> watched{Folder(office), temp_.Path() / "server"};
+        const std::vector<fs::path> watched{Folder(office), temp_.Path() / "server"};
         const auto before = Fingerprint(watched);
         const SyncSummary dry = Sync(office, Prefer::Server, true);
         EXPECT_EQ(dry.failures, 0) << out_;
         EXPECT_GT(dry.planned + dry.tablesDiffering, 0) << "the run found nothing to do\n" << out_;
         EXPECT_EQ(Fingerprint(watched), before) << out_;
     }
+
+    std::string out_;
+    std::shared_ptr<ShiftedClock> localClock_ = std::make_shared<ShiftedClock>();
 };
 
 TEST_F(HostSyncTest, ADryRunWritesNothingLocallyOrOnTheServer) {
@@ -66,8 +192,7 @@ TEST_F(HostSyncTest, AnEditWithinAMinuteOfTheOtherOfficesDownloadIsNeverOverwrit
     // A few seconds later a sends an edit; then b edits the same memos.
     Advance(5s);
     EditMemos("a", 1, "edited by a");
-    const SyncSummary up = Sync("a");
-    ExpectClean(up);
+    ExpectClean(Sync("a"));
     ExpectTold("customer 1 memos: uploaded");
     Advance(2min);
     EditMemos("b", 1, "edited by b");
@@ -140,12 +265,9 @@ TEST_F(HostSyncTest, ADelegationDownloadCutBetweenItsTwoCommitsIsTakenUpAgain) {
 }
 
 // The server's clock off the offices' by the parameter, in seconds.
-class ClockSkewTest : public HostOfficesTest, public ::testing::WithParamInterface<long> {
+class ClockSkewTest : public HostSyncTest, public ::testing::WithParamInterface<long> {
 protected:
-    void SetUp() override {
-        HostOfficesTest::SetUp();
-        StartServer(50, std::chrono::seconds(GetParam()));
-    }
+    void SetUp() override { StartServer(50, std::chrono::seconds(GetParam())); }
 };
 
 TEST_P(ClockSkewTest, ASecondSyncMovesNothingAndAnEditOnEitherSideIsFound) {
@@ -197,7 +319,7 @@ TEST_F(HostSyncTest, UnchangedCustomersAreNotWalkedYetAnEditOnEitherSideIsStillF
             Rows(Db(office),
                  "SELECT DataFile FROM tCustomerKessanHistory WHERE disabled = 0 AND "
                  "CustomerID = 1 AND DataFile <> '' ORDER BY id");
-        return files.empty() ? std::filesystem::path() : Db(office).parent_path() / files[0];
+        return files.empty() ? fs::path() : Db(office).parent_path() / files[0];
     };
     struct Change {
         const char* what;

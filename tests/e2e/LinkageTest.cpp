@@ -3,19 +3,8 @@
 // customer code sent alone.
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <string>
-#include <vector>
-
 #include "OfficeServerTest.h"
-#include "component/ctrlMorvane.h"
 #include "platform/Dao.h"
-#include "session/mdlLogin.h"
-#include "store/LocalDatabases.h"
-#include "store/StoreTestUtil.h"
-#include "transport/RequestBody.h"
-#include "transport/mdlServerConst.h"
-#include "transport/mdlServerReply.h"
 
 namespace morvane::test {
 namespace {
@@ -32,8 +21,6 @@ constexpr const char* kOld = "2024-01-01 00:00:00";
 
 class LinkageTest : public OfficeServerTest {
 protected:
-    void SetUp() override { StartServer(); }
-
     // Back-dates every row of the four kinds, so that any row a step writes shows.
     static void BackDate(const std::string& db) {
         std::string sql;
@@ -109,7 +96,8 @@ TEST_F(LinkageTest, AnUploadStopsAtTheFirstKindThatFails) {
     // No staff: the staff upload fails without sending, so the offices never go.
     dao::RunScript(dbA, "DELETE FROM tCustomerMeibo WHERE CustomerID = 2;");
     ctrlMorvane a;
-    LogInAndCreate("u1", "secret-1", 2, "C00002");
+    ASSERT_TRUE(DoLogin("u1", "secret-1", kContract));
+    CreateCustomer(2);
     EXPECT_EQ(a.SyncUploadCustomerRendoInfo(dbA, 2), 0);
     EXPECT_NE(ServerPage(page::kGetCompKihon).find("<CorpName0>モルヴェイン建設2株式会社<"),
               std::string::npos);
@@ -122,7 +110,8 @@ TEST_F(LinkageTest, TheCodeTravelsAloneAndAnEmptyCodeNotAtAll) {
     // Office A with three sample customers, each with its whole trade grid.
     const std::string dbA = UseOfficeDb("a", {.customers = 3, .tradeGrid = true});
     ctrlMorvane a;
-    LogInAndCreate("u1", "secret-1", 2, "C00002");
+    ASSERT_TRUE(DoLogin("u1", "secret-1", kContract));
+    CreateCustomer(2);
     ASSERT_EQ(a.SyncUploadCustomerKihonNormal(dbA, 2), 1);
     const std::string agreed = One(dbA, "SELECT InetCheckDate FROM tCustomer WHERE id = 2");
 

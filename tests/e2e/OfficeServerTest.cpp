@@ -1,15 +1,9 @@
 #include "OfficeServerTest.h"
 
-#include "component/ctrlMorvane.h"
 #include "platform/Dao.h"
-#include "session/mdlLogin.h"
 #include "state/ProcessState.h"
 #include "state/mdlRegConstMorvane.h"
 #include "state/mdlRegControlMorvane.h"
-#include "store/LocalDatabases.h"
-#include "transport/RequestBody.h"
-#include "transport/mdlServerConst.h"
-#include "transport/mdlServerReply.h"
 
 namespace morvane::test {
 
@@ -54,18 +48,6 @@ std::string OfficeServerTest::UseOfficeDb(const std::string& name, const SampleD
     return CreateLocalDatabases(temp_.Path() / name / "db", data).customer.string();
 }
 
-std::string OfficeServerTest::UseOfficeDb(const std::string& name) {
-    return UseOfficeDb(name, SampleDataOptions{});
-}
-
-void OfficeServerTest::LogInAndCreate(const std::string& user, const std::string& password,
-                                      std::int32_t custId, const std::string& code) {
-    ASSERT_TRUE(DoLogin(user, password, kContract));
-    std::string create = LowerCustomerBody(custId);
-    AppendField(create, "Code", code);
-    ASSERT_NE(SendRequest(page::kCreateCompKihon, create), "");
-}
-
 void OfficeServerTest::CreateCustomer(std::int32_t custId) {
     std::string body = LowerCustomerBody(custId);
     AppendField(body, "Code", "C" + std::to_string(custId));
@@ -81,37 +63,28 @@ std::pair<std::string, std::string> OfficeServerTest::RoundTrip(
     const std::string dbA = UseOfficeDb("a", data);
     if (!script.empty()) dao::RunScript(dbA, script);
     ctrlMorvane a;  // a new object resets the login: it comes first
-    LogInAndCreate("u1", "secret-1", 2, "C2");
-    SendAll(a, dbA, 2, kinds);
+    EXPECT_TRUE(DoLogin("u1", "secret-1", kContract));
+    CreateCustomer(2);
+    MoveAll(a, dbA, kinds, true);
 
     const std::string dbB = UseOfficeDb("b");
     ctrlMorvane b;
     EXPECT_TRUE(DoLogin("u2", "secret-2", kContract));
     EXPECT_EQ(b.SyncDownloadCustomerList(dbB), 1);
-    TakeAll(b, dbB, 2, kinds);
+    MoveAll(b, dbB, kinds, false);
     return {dbA, dbB};
 }
 
-void OfficeServerTest::SendAll(ctrlMorvane& office, const std::string& db, std::int32_t custId,
-                               const std::vector<CustomerKind>& kinds) {
+void OfficeServerTest::MoveAll(ctrlMorvane& office, const std::string& db,
+                               const std::vector<CustomerKind>& kinds, bool up) {
     for (const CustomerKind& kind : kinds) {
         SCOPED_TRACE(kind.name);
-        if (kind.beforeUpload >= 0) {
-            EXPECT_EQ((office.*kind.compare)(db, custId), kind.beforeUpload);
+        const std::int32_t before = up ? kind.beforeUpload : 1;
+        if (before >= 0) {
+            EXPECT_EQ((office.*kind.compare)(db, 2), before);
         }
-        EXPECT_EQ((office.*kind.upload)(db, custId), 1);
-        EXPECT_EQ((office.*kind.compare)(db, custId), 0);
-    }
-    NoBoxes();
-}
-
-void OfficeServerTest::TakeAll(ctrlMorvane& office, const std::string& db, std::int32_t custId,
-                               const std::vector<CustomerKind>& kinds) {
-    for (const CustomerKind& kind : kinds) {
-        SCOPED_TRACE(kind.name);
-        EXPECT_EQ((office.*kind.compare)(db, custId), 1);
-        EXPECT_EQ((office.*kind.download)(db, custId), 1);
-        EXPECT_EQ((office.*kind.compare)(db, custId), 0);
+        EXPECT_EQ((office.*(up ? kind.upload : kind.download))(db, 2), 1);
+        EXPECT_EQ((office.*kind.compare)(db, 2), 0);
     }
     NoBoxes();
 }

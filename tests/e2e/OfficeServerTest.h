@@ -11,16 +11,18 @@
 #include <utility>
 #include <vector>
 
+#include "component/ctrlMorvane.h"
 #include "server/MorvaneServer.h"
 #include "server/core/Clock.h"
+#include "session/mdlLogin.h"
+#include "store/LocalDatabases.h"
+#include "store/StoreTestUtil.h"
 #include "support/ScopedEnv.h"
 #include "support/ScriptedToolkit.h"
 #include "support/TempDir.h"
-
-namespace morvane {
-class ctrlMorvane;
-struct SampleDataOptions;
-}  // namespace morvane
+#include "transport/RequestBody.h"
+#include "transport/mdlServerConst.h"
+#include "transport/mdlServerReply.h"
 
 namespace morvane::test {
 
@@ -42,17 +44,14 @@ protected:
     // until the test moves `clock_`, which starts `clockOffset` off the system's.
     void StartServer(std::int32_t maxCustomer = 50,
                      std::chrono::seconds clockOffset = std::chrono::seconds(0));
+    void SetUp() override { StartServer(); }
     void TearDown() override;
     // The process as one office of the host sees it: a fresh login state, the office's
     // settings under the work folder, the server's name, contract and certificate.
     void UseOffice(const std::string& name);
     // The same with the office's own local databases; gives the customer database's path.
-    std::string UseOfficeDb(const std::string& name, const SampleDataOptions& data);
-    std::string UseOfficeDb(const std::string& name);
+    std::string UseOfficeDb(const std::string& name, const SampleDataOptions& data = {});
 
-    // Logs the office's user in and creates the customer on the server under the code.
-    void LogInAndCreate(const std::string& user, const std::string& password, std::int32_t custId,
-                        const std::string& code);
     // Creates the customer on the server as the roster's addition does, coded "C<id>".
     static void CreateCustomer(std::int32_t custId);
     // Office A ("a", user u1) with the sample data and the script run on its customer database
@@ -61,12 +60,10 @@ protected:
     std::pair<std::string, std::string> RoundTrip(const std::vector<CustomerKind>& kinds,
                                                   const std::string& script,
                                                   const SampleDataOptions& data);
-    // The office sends each kind, and then agrees with the server on it.
-    void SendAll(ctrlMorvane& office, const std::string& db, std::int32_t custId,
-                 const std::vector<CustomerKind>& kinds);
-    // The office finds each kind newer on the server, takes it, and then agrees.
-    void TakeAll(ctrlMorvane& office, const std::string& db, std::int32_t custId,
-                 const std::vector<CustomerKind>& kinds);
+    // The office sends (or takes, finding the server newer) each kind of customer 2, and then
+    // agrees with the server on it.
+    void MoveAll(ctrlMorvane& office, const std::string& db, const std::vector<CustomerKind>& kinds,
+                 bool up);
     // Every message box shown so far fails the test.
     void NoBoxes();
 

@@ -3,18 +3,8 @@
 // server under its own data file.
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 #include "OfficeServerTest.h"
-#include "component/ctrlMorvane.h"
-#include "session/mdlLogin.h"
-#include "store/LocalDatabases.h"
-#include "store/StoreTestUtil.h"
 #include "support/Golden.h"
-#include "transport/RequestBody.h"
-#include "transport/mdlServerConst.h"
-#include "transport/mdlServerReply.h"
 #include "util/Value.h"
 
 namespace morvane::test {
@@ -24,8 +14,6 @@ constexpr std::int32_t kCustomer = 4;
 
 class PrefectureFormsTest : public OfficeServerTest {
 protected:
-    void SetUp() override { StartServer(); }
-
     // The office's prefcustom.dat.
     std::string UseOffice(const std::string& name) {
         return (std::filesystem::path(UseOfficeDb(name)).parent_path() / kPrefCustomDatabaseName)

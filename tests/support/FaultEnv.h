@@ -31,7 +31,6 @@ public:
     // Everything works again.
     void Heal();
 
-    std::uint64_t Writes() const { return writes_; }
     std::uint64_t Exchanges() const { return exchanges_; }
 
     platform::HttpReply Exchange(const platform::HttpRequest& request,

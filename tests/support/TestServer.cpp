@@ -1,10 +1,6 @@
 #include "support/TestServer.h"
 
 #include <httplib.h>
-#include <openssl/evp.h>
-#include <openssl/pem.h>
-#include <openssl/x509.h>
-#include <openssl/x509v3.h>
 
 #include <algorithm>
 #include <atomic>
@@ -25,59 +21,15 @@ struct Certificate {
     std::string keyFile;
 };
 
-template <class T, void (*Free)(T*)>
-struct Deleter {
-    void operator()(T* p) const { Free(p); }
-};
-using KeyPtr = std::unique_ptr<EVP_PKEY, Deleter<EVP_PKEY, EVP_PKEY_free>>;
-using CertPtr = std::unique_ptr<X509, Deleter<X509, X509_free>>;
-using ExtPtr = std::unique_ptr<X509_EXTENSION, Deleter<X509_EXTENSION, X509_EXTENSION_free>>;
-
-void WritePem(const std::string& path, const std::function<int(FILE*)>& write) {
-    FILE* f = std::fopen(path.c_str(), "wb");
-    if (!f) throw std::runtime_error("cannot write " + path);
-    const int ok = write(f);
-    std::fclose(f);
-    if (!ok) throw std::runtime_error("cannot write PEM " + path);
-}
-
-// A self-signed certificate with the names and validity the test asks for.
 std::shared_ptr<const Certificate> MakeCertificate(const CertificateOptions& options) {
     auto made = std::make_shared<Certificate>();
-    Certificate& c = *made;
-    KeyPtr key(EVP_RSA_gen(2048));
-    CertPtr x509(X509_new());
-    if (!key || !x509) throw std::runtime_error("OpenSSL allocation failed");
-    X509_set_version(x509.get(), 2);
-    ASN1_INTEGER_set(X509_get_serialNumber(x509.get()), 1);
-    X509_gmtime_adj(X509_getm_notBefore(x509.get()), options.validFromSeconds);
-    X509_gmtime_adj(X509_getm_notAfter(x509.get()), options.validToSeconds);
-    X509_set_pubkey(x509.get(), key.get());
-    X509_NAME* name = X509_get_subject_name(x509.get());
-    X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC,
-                               reinterpret_cast<const unsigned char*>("morvane test"), -1, -1, 0);
-    X509_set_issuer_name(x509.get(), name);
-    X509V3_CTX ctx;
-    X509V3_set_ctx_nodb(&ctx);
-    X509V3_set_ctx(&ctx, x509.get(), x509.get(), nullptr, nullptr, 0);
-    for (const auto& [nid, value] : {std::pair{NID_subject_alt_name, options.altNames.c_str()},
-                                     std::pair{NID_basic_constraints, "critical,CA:TRUE"}}) {
-        ExtPtr ext(X509V3_EXT_conf_nid(nullptr, &ctx, nid, value));
-        if (!ext) throw std::runtime_error("OpenSSL extension failed");
-        X509_add_ext(x509.get(), ext.get(), -1);
-    }
-    if (!X509_sign(x509.get(), key.get(), EVP_sha256()))
-        throw std::runtime_error("OpenSSL signing failed");
-    c.certFile = (c.dir.Path() / "cert.pem").string();
-    c.keyFile = (c.dir.Path() / "key.pem").string();
-    WritePem(c.certFile, [&](FILE* f) { return PEM_write_X509(f, x509.get()); });
-    WritePem(c.keyFile, [&](FILE* f) {
-        return PEM_write_PrivateKey(f, key.get(), nullptr, nullptr, 0, nullptr, nullptr);
-    });
+    made->certFile = (made->dir.Path() / "cert.pem").string();
+    made->keyFile = (made->dir.Path() / "key.pem").string();
+    server::MakeSelfSignedPair(made->certFile, made->keyFile, options);
     return made;
 }
 
-// The usual certificate, made once per test program: RSA keys take a while.
+// The usual certificate, made once per test program.
 std::shared_ptr<const Certificate> SharedCertificate() {
     static const std::shared_ptr<const Certificate> cert = MakeCertificate({});
     return cert;

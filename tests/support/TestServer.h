@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "server/net/SelfSigned.h"
+
 namespace morvane::test {
 
 struct RecordedRequest {
@@ -36,11 +38,7 @@ struct PageReply {
 
 // The certificate a server shows, made for it alone; without one it shows a shared one for
 // 127.0.0.1 and localhost, valid now.
-struct CertificateOptions {
-    std::string altNames = "IP:127.0.0.1,DNS:localhost";
-    long validFromSeconds = -3600;  // from now
-    long validToSeconds = 7L * 24 * 3600;
-};
+using CertificateOptions = server::SelfSignedSubject;
 
 class TestServer {
 public:
