@@ -68,7 +68,7 @@ TEST_F(KyokaTest, HiddenRowsKeepTheirPlaceCountAndAreNotSent) {
         (std::vector<std::string>{data_.Joined("permit upload"), data_.Joined("permit upload 2")}));
 }
 
-TEST_F(KyokaTest, DatesCompareByTheDayAndAHiddenServerItemDiffers) {
+TEST_F(KyokaTest, DatesCompareByTheDayAndAHiddenRowOnEitherSideDiffers) {
     ASSERT_EQ(Permits({KyokaItem(10)}, "2024/05/01 10:00:00").SyncDownload(db_, 7), 1);
     At(10);
     const std::string later = "2024/06/01 09:30:00";
@@ -84,6 +84,11 @@ TEST_F(KyokaTest, DatesCompareByTheDayAndAHiddenServerItemDiffers) {
               1);
     EXPECT_EQ(Permits({KyokaItem(10, {{"Ver511HideFlag", "1"}})}, latest).CompareLocalDB(db_, 7),
               1);
+    // A hidden local row is walked past but counted: the lists differ.
+    Sql(db_,
+        "INSERT INTO tCustomerKyokaHistory (id, CustomerID, disabled, Ver511HideFlag) "
+        "VALUES (9, 7, 0, 1);");
+    EXPECT_EQ(Permits({KyokaItem(10)}, latest).CompareLocalDB(db_, 7), 1);
 }
 
 TEST_F(OtherTest, DownloadWritesNoPositionAndTheDatesCompareToTheSecond) {
