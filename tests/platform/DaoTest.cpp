@@ -77,37 +77,24 @@ TEST_F(DaoTest, MissingBrokenAndFolderPathsAreNumberedErrors) {
     EXPECT_EQ(ErrorNumber([&] { rs->AddNew(); }), dao::daoerr::kReadOnly);
 }
 
-// An added row joins no traversal; the schema's default fills what was not written; the
-// aggregate of a date column reads as a date too; text that is no number is refused.
-TEST_F(DaoTest, WritesDatesNullsAndNumbersAndReadsThemBackTyped) {
+// An added row joins no traversal; the schema's default fills what was not written; text that
+// is no number is refused. Dates, Nulls and field names without case are held by the record,
+// dated and store tests.
+TEST_F(DaoTest, AddedRowsNumbersAndTextThatIsNoNumber) {
     dao::Workspace ws("Morvane", "admin");
     dao::Database& db = ws.OpenDatabase(Customer());
-    auto add = db.OpenRecordset("SELECT * FROM tCustomer WHERE id = 7");
-    add->AddNew();
-    for (const auto& [field, value] :
-         std::vector<std::pair<const char*, Value>>{{"id", Value(7)},
-                                                    {"Code", Value("A&B")},
-                                                    {"RecordUpdate", Value("2024/02/03 04:05:06")},
-                                                    {"InetCheckDate", Value::Null()},
-                                                    {"PmtCheck0", Value(" 12 ")},
-                                                    {"PmtCheck1", Value(2.5)}})
-        add->Fields(field).PutValue(value);
-    add->Update();
-    EXPECT_TRUE(add->Eof());
     auto rs = db.OpenRecordset("SELECT * FROM tCustomer WHERE id = 7");
+    rs->AddNew();
+    rs->Fields("id").PutValue(Value(7));
+    rs->Fields("PmtCheck0").PutValue(Value(" 12 "));
+    rs->Fields("PmtCheck1").PutValue(Value(2.5));
+    rs->Update();
+    EXPECT_TRUE(rs->Eof());
+    rs = db.OpenRecordset("SELECT PmtCheck0, PmtCheck1, disabled FROM tCustomer WHERE id = 7");
     ASSERT_FALSE(rs->Eof());
-    const Value stamp = rs->Fields("RecordUpdate").GetValue();
-    ASSERT_TRUE(stamp.IsDateValue());
-    EXPECT_EQ(stamp.AsDate().StampText(), "2024/02/03 04:05:06");
-    EXPECT_TRUE(rs->Fields("InetCheckDate").GetValue().IsNull());
-    EXPECT_EQ(rs->Fields("PmtCheck0").GetValue(), Value(12));
-    EXPECT_EQ(rs->Fields("pmtcheck1").GetValue(), Value(2.5));
-    EXPECT_EQ(rs->Fields("disabled").GetValue(), Value(0));
-    EXPECT_EQ(rs->Fields("Code").GetValue(), Value("A&B"));
-    EXPECT_TRUE(db.OpenRecordset("SELECT MAX(RecordUpdate) AS m FROM tCustomer")
-                    ->Fields("m")
-                    .GetValue()
-                    .IsDateValue());
+    EXPECT_EQ(NzString(rs->FieldAt(0).GetValue()) + "|" + NzString(rs->FieldAt(1).GetValue()) +
+                  "|" + NzString(rs->FieldAt(2).GetValue()),
+              "12|2.5|0");
     rs->Edit();
     rs->Fields("PmtCheck0").PutValue(Value("abc"));
     EXPECT_EQ(ErrorNumber([&] { rs->Update(); }), dao::daoerr::kTypeConversion);

@@ -155,23 +155,5 @@ TEST_F(FileTransferTest, FilesPastOneReadPieceGoUpAndComeDownByteForByte) {
     EXPECT_TRUE(platform::LeftoverVersions(folder_ + "/down.bin").empty());
 }
 
-TEST_F(FileTransferTest, ADownloadCutOffOrUnansweredLeavesTheOldFileAndNothingBeside) {
-    const std::string old = Write("a.pdf", "old");
-    PageReply cut{std::string(300000, 'n'), 200, "application/octet-stream"};
-    cut.dropAfter = 100000;
-    server_->On(kGet, [&](const RecordedRequest&) { return cut; });
-    for (const int usage : {0, 1}) {
-        State().objectUsage = usage;
-        EXPECT_EQ(Download("a.pdf"), "False");
-        auto version = platform::AtomicFile::Create(old);
-        ASSERT_TRUE(version);
-        EXPECT_EQ(ServerDownloadFile(kGet, "x=1&", *version, nullptr), "False");
-    }
-    State().serverName = "127.0.0.1:1";  // nobody listens there
-    EXPECT_FALSE(ServerDownloadFileDirect(kGet, "x=1&", folder_, "a.pdf"));
-    EXPECT_EQ(ReadBytes(old), "old");
-    EXPECT_TRUE(platform::LeftoverVersions(old).empty());
-}
-
 }  // namespace
 }  // namespace morvane::test

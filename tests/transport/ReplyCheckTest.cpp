@@ -83,22 +83,6 @@ TEST_F(ReplyCheckTest, UnreadableRepliesTellOnceAndReset) {
     }
 }
 
-TEST_F(ReplyCheckTest, DeadServerOrUntrustedCertificateIsAnEmptyReplyNotAHang) {
-    server_->On(kPage, Envelope(1, "T2"));
-    LogIn("T1");
-    platform::HttpOptions http = State().HttpOptions();
-    http.caFile = (temp_.Path() / "missing.pem").string();
-    State().SetHttpOptions(http);
-    EXPECT_EQ(SendRequest(kPage, "ID=user1&token=T1&"), "");
-    EXPECT_EQ(GetLoginState(), 0);
-    SetLoginState(1);
-    kit_->ClearRecords();
-    server_.reset();  // nothing listens on the port any more
-    EXPECT_EQ(SendRequest(kPage, "ID=user1&token=T1&"), "");
-    EXPECT_EQ(GetLoginState(), 0);
-    EXPECT_EQ(kit_->Boxes().size(), 1u);
-}
-
 // An empty body or path sends nothing; becoming the active window again, as after a box over
 // it, does not post again.
 TEST_F(ReplyCheckTest, ProgressFormRunsTheExchangeOnceUnlessTheOptionIsOne) {
