@@ -94,20 +94,6 @@ TEST_F(RecordPagesTest, MainPageAddsTheStaffCountWithoutItsStamp) {
     EXPECT_FALSE(main.Payload("Customer").child("ShokuinList").child("RecordUpdate"));
 }
 
-// The header moved with the main record, whose own stamp tells the offices; a grid that
-// looked newer here would be taken over an office's unsent grid.
-TEST_F(RecordPagesTest, GyoshuGridKeepsItsOwnStampWhenTheHeaderMoves) {
-    CreateCustomer(u_, 4);
-    ASSERT_EQ(Flags(u_, "customer/setCompGyoshu.php", "CustomerID=4&MinName=M&EPmtCheck31=1&"), 1);
-    const std::string before = Stamp("customer/getCompGyoshu.php", 4);
-    clock_->Advance(1min);
-    Call(u_, "customer/setCompKihon.php", "CustomerID=4&MinName=M2&");
-    EXPECT_EQ(Stamp("customer/getCompGyoshu.php", 4), before);
-    CreateCustomer(u_, 5);
-    ASSERT_EQ(Flags(u_, "customer/setCompKihon.php", "CustomerID=5&MinName=M&"), 1);
-    EXPECT_EQ(Stamp("customer/getCompGyoshu.php", 5), "") << "a grid never written";
-}
-
 // Deleting a customer that is gone, or never was, is done, not a failure; a new customer under
 // an old number starts empty.
 TEST_F(RecordPagesTest, DeletedCustomerLeavesTheRosterWithItsData) {
