@@ -1,13 +1,11 @@
 // Reconciling rosters that differ: which dialog the difference calls for, the two dialogs as
 // a user drives them, and the choices they hand back through the facade.
-#include <cstdio>
-#include <sstream>
-
 #include "RosterTestUtil.h"
 #include "component/ctrlMorvane.h"
 #include "roster/cCustList.h"
 #include "roster/frmSelectCompareCustList.h"
 #include "roster/frmSelectCompareCustListAll.h"
+#include "util/Text.h"
 
 namespace morvane::test {
 namespace {
@@ -23,11 +21,10 @@ constexpr const char* kDelServer = "× サーバーの顧客を削除";
 // "1-20,101-110" as the IDs it names; "none" names none.
 std::vector<int> Ids(const std::string& text) {
     std::vector<int> ids;
-    std::stringstream in(text);
-    for (std::string part; std::getline(in, part, ',');) {
-        int first = 0, last = 0;
-        const int n = std::sscanf(part.c_str(), "%d-%d", &first, &last);
-        for (int id = first; n > 0 && id <= (n == 2 ? last : first); ++id) ids.push_back(id);
+    for (const auto& range : text == "none" ? V{} : Split(text, ",")) {
+        const auto ends = Split(range, "-");
+        for (int id = std::stoi(ends.front()); id <= std::stoi(ends.back()); ++id)
+            ids.push_back(id);
     }
     return ids;
 }

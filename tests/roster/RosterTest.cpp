@@ -29,33 +29,6 @@ RosterEntry Entry(int id, std::string code = "") {
     return e;
 }
 
-TEST_F(RosterTest, ResultsOfTheRosterComparison) {
-    const auto compare = [&](const std::vector<RosterEntry>& served) {
-        Serve(served);
-        return obj_.CompareCustomerList(Db());
-    };
-    // Both empty, and a local roster of the sample customer alone against an empty server.
-    EXPECT_EQ(compare({}), 0);
-    Sql(paths_.customer, std::string("INSERT INTO tCustomer (id, CorpName0) VALUES (90, '") +
-                             kSampleCustomerName + "');");
-    EXPECT_EQ(compare({}), 0);
-    // The sample customer alone against a server with customers: the local side is empty.
-    EXPECT_EQ(compare({Entry(1)}), 5);
-    // Customers on both sides: equal numbers (the sample counts once it is not alone); a
-    // different number, or the same number with other IDs, differ; an empty server.
-    Local("one customer");
-    EXPECT_EQ(compare({Entry(1), Entry(90)}), 0);
-    EXPECT_EQ(compare({Entry(1)}), 3);
-    EXPECT_EQ(compare({Entry(1), Entry(91)}), 3);
-    EXPECT_EQ(compare({}), 4);
-    // Only the code differs: the rosters agree, and the list is released.
-    EXPECT_EQ(compare({Entry(1, "OTHER"), Entry(90)}), 0);
-    std::string add, del, upd;
-    EXPECT_EQ(obj_.GetUploadCustomerListIDs(Db(), add, del, upd), 0);
-    EXPECT_EQ(server_->RequestsTo("customer/getCompList.php").back().body,
-              "ID=" + GetLoginID() + "&token=T1&");
-}
-
 TEST_F(RosterTest, BrokenRepliesAndDatabasesGiveZeroWithoutASnapshot) {
     Local("one customer");
     // A count without its items, one item short of a tag, and text that is no XML.

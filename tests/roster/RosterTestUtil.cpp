@@ -11,11 +11,6 @@ std::string XmlText(std::string s) {
     return ReplaceAll(ReplaceAll(ReplaceAll(std::move(s), "&", "&amp;"), "<", "&lt;"), ">", "&gt;");
 }
 
-std::string Joined(std::string row, const std::vector<std::string>& cells) {
-    for (const auto& cell : cells) row += " | " + cell;
-    return row;
-}
-
 }  // namespace
 
 RosterEntry Customer(int id) {
@@ -65,16 +60,20 @@ void RosterDbTest::Serve(const std::vector<RosterEntry>& entries) {
 std::vector<std::string> GridRows(const forms::Grid& grid) {
     std::vector<std::string> rows;
     for (int r = 0; r < grid.Rows(); ++r) {
-        std::vector<std::string> texts;
-        for (int c = 1; c < grid.Cols(); ++c) texts.push_back(grid.At(r, c).text);
-        rows.push_back(Joined(grid.At(r, 0).data, texts));
+        std::vector<std::string> cells{grid.At(r, 0).data};
+        for (int c = 1; c < grid.Cols(); ++c) cells.push_back(grid.At(r, c).text);
+        rows.push_back(Join(cells, " | "));
     }
     return rows;
 }
 
 std::vector<std::string> ListRows(const forms::ListView& list) {
     std::vector<std::string> rows;
-    for (const auto& item : list.items) rows.push_back(Joined(item.key, item.texts));
+    for (const auto& item : list.items) {
+        std::vector<std::string> cells{item.key};
+        cells.insert(cells.end(), item.texts.begin(), item.texts.end());
+        rows.push_back(Join(cells, " | "));
+    }
     return rows;
 }
 

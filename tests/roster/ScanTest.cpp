@@ -49,18 +49,14 @@ protected:
 // Trades follow the customer's own row; an ordinary table with a difference is not backed
 // up, the print table always is, the permit form when it has rows; hidden permit rows and
 // blank bidding rows are not looked at; unknown indexes count as backed up, negative ones not.
-TEST_F(ScanTest, ExceptionsOfTheBackedUpRule) {
+// The scan of all leaves a table without local rows at its start values; the scan of one
+// judges it against empty local stamps, for that customer alone.
+TEST_F(ScanTest, ExceptionsOfTheBackedUpRuleAndTheScanOfOne) {
     Scan(0);
     ExpectAnswers("scan of all");
     EXPECT_FALSE(Item(1).AllBackuped());
     // Customer 3 is not on the server: none of its rows reached the snapshot.
     EXPECT_EQ(sync_.FindById(3), nullptr);
-}
-
-// The scan of all leaves a table without local rows at its start values; the scan of one
-// judges it against empty local stamps, for that customer alone.
-TEST_F(ScanTest, ScanOfOneJudgesMissingTablesTheScanOfAllLeaves) {
-    Scan(0);
     Scan(2);
     ExpectAnswers("scan of 2");
     Scan(1);

@@ -1,13 +1,10 @@
-// The server's building blocks on their own: body splitting, passwords, tokens, locks, file names,
-// XML.
+// The server's building blocks on their own: body splitting, passwords, locks, XML, numbers.
 #include <gtest/gtest.h>
 #include <pugixml.hpp>
 
 #include "server/core/Clock.h"
 #include "server/core/Locks.h"
-#include "server/core/Sessions.h"
 #include "server/crypto/Secrets.h"
-#include "server/files/FileStore.h"
 #include "server/util/FormBody.h"
 #include "server/util/Text.h"
 #include "server/xml/XmlWriter.h"
@@ -46,27 +43,6 @@ TEST(Passwords, HashIsSaltedAndVerifiesOnlyTheRightPassword) {
         EXPECT_FALSE(VerifyPassword(password, hash)) << password << " " << hash;
 }
 
-class SessionsTest : public ::testing::Test {
-protected:
-    ManualClock clock;
-    SessionStore sessions{clock, 30min};
-};
-
-TEST_F(SessionsTest, AcceptsTheCurrentAndThePreviousTokenOnly) {
-    const auto t0 = sessions.Open({1, "u1"});
-    auto r1 = sessions.Use("u1", t0);
-    ASSERT_TRUE(r1);
-    const auto t1 = r1->second;
-    EXPECT_NE(t1, t0);
-    // The reply carrying t1 was lost: t0 still works once more.
-    auto r2 = sessions.Use("u1", t0);
-    ASSERT_TRUE(r2);
-    const auto t2 = r2->second;
-    // The token before the newest stays valid; older ones, other users' and none are refused.
-    EXPECT_TRUE(sessions.Use("u1", t1));
-    EXPECT_FALSE(sessions.Use("u1", t0) || sessions.Use("u2", t2) || sessions.Use("u1", ""));
-}
-
 // Holder, lapse and the master lock across the office are the lock pages' tests.
 TEST(Locks, RenewalAndLocksApartByAccountAndKind) {
     ManualClock clock;
@@ -81,15 +57,6 @@ TEST(Locks, RenewalAndLocksApartByAccountAndKind) {
     EXPECT_TRUE(locks.HeldByOther(1, LockKind::Customer, 7, "u2")) << "renewed 10 min ago";
     clock.Advance(6min);
     EXPECT_FALSE(locks.HeldByOther(1, LockKind::Customer, 7, "u2")) << "expired";
-}
-
-TEST(FileNames, PlainNamesOnly) {
-    for (const char* good : {"決算書.pdf", "a.b.c", "report 2024.xlsx", ".hidden"})
-        EXPECT_TRUE(FileStore::ValidName(good)) << good;
-    for (const char* bad :
-         {"", ".", "..", "../x", "a/b", "a\\b", "x..y", "a\tb", "a\nb", "\x7f", "\xff\xfe"})
-        EXPECT_FALSE(FileStore::ValidName(bad)) << bad;
-    EXPECT_FALSE(FileStore::ValidName(std::string(256, 'a')));
 }
 
 TEST(XmlWriter, EscapesValuesAndRefusesWhatXmlCannotHold) {

@@ -2,7 +2,6 @@
 // signal.
 #include <gtest/gtest.h>
 #include <httplib.h>
-#include <stdlib.h>
 
 #include <chrono>
 #include <filesystem>
@@ -10,6 +9,7 @@
 #include <thread>
 
 #include "ChildProcess.h"
+#include "support/TempDir.h"
 
 namespace {
 
@@ -17,9 +17,8 @@ namespace fs = std::filesystem;
 using morvane::cli::ChildProcess;
 
 TEST(CommandLine, CreatesAccountsServesAndStopsOnASignal) {
-    std::string pattern = (fs::temp_directory_path() / "morvane-cli-XXXXXX").string();
-    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-    const fs::path dir = pattern;
+    const morvane::test::TempDir temp;
+    const fs::path& dir = temp.Path();
     const fs::path bin = MORVANE_SERVER_BINARY;
     const std::string data = (dir / "data").string();
     const fs::path log = dir / "log";
@@ -58,8 +57,6 @@ TEST(CommandLine, CreatesAccountsServesAndStopsOnASignal) {
     EXPECT_NE(res->body.find("<MaxCustomer>9</MaxCustomer>"), std::string::npos);
 
     EXPECT_EQ(server.Stop(), 0) << "SIGTERM ends it cleanly";
-    std::error_code ec;
-    fs::remove_all(dir, ec);
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "ServerFixture.h"
 
 #include <httplib.h>
-#include <stdlib.h>
 
 namespace morvane::server::testing {
 
@@ -22,12 +21,8 @@ std::string Reply::At(const std::string& path) const {
 }
 
 void ServerTest::SetUp() {
-    std::string pattern =
-        (std::filesystem::temp_directory_path() / "morvane-server-XXXXXX").string();
-    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-    dir_ = pattern;
     clock_ = std::make_shared<ManualClock>();
-    options_.dataDir = dir_ / "data";
+    options_.dataDir = dir_.Path() / "data";
     options_.clock = clock_;
     options_.maxUploadBytes = 64 * 1024;
     server_ = std::make_unique<MorvaneServer>(options_);
@@ -42,12 +37,6 @@ void ServerTest::SetUp() {
     server_->CreateAccount(account);
     server_->AddUser("K100", "u1", "secret", "山田");
     server_->AddUser("K100", "u2", "other", "佐藤");
-}
-
-void ServerTest::TearDown() {
-    server_.reset();
-    std::error_code ec;
-    std::filesystem::remove_all(dir_, ec);
 }
 
 std::string ServerTest::RawPost(const std::string& path, const std::string& body,

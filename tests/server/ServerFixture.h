@@ -11,6 +11,7 @@
 #include <string>
 
 #include "server/MorvaneServer.h"
+#include "support/TempDir.h"
 
 namespace morvane::server::testing {
 
@@ -37,7 +38,6 @@ struct Login {
 class ServerTest : public ::testing::Test {
 protected:
     void SetUp() override;
-    void TearDown() override;
 
     std::string RawPost(const std::string& path, const std::string& body,
                         const std::multimap<std::string, std::string>& headers = {});
@@ -57,7 +57,8 @@ protected:
         return Call(login, path, rest).Flags();
     }
 
-    std::filesystem::path dir_;
+    // Declared first, so that the server is gone before its folder.
+    morvane::test::TempDir dir_;
     std::shared_ptr<ManualClock> clock_;
     ServerOptions options_;
     std::unique_ptr<MorvaneServer> server_;

@@ -34,7 +34,7 @@ TEST_F(ServerTest, ClockPageHasNoEnvelopeAndStampsComeFromTheSameClock) {
 }
 
 // A failed request renews the token too; only the newest two are taken, and only from their
-// own user.
+// own user: the one before the newest serves a client whose last reply was lost, once.
 TEST_F(ServerTest, EveryJudgedReplyRenewsTheTokenAndOnlyTheLastTwoAreTaken) {
     Login u = LogIn();
     std::vector<std::string> tokens{u.token};
@@ -45,8 +45,10 @@ TEST_F(ServerTest, EveryJudgedReplyRenewsTheTokenAndOnlyTheLastTwoAreTaken) {
         EXPECT_FALSE(r.Token().empty());
         tokens.push_back(r.Token());
     }
-    for (Login other :
-         {Login{"u1", tokens[0]}, Login{"u2", u.token}, Login{"u1", "0123456789abcdef"}}) {
+    Login lost{"u1", tokens[2]};
+    EXPECT_EQ(Flags(lost, "customer/getCompList.php", ""), 1);
+    for (Login other : {Login{"u1", tokens[2]}, Login{"u1", tokens[1]}, Login{"u2", u.token},
+                        Login{"u1", "0123456789abcdef"}}) {
         Reply refused = Call(other, "customer/getCompList.php", "");
         EXPECT_EQ(refused.Flags(), 0) << other.userId << " " << other.token;
         EXPECT_EQ(refused.Token(), "");

@@ -51,7 +51,7 @@ TEST_F(ComparisonTest, DateTextsCompareAndShowUnderTheirFormat) {
         EXPECT_EQ(FormatDate(*DateValue::Parse(c[0]), c[1]), c[2]) << c[0] << " " << c[1];
 }
 
-TEST_F(ComparisonTest, DialogShowsStampsMarksTheNewerAndConfirms) {
+TEST_F(ComparisonTest, DialogShowsStampsMarksTheNewerConfirmsAndAfterAnAgreementKnowsNoDates) {
     ctrlMorvane obj;
     ASSERT_EQ(CompareInetDates(Value("2024/05/01 10:02:00"), Value("2024/05/01 10:03:00"),
                                Value("2024/05/01 10:00:00")),
@@ -71,10 +71,8 @@ TEST_F(ComparisonTest, DialogShowsStampsMarksTheNewerAndConfirms) {
     ASSERT_EQ(kit_->Boxes().size(), 2u);
     EXPECT_EQ(kit_->Boxes()[0].text, data_["take the server's"]);
     EXPECT_EQ(kit_->Boxes()[1].buttons, forms::MsgButtons::YesNo);
-}
 
-TEST_F(ComparisonTest, DialogAfterAnAgreementKnowsNoDatesAndCancelGivesZero) {
-    ctrlMorvane obj;
+    // After an agreement the dialog knows no dates; cancel gives 0.
     const Value t("2024/05/01 10:00:00");
     ASSERT_EQ(CompareInetDates(t, t, t), 0);
     kit_->OnShow("frmSelectCompareMsg", [&](forms::Form& f) {
@@ -86,55 +84,46 @@ TEST_F(ComparisonTest, DialogAfterAnAgreementKnowsNoDatesAndCancelGivesZero) {
     EXPECT_EQ(obj.ShowCompareMsg(nullptr, "x", {}, {}, {}, {}), 0);
 }
 
-class StampRoutinesTest : public ComparisonTest {
-protected:
-    void SetUp() override {
-        ComparisonTest::SetUp();
-        paths_ = CreateLocalDatabases(temp_.Path() / "db");
-        Sql(paths_.customer, data_["history rows"]);
-    }
-    Value Newest(const std::string& where) {
-        return GetRecordUpdateLocal(paths_.customer.string(), "tCustomerHistory", where);
-    }
-    std::string Unchecked() {
-        return One(paths_.customer,
-                   "SELECT COUNT(*) FROM tCustomerHistory WHERE InetCheckDate IS NULL");
-    }
-    LocalDatabasePaths paths_;
-};
-
-TEST_F(StampRoutinesTest, NewestStampSkipsNullsAndTextThatIsNoDate) {
-    const Value newest = Newest("disabled=0 And CustomerID = 5");
+TEST_F(ComparisonTest, NewestStampSkipsNullsAndTextThatIsNoDateAndTheAgreeStampNeedsACondition) {
+    const LocalDatabasePaths paths = CreateLocalDatabases(temp_.Path() / "db");
+    const std::string db = paths.customer.string();
+    Sql(paths.customer, data_["history rows"]);
+    const auto newestOf = [&](const std::string& where) {
+        return GetRecordUpdateLocal(db, "tCustomerHistory", where);
+    };
+    const auto unchecked = [&] {
+        return One(db, "SELECT COUNT(*) FROM tCustomerHistory WHERE InetCheckDate IS NULL");
+    };
+    const Value newest = newestOf("disabled=0 And CustomerID = 5");
     ASSERT_TRUE(newest.IsText());
     EXPECT_EQ(DateValue::Parse(newest.AsText())->StampText(), "2024/01/02 03:04:05");
-    EXPECT_EQ(Newest(" where disabled=0 And CustomerID = 5"), newest);
-    EXPECT_EQ(NzString(GetInetCheckDateLocal(paths_.customer.string(), "tCustomerHistory",
+    EXPECT_EQ(newestOf(" where disabled=0 And CustomerID = 5"), newest);
+    EXPECT_EQ(NzString(GetInetCheckDateLocal(db, "tCustomerHistory",
                                              "Where disabled=0 AND CustomerID = 5")),
               "2024/02/01");
-    EXPECT_TRUE(Newest("disabled=0 And CustomerID = 6").IsEmpty());
+    EXPECT_TRUE(newestOf("disabled=0 And CustomerID = 6").IsEmpty());
     // Without a condition only the master file is read.
-    EXPECT_TRUE(Newest("").IsEmpty());
+    EXPECT_TRUE(newestOf("").IsEmpty());
     EXPECT_TRUE(
         GetRecordUpdateLocal((temp_.Path() / "none.dat").string(), "t", "disabled=0").IsEmpty());
     const auto master = temp_.Path() / "master.DAT";
-    std::filesystem::copy_file(paths_.master, master);
+    std::filesystem::copy_file(paths.master, master);
     Sql(master,
         "INSERT INTO tYakushoku (Yakushoku, RecordUpdate) VALUES ('a', '2023-04-05 06:07:08');");
     EXPECT_EQ(NzString(GetRecordUpdateLocal(master.string(), "tYakushoku", "")),
               "2023/04/05 6:07:08");
-}
 
-TEST_F(StampRoutinesTest, AgreeStampWritesNowOnlyUnderACondition) {
+    // The agree stamp writes now, and only under a condition.
     EXPECT_EQ(NormalizeWhere("disabled=0 Where"), "disabled=0 Where");
-    SetInetCheckDate(paths_.customer.string(), "tCustomerHistory", "");
-    EXPECT_EQ(Unchecked(), "2");
+    SetInetCheckDate(db, "tCustomerHistory", "");
+    EXPECT_EQ(unchecked(), "2");
     const DateValue before = State().Clock().Now();
-    SetInetCheckDate(paths_.customer.string(), "tCustomerHistory", "disabled=1 And CustomerID = 5");
-    const auto written = DateValue::Parse(
-        One(paths_.customer, "SELECT InetCheckDate FROM tCustomerHistory WHERE disabled = 1"));
+    SetInetCheckDate(db, "tCustomerHistory", "disabled=1 And CustomerID = 5");
+    const auto written =
+        DateValue::Parse(One(db, "SELECT InetCheckDate FROM tCustomerHistory WHERE disabled = 1"));
     ASSERT_TRUE(written);
     EXPECT_GE(*written, before);
-    EXPECT_EQ(Unchecked(), "1");
+    EXPECT_EQ(unchecked(), "1");
 }
 
 }  // namespace
